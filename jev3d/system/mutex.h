@@ -1,0 +1,49 @@
+#pragma once
+
+#include <string>
+
+namespace JEV {
+namespace SYSTEM {
+
+// Results of mutex::wait, with the values of the Win32 wait functions.
+constexpr unsigned long WAIT_OBJECT_0 = 0x0;
+constexpr unsigned long WAIT_ABANDONED = 0x80;
+constexpr unsigned long WAIT_TIMEOUT = 0x102;
+constexpr unsigned long WAIT_FAILED = 0xFFFFFFFFul;
+// Timeout that never expires.
+constexpr unsigned long INFINITE = 0xFFFFFFFFul;
+
+// A lock, unnamed or named; either may be taken again by the
+// thread that owns it. A named mutex is one lock for every process that opens the same name: it is
+// an advisory lock on a file in the temporary directory, which the system drops when
+// the holding process dies, so a crash never leaves it locked.
+class mutex {
+ public:
+  explicit mutex(bool create = true);
+  explicit mutex(const std::wstring& name);
+  explicit mutex(const std::string& name);
+  virtual ~mutex();
+  mutex(const mutex&) = delete;
+  mutex& operator=(const mutex&) = delete;
+
+  // Creates the lock; a lock created before is destroyed first. False on failure.
+  bool create();
+  bool create(const std::wstring& name);
+  void destroy();
+
+  // Waits up to `milliseconds` (INFINITE for ever) to own the lock. Returns
+  // WAIT_OBJECT_0 on success, WAIT_TIMEOUT, or WAIT_FAILED when nothing was created.
+  unsigned long wait(unsigned long milliseconds) const;
+  // Gives the lock back; false when this thread does not own it.
+  bool release() const;
+
+  const std::wstring& getName() const { return name; }
+
+ private:
+  struct handleData;
+  handleData* handle = nullptr;
+  std::wstring name;
+};
+
+}  // namespace SYSTEM
+}  // namespace JEV
