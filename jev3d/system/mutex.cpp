@@ -1,40 +1,18 @@
 #include "jev3d/system/mutex.h"
 
+#include "jev3d/io/xml/stringConversion.h"
+#include "jev3d/system/internal/lockFile.h"
+
 #include <fcntl.h>
 #include <sys/file.h>
 #include <unistd.h>
 
 #include <chrono>
-#include <cstdio>
-#include <cstdlib>
 #include <mutex>
 #include <thread>
 
 namespace JEV {
 namespace SYSTEM {
-
-namespace {
-
-// File name for a named lock: printable ASCII kept, everything else hex-escaped,
-// so any wide name maps to one file and never leaves the directory.
-std::string lockFilePath(const std::wstring& name) {
-  const char* dir = std::getenv("TMPDIR");
-  std::string path = (dir && *dir) ? dir : "/tmp";
-  path += "/jev3d-mutex-";
-  for (wchar_t c : name) {
-    if ((c >= L'a' && c <= L'z') || (c >= L'A' && c <= L'Z') || (c >= L'0' && c <= L'9') ||
-        c == L'-' || c == L'_' || c == L'.') {
-      path += static_cast<char>(c);
-    } else {
-      char buf[16];
-      std::snprintf(buf, sizeof buf, "%%%X", static_cast<unsigned>(c));
-      path += buf;
-    }
-  }
-  return path + ".lock";
-}
-
-}  // namespace
 
 struct mutex::handleData {
   // Threads of this process are excluded by `local`; other processes by the file lock.
@@ -53,7 +31,7 @@ mutex::mutex(bool doCreate) {
 
 mutex::mutex(const std::wstring& n) { create(n); }
 
-mutex::mutex(const std::string& n) : mutex(std::wstring(n.begin(), n.end())) {}
+mutex::mutex(const std::string& n) : mutex(IO::XML::utf8ToWstring(n)) {}
 
 mutex::~mutex() { destroy(); }
 
@@ -66,7 +44,7 @@ bool mutex::create() {
 bool mutex::create(const std::wstring& n) {
   destroy();
   name = n;
-  int fd = ::open(lockFilePath(n).c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0666);
+  int fd = ::open(INTERNAL::lockFilePath(n, "mutex").c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0666);
   if (fd < 0) return false;
   handle = new handleData;
   handle->fd = fd;
