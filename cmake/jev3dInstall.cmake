@@ -1,5 +1,4 @@
-# Installed and exported package: find_package(jev3d) gives jev3d::core (and jev3d::jev3d
-# once the window layer is built).
+# Installed and exported package: find_package(jev3d) gives jev3d::core and jev3d::jev3d.
 include(CMakePackageConfigHelpers)
 
 install(DIRECTORY ${PROJECT_SOURCE_DIR}/jev3d/
