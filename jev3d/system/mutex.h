@@ -45,5 +45,17 @@ class mutex {
   std::wstring name;
 };
 
+// Holds `lock` for the lifetime of the scope; the lock must have been created.
+class scopedLock {
+ public:
+  explicit scopedLock(const mutex& lock) : held(lock) { held.wait(INFINITE); }
+  ~scopedLock() { held.release(); }
+  scopedLock(const scopedLock&) = delete;
+  scopedLock& operator=(const scopedLock&) = delete;
+
+ private:
+  const mutex& held;
+};
+
 }  // namespace SYSTEM
 }  // namespace JEV
