@@ -2,7 +2,7 @@
 
 #include <cstdint>
 
-#include "jev3d/system/internal/delegateWords.h"
+#include "jev3d/system/delegateWords.h"
 #include "jev3d/system/sharedPointer.h"
 
 namespace JEV {

@@ -1,5 +1,7 @@
 #pragma once
 
+// Word conversions behind the delegate family; not for direct use.
+
 #include <cassert>
 #include <cstdint>
 #include <cstring>

@@ -1,0 +1,54 @@
+#include "jev3d/fields/fieldBase.h"
+
+#include <string>
+
+#include "jev3d/fields/engineCondition.h"
+#include "jev3d/math/point2.h"
+#include "jev3d/math/point3.h"
+#include "jev3d/math/point4.h"
+#include "jev3d/system/color.h"
+#include "jev3d/system/flags.h"
+
+namespace JEV {
+namespace MESH {
+class editMeshNode;
+}  // namespace MESH
+
+namespace SYSTEM {
+
+// The field kinds of the library's interface, each over both linker kinds.
+#define JEV3D_FIELD_BOTH_KINDS(T)                           \
+  template class fieldBase<T, dummyLinkerType, linkerBase>; \
+  template class fieldBase<T, dummyLinkerType, mtLinker>;
+
+JEV3D_FIELD_BOTH_KINDS(char)
+JEV3D_FIELD_BOTH_KINDS(unsigned char)
+JEV3D_FIELD_BOTH_KINDS(short)
+JEV3D_FIELD_BOTH_KINDS(unsigned short)
+JEV3D_FIELD_BOTH_KINDS(int)
+JEV3D_FIELD_BOTH_KINDS(unsigned int)
+JEV3D_FIELD_BOTH_KINDS(unsigned long)
+JEV3D_FIELD_BOTH_KINDS(float)
+JEV3D_FIELD_BOTH_KINDS(double)
+JEV3D_FIELD_BOTH_KINDS(bool)
+JEV3D_FIELD_BOTH_KINDS(long long)
+JEV3D_FIELD_BOTH_KINDS(unsigned long long)
+JEV3D_FIELD_BOTH_KINDS(MATH::point2<int>)
+JEV3D_FIELD_BOTH_KINDS(MATH::point2<float>)
+JEV3D_FIELD_BOTH_KINDS(MATH::point2<double>)
+JEV3D_FIELD_BOTH_KINDS(MATH::point3<int>)
+JEV3D_FIELD_BOTH_KINDS(MATH::point3<float>)
+JEV3D_FIELD_BOTH_KINDS(MATH::point3<double>)
+JEV3D_FIELD_BOTH_KINDS(MATH::point4<int>)
+JEV3D_FIELD_BOTH_KINDS(MATH::point4<float>)
+JEV3D_FIELD_BOTH_KINDS(MATH::point4<double>)
+JEV3D_FIELD_BOTH_KINDS(CORE::color)
+JEV3D_FIELD_BOTH_KINDS(std::string)
+JEV3D_FIELD_BOTH_KINDS(std::wstring)
+JEV3D_FIELD_BOTH_KINDS(flags<int>)
+JEV3D_FIELD_BOTH_KINDS(MESH::editMeshNode*)
+
+#undef JEV3D_FIELD_BOTH_KINDS
+
+}  // namespace SYSTEM
+}  // namespace JEV
