@@ -2,6 +2,8 @@
 
 #include <GL/glew.h>
 
+#include "jev3d/renderer/renderingContext.h"
+
 namespace JEV {
 namespace RENDERING {
 
