@@ -1,0 +1,280 @@
+#include <algorithm>
+#include <memory>
+
+#include "jev3d/mesh/editMesh.h"
+
+namespace JEV {
+namespace MESH {
+
+namespace {
+
+// An edge met while pairing sides, filed under its smaller vertex.
+struct slotEntry {
+  uint32_t other;
+  uint32_t edgeId;
+};
+
+// Per vertex: where its slots start and how many are in use.
+struct slotRange {
+  uint32_t base;
+  uint32_t used;
+};
+
+// Counts steps of a rebuild into an integer percentage, as computeEdgesOpt reports it.
+class progressSteps {
+ public:
+  progressSteps(int* out, SYSTEM::callBack* cb, int steps) : out(out), step(100.0 / steps) {
+    (void)cb;
+  }
+  void next() {
+    acc += step;
+    if (out) *out = int(acc);
+  }
+
+ private:
+  int* out;
+  double step;
+  double acc = 0.0;
+};
+
+constexpr int REBUILD_STEPS = 5;
+
+}  // namespace
+
+bool editMesh::computeEVEF() { return rebuildEdges(nullptr, nullptr); }
+
+bool editMesh::computeEdgesOpt(int& progress, SYSTEM::callBack* cb) {
+  progress = 0;
+  const bool ok = rebuildEdges(&progress, cb);
+  if (ok) evefInvalid = false;
+  return ok;
+}
+
+// Sides are the pairs (corner i, corner i + 1 mod n) of live faces, walked in face order
+// then corner order. Each side is filed under its smaller vertex; the slots of a vertex
+// are sized by a counting pass, so pairing needs no hashing and no allocation per side.
+bool editMesh::rebuildEdges(int* progress, SYSTEM::callBack* cb) {
+  const uint32_t nv = vn();
+  const uint32_t nf = fn();
+  if (nf == 0 || nv == 0) return true;
+  progressSteps steps(progress, cb, REBUILD_STEPS);
+  checkMeshState();
+
+  auto fail = [&] {
+    eStore.clear();
+    efStore.clear();
+    eFlag.clear();
+    delEn = delEfn = 0;
+    selEn = 0;
+    veInvalid = true;
+    return false;
+  };
+  if (nf > EF_LIMIT) return fail();
+
+  const faceWEdgeRecord* fv = fvStore.data();
+  const face* faces = fStore.data();
+  const unsigned char* ff = fFlag.data();
+  const size_t nfv = fvStore.size();
+  constexpr unsigned char DEAD = uint8_t(FACE_STATE_T::DELETED);
+
+  // Visits the sides of live faces: fn(faceId, cornerIndex, fvIndex, a, b). Sides with an
+  // end outside V and faces whose corners run past FV are skipped the same way each pass.
+  auto forEachSide = [&](auto&& fn) {
+    for (uint32_t f = 0; f < nf; ++f) {
+      if (ff[f] & DEAD) continue;
+      const uint32_t n = faces[f].fvNum, base = faces[f].fvBase;
+      if (n == 0 || size_t(base) + n > nfv) continue;
+      const uint32_t first = fv[base].vertId;
+      uint32_t a = first;
+      for (uint32_t i = 0; i < n; ++i) {
+        const uint32_t b = i + 1 == n ? first : fv[base + i + 1].vertId;
+        if (a < nv && b < nv) fn(f, i, base + i, a, b);
+        a = b;
+      }
+    }
+  };
+
+  // 1. sides per smaller vertex
+  std::vector<slotRange> ranges(size_t(nv) + 1, slotRange{0, 0});
+  slotRange* rg = ranges.data();
+  forEachSide(
+      [&](uint32_t, uint32_t, uint32_t, uint32_t a, uint32_t b) { ++rg[a < b ? a : b].base; });
+  size_t sides = 0;
+  for (uint32_t v = 0; v <= nv; ++v) {
+    const uint32_t c = rg[v].base;
+    rg[v].base = uint32_t(sides);
+    sides += c;
+  }
+  steps.next();
+
+  // 2. pair the sides; edge ids follow first appearance
+  std::unique_ptr<slotEntry[]> slots(new slotEntry[sides ? sides : 1]);
+  std::unique_ptr<uint32_t[]> sideEdge(new uint32_t[nfv ? nfv : 1]);
+  slotEntry* sl = slots.get();
+  uint32_t* se = sideEdge.get();
+  std::vector<edge> newE;
+  newE.reserve(sides / 2 + sides / 16 + 16);
+  forEachSide([&](uint32_t, uint32_t, uint32_t k, uint32_t a, uint32_t b) {
+    const uint32_t key = a < b ? a : b;
+    const uint32_t other = a < b ? b : a;
+    slotRange& r = rg[key];
+    slotEntry* s = sl + r.base;
+    for (uint32_t j = 0; j < r.used; ++j) {
+      if (s[j].other == other) {
+        const uint32_t e = s[j].edgeId;
+        ++newE[e].efNum;  // 6 bits: the 64th face wraps it to 0
+        se[k] = e;
+        return;
+      }
+    }
+    const uint32_t e = uint32_t(newE.size());
+    newE.emplace_back(key, other);
+    newE.back().efNum = 1;
+    s[r.used++] = slotEntry{other, e};
+    se[k] = e;
+  });
+  slots.reset();
+  ranges = std::vector<slotRange>();
+  steps.next();
+
+  // 3. efBase as a prefix sum of efNum
+  const uint32_t ne = uint32_t(newE.size());
+  size_t total = 0;
+  for (edge& e : newE) {
+    if (total >= EF_LIMIT) return fail();
+    e.efBase = uint32_t(total);
+    total += e.efNum;
+  }
+  if (total > EF_LIMIT) return fail();
+  steps.next();
+
+  // 4. fill EF in the same order; entries beyond efNum are dropped
+  std::vector<edgeFaceRecord> newEF(total);
+  std::vector<uint8_t> filled(ne, 0);
+  edgeFaceRecord* ef = newEF.data();
+  uint8_t* fill = filled.data();
+  const edge* er = newE.data();
+  forEachSide([&](uint32_t f, uint32_t i, uint32_t k, uint32_t, uint32_t) {
+    const uint32_t e = se[k];
+    const uint32_t c = fill[e];
+    if (c >= er[e].efNum) return;
+    fill[e] = uint8_t(c + 1);
+    const uint32_t n = faces[f].fvNum;
+    ef[er[e].efBase + c] = edgeFaceRecord(f, (i + 1 == n ? 0 : i + 1) & 63u);
+  });
+  steps.next();
+
+  // 5. swap in; edge flags start clean
+  eStore.swap(newE);
+  efStore.swap(newEF);
+  eFlag.assign(ne, 0);
+  edgeColors.clear();
+  delEn = delEfn = 0;
+  selEn = 0;
+  veInvalid = true;
+  steps.next();
+  return true;
+}
+
+bool editMesh::computeEdges(bool keepWire) {
+  std::vector<edge> wires;
+  if (keepWire && countWireEdges() > 0) getWireEdges(wires);
+  const bool ok = rebuildEdges(nullptr, nullptr);
+  if (!ok) return false;
+  addWireEdges(wires);
+  evefInvalid = false;
+  return true;
+}
+
+void editMesh::computeVE(bool skipDeleted) {
+  const uint32_t nv = vn();
+  const uint32_t ne = en();
+  if (nv == 0) return;
+  checkMeshState();
+  std::vector<uint32_t> cursor(size_t(nv) + 1, 0);
+  uint32_t* cur = cursor.data();
+  const edge* es = eStore.data();
+  const unsigned char* efl = eFlag.data();
+  constexpr unsigned char DEAD = uint8_t(EDGE_STATE_T::DELETED);
+  auto skip = [&](uint32_t e) { return skipDeleted && (efl[e] & DEAD); };
+
+  for (uint32_t e = 0; e < ne; ++e) {
+    if (skip(e)) continue;
+    const uint32_t a = es[e].v[0], b = es[e].v[1];
+    if (a < nv) ++cur[a];
+    if (b < nv) ++cur[b];
+  }
+  uint32_t total = 0;
+  vert* vs = vStore.data();
+  for (uint32_t v = 0; v < nv; ++v) {
+    const uint32_t c = cur[v];
+    vs[v].veBase = total;
+    vs[v].veNum = c;
+    cur[v] = total;
+    total += c;
+  }
+  std::vector<unsigned int> newVE(total);
+  unsigned int* ve = newVE.data();
+  for (uint32_t e = 0; e < ne; ++e) {
+    if (skip(e)) continue;
+    const uint32_t a = es[e].v[0], b = es[e].v[1];
+    if (a < nv) ve[cur[a]++] = e;
+    if (b < nv) ve[cur[b]++] = e;
+  }
+  veStore.swap(newVE);
+  delVen = 0;
+  veInvalid = false;
+}
+
+void editMesh::addEdgesToVE(const std::vector<unsigned int>& vertices,
+                            const std::vector<std::vector<unsigned int>>& lists) {
+  const size_t n = std::min(vertices.size(), lists.size());
+  for (size_t i = 0; i < n; ++i) {
+    vert& r = vStore[vertices[i]];
+    const uint32_t oldBase = r.veBase, oldNum = r.veNum;
+    const uint32_t newBase = ven();
+    veStore.reserve(veStore.size() + oldNum + lists[i].size());
+    for (uint32_t k = 0; k < oldNum; ++k) {
+      const unsigned int e = veStore[oldBase + k];
+      veStore.push_back(e);
+    }
+    veStore.insert(veStore.end(), lists[i].begin(), lists[i].end());
+    delVen += oldNum;
+    r.veBase = newBase;
+    r.veNum = oldNum + unsigned(lists[i].size());
+  }
+}
+
+void editMesh::removeIdFromEF(unsigned int f, unsigned int e) {
+  if (edgeIsDeleted(e)) return;
+  edge& r = eStore[e];
+  const uint32_t n = r.efNum;
+  for (uint32_t i = 0; i < n; ++i) {
+    if (efStore[r.efBase + i].faceId != f) continue;
+    for (uint32_t k = i + 1; k < n; ++k) efStore[r.efBase + k - 1] = efStore[r.efBase + k];
+    r.efNum = n - 1;
+    ++delEfn;
+    return;
+  }
+}
+
+unsigned int editMesh::countWireEdges() const {
+  unsigned int count = 0;
+  for (unsigned int e = 0; e < en(); ++e)
+    if (eStore[e].efNum == 0 && !(e < eFlag.size() && edgeIsDeleted(e))) ++count;
+  return count;
+}
+
+void editMesh::getWireEdges(std::vector<edge>& out) const {
+  out.clear();
+  for (unsigned int e = 0; e < en(); ++e)
+    if (eStore[e].efNum == 0 && !(e < eFlag.size() && edgeIsDeleted(e)))
+      out.emplace_back(eStore[e].v[0], eStore[e].v[1]);
+}
+
+void editMesh::addWireEdges(const std::vector<edge>& wires) {
+  for (const edge& w : wires) addEdge(w.v[0], w.v[1]);
+}
+
+}  // namespace MESH
+}  // namespace JEV
