@@ -272,6 +272,33 @@ void editMesh::nullify() {
 
 // ---------------------------------------------------------------- compaction
 
+namespace {
+// Keeps the records whose flag lacks the dead bit, in order, with their flags and (when
+// sized like the store) their colours; map gets old id -> new id, NONE for dropped ones.
+template <class R>
+void squeezeStore(std::vector<R>& store, std::vector<unsigned char>& flags, unsigned char dead,
+                  std::vector<CORE::color>* colors, std::vector<unsigned int>& map) {
+  const size_t n = store.size();
+  const bool withColors = colors && colors->size() == n;
+  map.assign(n, NONE);
+  std::vector<R> kept;
+  std::vector<unsigned char> keptFlags;
+  std::vector<CORE::color> keptColors;
+  kept.reserve(n);
+  keptFlags.reserve(n);
+  for (size_t i = 0; i < n; ++i) {
+    if (flags[i] & dead) continue;
+    map[i] = unsigned(kept.size());
+    kept.push_back(store[i]);
+    keptFlags.push_back(flags[i]);
+    if (withColors) keptColors.push_back((*colors)[i]);
+  }
+  store.swap(kept);
+  flags.swap(keptFlags);
+  if (withColors) colors->swap(keptColors);
+}
+}  // namespace
+
 bool editMesh::compactVertices() {
   std::vector<unsigned int> map;
   return compactVertices(map);
@@ -280,19 +307,7 @@ bool editMesh::compactVertices() {
 bool editMesh::compactVertices(std::vector<unsigned int>& map) {
   const unsigned int nv = vn();
   checkMeshState();
-  map.assign(nv, NONE);
-  std::vector<vert> kept;
-  std::vector<unsigned char> keptFlags;
-  kept.reserve(nv - std::min(nv, delVn));
-  keptFlags.reserve(kept.capacity());
-  for (unsigned int v = 0; v < nv; ++v) {
-    if (isVertDeleted(v)) continue;
-    map[v] = unsigned(kept.size());
-    kept.push_back(vStore[v]);
-    keptFlags.push_back(vFlag[v]);
-  }
-  vStore.swap(kept);
-  vFlag.swap(keptFlags);
+  squeezeStore(vStore, vFlag, uint8_t(VERT_STATE_T::DELETED), nullptr, map);
   for (unsigned int f = 0; f < fn(); ++f) {
     if (isFaceDeleted(f)) continue;
     const face& r = fStore[f];
@@ -320,23 +335,7 @@ bool editMesh::compactFaces() {
 bool editMesh::compactFaces(std::vector<unsigned int>& map) {
   const unsigned int nf = fn();
   checkMeshState();
-  map.assign(nf, NONE);
-  std::vector<face> kept;
-  std::vector<unsigned char> keptFlags;
-  std::vector<CORE::color> keptColors;
-  const bool colors = faceColors.size() == nf;
-  kept.reserve(nf);
-  keptFlags.reserve(nf);
-  for (unsigned int f = 0; f < nf; ++f) {
-    if (isFaceDeleted(f)) continue;
-    map[f] = unsigned(kept.size());
-    kept.push_back(fStore[f]);
-    keptFlags.push_back(fFlag[f]);
-    if (colors) keptColors.push_back(faceColors[f]);
-  }
-  fStore.swap(kept);
-  fFlag.swap(keptFlags);
-  if (colors) faceColors.swap(keptColors);
+  squeezeStore(fStore, fFlag, uint8_t(FACE_STATE_T::DELETED), &faceColors, map);
   if (en() > 0 && !evefInvalid) {
     for (edgeFaceRecord& r : efStore)
       if (r.faceId < nf) r.faceId = map[r.faceId] & (EF_LIMIT - 1);
@@ -353,23 +352,7 @@ bool editMesh::compactEdges(std::vector<unsigned int>& map) {
   if (en() == 0 || evefInvalid) return false;
   const unsigned int ne = en();
   checkMeshState();
-  map.assign(ne, NONE);
-  std::vector<edge> kept;
-  std::vector<unsigned char> keptFlags;
-  std::vector<CORE::color> keptColors;
-  const bool colors = edgeColors.size() == ne;
-  kept.reserve(ne);
-  keptFlags.reserve(ne);
-  for (unsigned int e = 0; e < ne; ++e) {
-    if (edgeIsDeleted(e)) continue;
-    map[e] = unsigned(kept.size());
-    kept.push_back(eStore[e]);
-    keptFlags.push_back(eFlag[e]);
-    if (colors) keptColors.push_back(edgeColors[e]);
-  }
-  eStore.swap(kept);
-  eFlag.swap(keptFlags);
-  if (colors) edgeColors.swap(keptColors);
+  squeezeStore(eStore, eFlag, uint8_t(EDGE_STATE_T::DELETED), &edgeColors, map);
   // Only the first VE entry of each vertex is renamed: VE must be rebuilt after this.
   for (unsigned int v = 0; v < vn(); ++v) {
     const vert& r = vStore[v];
@@ -431,19 +414,11 @@ void editMesh::deleteEdgeGuarded(unsigned int e, bool keepFaces) {
   }
 }
 
-void editMesh::deleteVertex(unsigned int v) {
-  if (isVertDeleted(v)) return;
-  if (isVertSelected(v)) dropVertexFromSelection(v);
-  setVertFlag(v, VERT_STATE_T::DELETED);
-  ++delVn;
-  const vert& r = vStore[v];
-  for (unsigned int i = 0; i < r.veNum && r.veBase + i < ven(); ++i) {
-    const unsigned int e = veStore[r.veBase + i];
-    if (e < en()) deleteEdge(e);
-  }
-}
+void editMesh::deleteVertex(unsigned int v) { deleteVertexAndEdges(v, false); }
 
-void editMesh::deleteVertexGuarded(unsigned int v) {
+void editMesh::deleteVertexGuarded(unsigned int v) { deleteVertexAndEdges(v, true); }
+
+void editMesh::deleteVertexAndEdges(unsigned int v, bool guarded) {
   if (isVertDeleted(v)) return;
   if (isVertSelected(v)) dropVertexFromSelection(v);
   setVertFlag(v, VERT_STATE_T::DELETED);
@@ -451,31 +426,36 @@ void editMesh::deleteVertexGuarded(unsigned int v) {
   const vert& r = vStore[v];
   for (unsigned int i = 0; i < r.veNum && r.veBase + i < ven(); ++i) {
     const unsigned int e = veStore[r.veBase + i];
-    if (e < en()) deleteEdgeGuarded(e, false);
+    if (e >= en()) continue;
+    if (guarded) {
+      deleteEdgeGuarded(e, false);
+    } else {
+      deleteEdge(e);
+    }
   }
 }
 
 void editMesh::deleteFaces(bool selectedOnly, bool rebuild) {
-  checkMeshState();
-  for (unsigned int f = 0; f < fn(); ++f) {
-    if (isFaceDeleted(f) || (selectedOnly && !isFaceSelected(f))) continue;
-    setFaceFlag(f, FACE_STATE_T::DELETED);
-    delFvn += fStore[f].fvNum;
-  }
-  clearGeomSelectionState();
-  clearRenderValidity();
-  if (rebuild) {
-    computeEdges(true);
-    computeVE();
-  }
+  deleteFaceSet(selectedOnly, rebuild, false);
 }
 
 void editMesh::deleteFacesUpdatingEdges(bool selectedOnly, bool rebuild) {
+  deleteFaceSet(selectedOnly, rebuild, true);
+}
+
+void editMesh::deleteFaceSet(bool selectedOnly, bool rebuild, bool updateEdges) {
   checkMeshState();
   for (unsigned int f = 0; f < fn(); ++f) {
     if (isFaceDeleted(f) || (selectedOnly && !isFaceSelected(f))) continue;
-    deleteFaceUpdatingEdges(f);
+    if (updateEdges) {
+      deleteFaceUpdatingEdges(f);
+    } else {
+      // delFn is left as it is here, unlike deleteFace
+      setFaceFlag(f, FACE_STATE_T::DELETED);
+      delFvn += fStore[f].fvNum;
+    }
   }
+  if (!updateEdges) clearGeomSelectionState();
   clearRenderValidity();
   if (rebuild) {
     computeEdges(true);

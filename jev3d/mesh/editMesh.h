@@ -642,6 +642,8 @@ class editMesh {
   bool vertexHeldByFaceSelection(unsigned int v) const;
   void dropVertexFromSelection(unsigned int v);
   void clearRenderValidity();
+  void deleteVertexAndEdges(unsigned int v, bool guarded);
+  void deleteFaceSet(bool selectedOnly, bool rebuild, bool updateEdges);
   bool rebuildEdges(int* progress, SYSTEM::callBack* cb);
 
   // The trees are dropped, not shared, when a mesh is copied.

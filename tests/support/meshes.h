@@ -5,7 +5,9 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
+#include <utility>
 #include <vector>
 
 #include "jev3d/mesh/editMesh.h"
@@ -25,14 +27,17 @@ inline void finishMesh(editMesh& m) {
 }
 
 // nx by ny cells over [0, nx] x [0, ny] at z = 0, normals +z. Vertex (i, j) is
-// j * (nx + 1) + i. Quads, or each cell split into two triangles along its diagonal.
-inline void makeGrid(editMesh& m, unsigned nx, unsigned ny, bool quads = true) {
+// j * (nx + 1) + i. Quads, or each cell split into two triangles along its diagonal; the
+// cells listed in holes are left out, each leaving a boundary loop.
+inline void makeGrid(editMesh& m, unsigned nx, unsigned ny, bool quads = true,
+                     const std::vector<std::pair<unsigned, unsigned>>& holes = {}) {
   const unsigned base = m.vn();
   for (unsigned j = 0; j <= ny; ++j)
     for (unsigned i = 0; i <= nx; ++i) m.addVertex(float(i), float(j), 0.f);
   auto id = [&](unsigned i, unsigned j) { return base + j * (nx + 1) + i; };
   for (unsigned j = 0; j < ny; ++j)
     for (unsigned i = 0; i < nx; ++i) {
+      if (std::find(holes.begin(), holes.end(), std::make_pair(i, j)) != holes.end()) continue;
       const unsigned a = id(i, j), b = id(i + 1, j), c = id(i + 1, j + 1), d = id(i, j + 1);
       if (quads) {
         m.addQuadFace(a, b, c, d);
@@ -43,19 +48,9 @@ inline void makeGrid(editMesh& m, unsigned nx, unsigned ny, bool quads = true) {
     }
 }
 
-// The grid with the listed cells left out: holes with a boundary loop each.
 inline void makeGridWithHoles(editMesh& m, unsigned nx, unsigned ny,
                               const std::vector<std::pair<unsigned, unsigned>>& holes) {
-  const unsigned base = m.vn();
-  for (unsigned j = 0; j <= ny; ++j)
-    for (unsigned i = 0; i <= nx; ++i) m.addVertex(float(i), float(j), 0.f);
-  auto id = [&](unsigned i, unsigned j) { return base + j * (nx + 1) + i; };
-  for (unsigned j = 0; j < ny; ++j)
-    for (unsigned i = 0; i < nx; ++i) {
-      bool hole = false;
-      for (const auto& h : holes) hole = hole || (h.first == i && h.second == j);
-      if (!hole) m.addQuadFace(id(i, j), id(i + 1, j), id(i + 1, j + 1), id(i, j + 1));
-    }
+  makeGrid(m, nx, ny, true, holes);
 }
 
 // Unit cube [0,1]^3, six quads wound outward.
