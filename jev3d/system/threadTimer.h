@@ -18,7 +18,8 @@ class threadTimer {
  public:
   threadTimer();
   explicit threadTimer(const sharedPointer<delegate>& tickDelegate);
-  // Stops the loop and waits for a tick in progress to end.
+  // Stops the loop and waits for a tick in progress to end. Must not run inside the
+  // timer's own tick.
   virtual ~threadTimer();
   threadTimer(const threadTimer&) = delete;
   threadTimer& operator=(const threadTimer&) = delete;
