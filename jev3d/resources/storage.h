@@ -3,11 +3,13 @@
 #include <map>
 #include <string>
 
+#include "jev3d/io/xml/stringConversion.h"
+
 namespace JEV {
 namespace CORE {
 
 // A named, name-ordered map of entries. A missing name reads as `nullEntry` (a default T),
-// never as an error, so callers test what they get. Narrow names are widened byte by byte.
+// never as an error, so callers test what they get. Narrow names are read as UTF-8.
 template <class T>
 class storage {
  public:
@@ -41,12 +43,7 @@ class storage {
   virtual const std::wstring& getUniqueId();
 
  protected:
-  static std::wstring widen(const std::string& name) {
-    std::wstring out;
-    out.reserve(name.size());
-    for (unsigned char c : name) out.push_back(static_cast<wchar_t>(c));
-    return out;
-  }
+  static std::wstring widen(const std::string& name) { return IO::XML::utf8ToWstring(name); }
 
   std::map<std::wstring, T> entries;
   T nullEntry{};
