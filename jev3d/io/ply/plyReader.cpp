@@ -77,20 +77,27 @@ void copyColumn(const unsigned char* src, size_t srcStride, unsigned char* dst, 
   }
 }
 
+// The common face list: a count of 3 and three 32-bit indices. Counts are checked once per
+// run rather than per face, so the loop has no branch; a run with a bad count fails whole.
 template <class CountT, class ItemT, bool Swap>
-bool copyTriangles(const unsigned char*& p, size_t n, unsigned* out, long long& lo, long long& hi) {
+bool copyTriangles(const unsigned char*& p, size_t n, unsigned* out, long long& lo,
+                   long long& hi) {
   constexpr size_t step = sizeof(CountT) + 3 * sizeof(ItemT);
-  long long mn = lo, mx = hi;
-  for (size_t i = 0; i < n; ++i, p += step, out += 3) {
-    if (load<CountT, Swap>(p) != CountT(3)) return false;
-    const ItemT a = load<ItemT, Swap>(p + sizeof(CountT));
-    const ItemT b = load<ItemT, Swap>(p + sizeof(CountT) + sizeof(ItemT));
-    const ItemT c = load<ItemT, Swap>(p + sizeof(CountT) + 2 * sizeof(ItemT));
+  ItemT mn = std::numeric_limits<ItemT>::max(), mx = std::numeric_limits<ItemT>::min();
+  unsigned bad = 0;
+  const unsigned char* q = p;
+  for (size_t i = 0; i < n; ++i, q += step, out += 3) {
+    bad |= unsigned(load<CountT, Swap>(q) != CountT(3));
+    const ItemT a = load<ItemT, Swap>(q + sizeof(CountT));
+    const ItemT b = load<ItemT, Swap>(q + sizeof(CountT) + sizeof(ItemT));
+    const ItemT c = load<ItemT, Swap>(q + sizeof(CountT) + 2 * sizeof(ItemT));
     out[0] = unsigned(a), out[1] = unsigned(b), out[2] = unsigned(c);
-    mn = std::min({mn, (long long)a, (long long)b, (long long)c});
-    mx = std::max({mx, (long long)a, (long long)b, (long long)c});
+    mn = std::min(mn, std::min(a, std::min(b, c)));
+    mx = std::max(mx, std::max(a, std::max(b, c)));
   }
-  lo = mn, hi = mx;
+  if (bad) return false;
+  p = q;
+  if (n) lo = std::min(lo, (long long)mn), hi = std::max(hi, (long long)mx);
   return true;
 }
 
