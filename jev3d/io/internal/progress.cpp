@@ -1,10 +1,15 @@
 #include "jev3d/io/internal/progress.h"
 
+#include "jev3d/system/callBack.h"
+
 namespace JEV {
 namespace IO {
 
 namespace {
-void send(SYSTEM::callBack* /*cb*/, float /*percent*/, bool /*onlyIfChanged*/) {}
+void send(SYSTEM::callBack* cb, float percent, bool onlyIfChanged) {
+  if (!cb || (onlyIfChanged && float(cb->value) == percent)) return;
+  cb->setValue(percent);
+}
 }  // namespace
 
 void progress::open() {

@@ -1,7 +1,9 @@
 #include "jev3d/io/ply/ioPly.h"
+#include "jev3d/system/callBack.h"
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <thread>
 
 #include "support/fileBytes.h"
@@ -288,6 +290,46 @@ TEST(ioPly, readsOnSeveralThreadsAtOnce) {
   }
   for (std::thread& t : threads) t.join();
   EXPECT_EQ(good, std::vector<int>(8, 20));
+}
+
+}  // namespace
+
+namespace {
+
+// Records every report it is given.
+class recordingCallBack : public JEV::SYSTEM::callBack {
+ public:
+  bool setValue(float percent) override {
+    values.push_back(percent);
+    return callBack::setValue(percent);
+  }
+  std::vector<float> values;
+};
+
+TEST(ioPly, progressRunsFromOneToAHundredInBothHalves) {
+  tempDir dir;
+  std::vector<point3<float>> positions(12000, point3<float>(1, 2, 3));
+  std::vector<unsigned> triangles;
+  for (unsigned i = 0; i + 2 < 12000; ++i) triangles.insert(triangles.end(), {i, i + 1, i + 2});
+  recordingCallBack writing;
+  ASSERT_TRUE(
+      ioPly::writePlyToFile(dir.file("p.ply"), positions, {}, {}, {}, triangles, true, &writing));
+  recordingCallBack reading;
+  unsigned v = 0, t = 0;
+  ASSERT_TRUE(ioPly::readPlyFromFile(dir.file("p.ply"), positions, v, triangles, t, &reading));
+  for (const std::vector<float>& values : {writing.values, reading.values}) {
+    ASSERT_GE(values.size(), 4u);
+    EXPECT_EQ(values.front(), 1.0f);
+    EXPECT_EQ(values.back(), 100.0f);
+    EXPECT_TRUE(std::is_sorted(values.begin(), values.end()));
+    // Vertices fill the first half (0, 5000, 10000 of 12000), faces the second.
+    EXPECT_NE(std::find(values.begin(), values.end(), 41.0f), values.end());
+    EXPECT_NE(std::find(values.begin(), values.end(), 70.0f), values.end());
+  }
+  // A failed read still closes the bar.
+  recordingCallBack failing;
+  EXPECT_FALSE(ioPly::readPlyFromFile(dir.file("none.ply"), positions, v, triangles, t, &failing));
+  EXPECT_EQ(failing.values, (std::vector<float>{1.0f, 100.0f}));
 }
 
 }  // namespace

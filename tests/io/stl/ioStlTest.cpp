@@ -1,7 +1,9 @@
 #include "jev3d/io/stl/ioStl.h"
+#include "jev3d/system/callBack.h"
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstring>
 
 #include "support/dataFiles.h"
@@ -220,6 +222,37 @@ TEST(ioStl, realFilesReadWithThreeCornersAFacet) {
     ASSERT_NEAR((a.positions[i] - b.positions[i]).norm(), 0.0f, 1e-3f) << i;
   for (const char* file : {"stl/openscad_empty.stl", "stl/openscad_unparseable.stl"}) {
     EXPECT_FALSE(read(dataFile(file)).ok) << file;
+  }
+}
+
+}  // namespace
+
+namespace {
+
+class recordingCallBack : public JEV::SYSTEM::callBack {
+ public:
+  bool setValue(float percent) override {
+    values.push_back(percent);
+    return callBack::setValue(percent);
+  }
+  std::vector<float> values;
+};
+
+TEST(ioStl, progressReportsEveryFiveThousandFacets) {
+  tempDir dir;
+  const std::vector<float> positions(9 * 12000, 0.5f), normals(3 * 12000, 0.0f);
+  for (const bool binary : {true, false}) {
+    recordingCallBack writing;
+    ASSERT_TRUE(ioStl::writeStlToFile(dir.file("p.stl"), positions, normals, binary, &writing));
+    // Facets 0, 5000 and 10000 of 12000: 1 (raised from 0), 41, 83.
+    EXPECT_EQ(writing.values, (std::vector<float>{1, 41, 83, 100}));
+    recordingCallBack reading;
+    std::vector<float> p, n;
+    ASSERT_TRUE(ioStl::readStlFromFile(dir.file("p.stl"), p, n, &reading));
+    EXPECT_EQ(p, positions);
+    EXPECT_EQ(reading.values.front(), 1.0f);
+    EXPECT_EQ(reading.values.back(), 100.0f);
+    EXPECT_TRUE(std::is_sorted(reading.values.begin(), reading.values.end()));
   }
 }
 
