@@ -1,5 +1,4 @@
 #include "jev3d/io/ply/ioPly.h"
-#include "jev3d/system/callBack.h"
 
 #include <gtest/gtest.h>
 
@@ -7,6 +6,7 @@
 #include <thread>
 
 #include "support/fileBytes.h"
+#include "support/recordingCallBack.h"
 #include "support/tempDir.h"
 
 using JEV::CORE::color;
@@ -295,16 +295,6 @@ TEST(ioPly, readsOnSeveralThreadsAtOnce) {
 }  // namespace
 
 namespace {
-
-// Records every report it is given.
-class recordingCallBack : public JEV::SYSTEM::callBack {
- public:
-  bool setValue(float percent) override {
-    values.push_back(percent);
-    return callBack::setValue(percent);
-  }
-  std::vector<float> values;
-};
 
 TEST(ioPly, progressRunsFromOneToAHundredInBothHalves) {
   tempDir dir;

@@ -1,5 +1,4 @@
 #include "jev3d/io/stl/ioStl.h"
-#include "jev3d/system/callBack.h"
 
 #include <gtest/gtest.h>
 
@@ -8,6 +7,7 @@
 
 #include "support/dataFiles.h"
 #include "support/fileBytes.h"
+#include "support/recordingCallBack.h"
 #include "support/tempDir.h"
 
 using JEV::IO::STL::ioStl;
@@ -228,15 +228,6 @@ TEST(ioStl, realFilesReadWithThreeCornersAFacet) {
 }  // namespace
 
 namespace {
-
-class recordingCallBack : public JEV::SYSTEM::callBack {
- public:
-  bool setValue(float percent) override {
-    values.push_back(percent);
-    return callBack::setValue(percent);
-  }
-  std::vector<float> values;
-};
 
 TEST(ioStl, progressReportsEveryFiveThousandFacets) {
   tempDir dir;
