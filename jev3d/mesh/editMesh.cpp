@@ -549,31 +549,6 @@ unsigned int editMesh::deleteUnreferencedVertices() {
 
 // ---------------------------------------------------------------- normals
 
-void editMesh::normalizeFast(point3<float>& p) {
-  const double len2 = double(p.x) * p.x + double(p.y) * p.y + double(p.z) * p.z;
-  if (len2 == 0.0) return;
-  double y;
-  if (len2 >= double(std::numeric_limits<float>::min()) &&
-      len2 <= double(std::numeric_limits<float>::max())) {
-    const float f = float(len2);
-    int32_t bits;
-    std::memcpy(&bits, &f, 4);
-    bits = 0x5F3759D5 - (bits >> 1);
-    float guess;
-    std::memcpy(&guess, &bits, 4);
-    y = guess;
-    const double half = 0.5 * len2;
-    y = y * (1.5 - half * y * y);
-    y = y * (1.5 - half * y * y);
-  } else {
-    // The bit trick needs a normal float; tiny and huge vectors take the exact way.
-    y = 1.0 / std::sqrt(len2);
-  }
-  p.x = float(p.x * y);
-  p.y = float(p.y * y);
-  p.z = float(p.z * y);
-}
-
 namespace {
 inline bool faceNormalOf(const editMesh& m, unsigned int f, point3<float>& n) {
   const editMesh::face& r = m.F(f);
@@ -644,9 +619,24 @@ void editMesh::computeNormalizedVertexNormals() {
   for (vert& v : vStore) normalizeFast(v.normal);
 }
 
+// Both passes in one walk over the faces: each face's unit normal goes to its corners as
+// soon as it is known. The result equals the two calls one after the other.
 void editMesh::computeNormalizedNormals() {
-  computeNormalizedFaceNormals();
-  computeNormalizedVertexNormals();
+  checkMeshState();
+  const unsigned int nv = vn();
+  for (vert& v : vStore) v.normal.setZero();
+  const faceWEdgeRecord* fv = fvStore.data();
+  for (unsigned int f = 0; f < fn(); ++f) {
+    if (isFaceDeleted(f)) continue;
+    face& r = fStore[f];
+    if (faceNormalOf(*this, f, r.normal)) normalizeFast(r.normal);
+    const point3<float> n = r.normal;
+    for (unsigned int i = 0; i < r.fvNum; ++i) {
+      const unsigned int v = fv[r.fvBase + i].vertId;
+      if (v < nv) vStore[v].normal += n;
+    }
+  }
+  for (vert& v : vStore) normalizeFast(v.normal);
 }
 
 void editMesh::computeNormalizedVertexNormal(unsigned int v) {

@@ -1,8 +1,11 @@
 #pragma once
 
 #include <cassert>
+#include <cmath>
 #include <cstdint>
+#include <cstring>
 #include <iosfwd>
+#include <limits>
 #include <memory>
 #include <string>
 #include <vector>
@@ -452,7 +455,28 @@ class editMesh {
   void flipNormals();
   // Unit length through the fast inverse square root (0x5F3759D5) refined by two Newton
   // steps in double; a zero vector stays zero.
-  static void normalizeFast(MATH::point3<float>& p);
+  static void normalizeFast(MATH::point3<float>& p) {
+    const double len2 = double(p.x) * p.x + double(p.y) * p.y + double(p.z) * p.z;
+    if (len2 == 0.0) return;
+    double y;
+    if (len2 >= double(std::numeric_limits<float>::min()) &&
+        len2 <= double(std::numeric_limits<float>::max())) {
+      const float f = float(len2);
+      int32_t bits;
+      std::memcpy(&bits, &f, 4);
+      bits = 0x5F3759D5 - (bits >> 1);
+      float guess;
+      std::memcpy(&guess, &bits, 4);
+      y = guess;
+      const double half = 0.5 * len2;
+      y = y * (1.5 - half * y * y);
+      y = y * (1.5 - half * y * y);
+    } else {
+      // The bit trick needs a normal float; tiny and huge vectors take the exact way.
+      y = 1.0 / std::sqrt(len2);
+    }
+    p.x = float(p.x * y), p.y = float(p.y * y), p.z = float(p.z * y);
+  }
 
   // ---- selection. Selecting a face or an edge selects its vertices; deselecting one
   // deselects a vertex only when no edge at it has a selected face (needs VE and EF).

@@ -53,6 +53,8 @@ bool editMesh::computeEdgesOpt(int& progress, SYSTEM::callBack* cb) {
 // Sides are the pairs (corner i, corner i + 1 mod n) of live faces, walked in face order
 // then corner order. Each side is filed under its smaller vertex; the slots of a vertex
 // are sized by a counting pass, so pairing needs no hashing and no allocation per side.
+// One scratch word per FV entry first holds the corner's vertex id (so later passes read
+// 4 bytes instead of the 16-byte record) and then the edge of the side starting there.
 bool editMesh::rebuildEdges(int* progress, SYSTEM::callBack* cb) {
   const uint32_t nv = vn();
   const uint32_t nf = fn();
@@ -76,63 +78,72 @@ bool editMesh::rebuildEdges(int* progress, SYSTEM::callBack* cb) {
   const unsigned char* ff = fFlag.data();
   const size_t nfv = fvStore.size();
   constexpr unsigned char DEAD = uint8_t(FACE_STATE_T::DELETED);
-
-  // Visits the sides of live faces: fn(faceId, cornerIndex, fvIndex, a, b). Sides with an
-  // end outside V and faces whose corners run past FV are skipped the same way each pass.
-  auto forEachSide = [&](auto&& fn) {
-    for (uint32_t f = 0; f < nf; ++f) {
-      if (ff[f] & DEAD) continue;
-      const uint32_t n = faces[f].fvNum, base = faces[f].fvBase;
-      if (n == 0 || size_t(base) + n > nfv) continue;
-      const uint32_t first = fv[base].vertId;
-      uint32_t a = first;
-      for (uint32_t i = 0; i < n; ++i) {
-        const uint32_t b = i + 1 == n ? first : fv[base + i + 1].vertId;
-        if (a < nv && b < nv) fn(f, i, base + i, a, b);
-        a = b;
-      }
-    }
+  constexpr uint32_t SKIPPED = 0xFFFFFFFFu;
+  // Faces that are deleted, empty or run past FV take no part in any pass.
+  auto skipFace = [&](uint32_t f) {
+    return (ff[f] & DEAD) || faces[f].fvNum == 0 || size_t(faces[f].fvBase) + faces[f].fvNum > nfv;
   };
 
-  // 1. sides per smaller vertex
+  // 1. copy the corners, count the sides under their smaller vertex
+  std::unique_ptr<uint32_t[]> scratch(new uint32_t[nfv ? nfv : 1]);
+  uint32_t* sid = scratch.get();
   std::vector<slotRange> ranges(size_t(nv) + 1, slotRange{0, 0});
   slotRange* rg = ranges.data();
-  forEachSide(
-      [&](uint32_t, uint32_t, uint32_t, uint32_t a, uint32_t b) { ++rg[a < b ? a : b].base; });
+  for (uint32_t f = 0; f < nf; ++f) {
+    if (skipFace(f)) continue;
+    const uint32_t n = faces[f].fvNum;
+    uint32_t* c = sid + faces[f].fvBase;
+    const faceWEdgeRecord* w = fv + faces[f].fvBase;
+    for (uint32_t i = 0; i < n; ++i) c[i] = w[i].vertId;
+    for (uint32_t i = 0; i < n; ++i) {
+      const uint32_t a = c[i], b = c[i + 1 == n ? 0 : i + 1];
+      if (a < nv && b < nv) ++rg[a < b ? a : b].base;
+    }
+  }
   size_t sides = 0;
   for (uint32_t v = 0; v <= nv; ++v) {
-    const uint32_t c = rg[v].base;
+    const uint32_t count = rg[v].base;
     rg[v].base = uint32_t(sides);
-    sides += c;
+    sides += count;
   }
   steps.next();
 
   // 2. pair the sides; edge ids follow first appearance
   std::unique_ptr<slotEntry[]> slots(new slotEntry[sides ? sides : 1]);
-  std::unique_ptr<uint32_t[]> sideEdge(new uint32_t[nfv ? nfv : 1]);
   slotEntry* sl = slots.get();
-  uint32_t* se = sideEdge.get();
-  std::vector<edge> newE;
+  // The old edges and EF are not read by the rebuild: their memory is reused.
+  std::vector<edge>& newE = eStore;
+  newE.clear();
   newE.reserve(sides / 2 + sides / 16 + 16);
-  forEachSide([&](uint32_t, uint32_t, uint32_t k, uint32_t a, uint32_t b) {
-    const uint32_t key = a < b ? a : b;
-    const uint32_t other = a < b ? b : a;
-    slotRange& r = rg[key];
-    slotEntry* s = sl + r.base;
-    for (uint32_t j = 0; j < r.used; ++j) {
-      if (s[j].other == other) {
+  for (uint32_t f = 0; f < nf; ++f) {
+    if (skipFace(f)) continue;
+    const uint32_t n = faces[f].fvNum;
+    uint32_t* c = sid + faces[f].fvBase;
+    const uint32_t first = c[0];
+    for (uint32_t i = 0; i < n; ++i) {
+      const uint32_t a = c[i], b = i + 1 == n ? first : c[i + 1];
+      if (a >= nv || b >= nv) {
+        c[i] = SKIPPED;
+        continue;
+      }
+      const uint32_t key = a < b ? a : b, other = a < b ? b : a;
+      slotRange& r = rg[key];
+      slotEntry* s = sl + r.base;
+      uint32_t j = 0;
+      while (j < r.used && s[j].other != other) ++j;
+      if (j < r.used) {
         const uint32_t e = s[j].edgeId;
-        ++newE[e].efNum;  // 6 bits: the 64th face wraps it to 0
-        se[k] = e;
-        return;
+        newE[e].efNum = newE[e].efNum + 1;  // 6 bits: the 64th face wraps it to 0
+        c[i] = e;
+      } else {
+        const uint32_t e = uint32_t(newE.size());
+        newE.emplace_back(key, other);
+        newE.back().efNum = 1;
+        s[r.used++] = slotEntry{other, e};
+        c[i] = e;
       }
     }
-    const uint32_t e = uint32_t(newE.size());
-    newE.emplace_back(key, other);
-    newE.back().efNum = 1;
-    s[r.used++] = slotEntry{other, e};
-    se[k] = e;
-  });
+  }
   slots.reset();
   ranges = std::vector<slotRange>();
   steps.next();
@@ -149,24 +160,28 @@ bool editMesh::rebuildEdges(int* progress, SYSTEM::callBack* cb) {
   steps.next();
 
   // 4. fill EF in the same order; entries beyond efNum are dropped
-  std::vector<edgeFaceRecord> newEF(total);
+  std::vector<edgeFaceRecord>& newEF = efStore;
+  newEF.resize(total);
   std::vector<uint8_t> filled(ne, 0);
   edgeFaceRecord* ef = newEF.data();
   uint8_t* fill = filled.data();
   const edge* er = newE.data();
-  forEachSide([&](uint32_t f, uint32_t i, uint32_t k, uint32_t, uint32_t) {
-    const uint32_t e = se[k];
-    const uint32_t c = fill[e];
-    if (c >= er[e].efNum) return;
-    fill[e] = uint8_t(c + 1);
+  for (uint32_t f = 0; f < nf; ++f) {
+    if (skipFace(f)) continue;
     const uint32_t n = faces[f].fvNum;
-    ef[er[e].efBase + c] = edgeFaceRecord(f, (i + 1 == n ? 0 : i + 1) & 63u);
-  });
+    const uint32_t* c = sid + faces[f].fvBase;
+    for (uint32_t i = 0; i < n; ++i) {
+      const uint32_t e = c[i];
+      if (e == SKIPPED) continue;
+      const uint32_t k = fill[e];
+      if (k >= er[e].efNum) continue;
+      fill[e] = uint8_t(k + 1);
+      ef[er[e].efBase + k] = edgeFaceRecord(f, (i + 1 == n ? 0 : i + 1) & 63u);
+    }
+  }
   steps.next();
 
-  // 5. swap in; edge flags start clean
-  eStore.swap(newE);
-  efStore.swap(newEF);
+  // 5. edge flags start clean
   eFlag.assign(ne, 0);
   edgeColors.clear();
   delEn = delEfn = 0;
@@ -213,15 +228,14 @@ void editMesh::computeVE(bool skipDeleted) {
     cur[v] = total;
     total += c;
   }
-  std::vector<unsigned int> newVE(total);
-  unsigned int* ve = newVE.data();
+  veStore.resize(total);  // overwritten whole: the old content is not read
+  unsigned int* ve = veStore.data();
   for (uint32_t e = 0; e < ne; ++e) {
     if (skip(e)) continue;
     const uint32_t a = es[e].v[0], b = es[e].v[1];
     if (a < nv) ve[cur[a]++] = e;
     if (b < nv) ve[cur[b]++] = e;
   }
-  veStore.swap(newVE);
   delVen = 0;
   veInvalid = false;
 }

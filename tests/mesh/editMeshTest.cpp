@@ -435,6 +435,14 @@ TEST(editMeshNormals, faceAndVertexNormals) {
     EXPECT_NEAR(s.vNor(v).norm(), 1.0f, 1e-5f);
     EXPECT_GT(s.vNor(v) * s.vPos(v), 0.99f);
   }
+  // the one-pass form gives exactly what the two passes give
+  editMesh t(s);
+  s.vPos(3) = t.vPos(3) = p3(0.2f, 0.1f, 0.9f);
+  s.computeNormalizedFaceNormals();
+  s.computeNormalizedVertexNormals();
+  t.computeNormalizedNormals();
+  for (unsigned v = 0; v < s.vn(); ++v) EXPECT_EQ(s.vNor(v), t.vNor(v));
+  for (unsigned f = 0; f < s.fn(); ++f) EXPECT_EQ(s.fNor(f), t.fNor(f));
   s.vPos(0) = p3(0, 0, 2);
   s.computeNormalizedFaceNormal(0);
   s.computeNormalizedVertexNormal(0);
