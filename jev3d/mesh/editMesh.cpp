@@ -809,7 +809,7 @@ void editMesh::clearVE(bool release) {
 }
 
 void editMesh::clearRenderValidity() {
-  if (invalidationGuard) return;
+  if (invalidationGuard.cV()) return;
   vertexRenderStateValid = false;
   edgeRenderStateValid = false;
   flatFaceRenderStateValid = false;
@@ -835,15 +835,15 @@ void editMesh::showAllFaces() {
 }
 
 void editMesh::invalidateSelectedVertFlags() {
-  if (!invalidationGuard) vertexRenderStateValid = false;
+  if (!invalidationGuard.cV()) vertexRenderStateValid = false;
 }
 
 void editMesh::invalidateSelectedEdgeFlags() {
-  if (!invalidationGuard) edgeRenderStateValid = false;
+  if (!invalidationGuard.cV()) edgeRenderStateValid = false;
 }
 
 void editMesh::invalidateSelectedFaceFlags() {
-  if (invalidationGuard) return;
+  if (invalidationGuard.cV()) return;
   faceSelectionChanged = true;
   faceSelectionRenderStateDirty = true;
 }

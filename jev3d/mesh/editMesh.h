@@ -10,6 +10,7 @@
 #include <string>
 #include <vector>
 
+#include "jev3d/fields/fieldBase.h"
 #include "jev3d/math/point2.h"
 #include "jev3d/math/point3.h"
 #include "jev3d/system/color.h"
@@ -529,10 +530,11 @@ class editMesh {
   void invalidateSelectedEdgeFlags();
   void invalidateSelectedFaceFlags();
   void invalidateRenderData();
-  bool getInvalidationGuard() const { return invalidationGuard; }
-  void setInvalidationGuard(bool b) { invalidationGuard = b; }
-  bool getDiscardGuard() const { return discardGuard; }
-  void setDiscardGuard(bool b) { discardGuard = b; }
+  // Read by needDiscardRenderChunks and needDeleteRenderChunks. Linkable, initially false.
+  SYSTEM::fieldBase<bool> discardGuard;
+  // While it reads true, the hide calls, deleteFaces and the invalidate...Flags family
+  // leave render validity as it is. Linkable, initially false.
+  SYSTEM::fieldBase<bool> invalidationGuard;
 
   // ---- bounding box over live vertices
   void computeBBox();
@@ -704,8 +706,6 @@ class editMesh {
   };
 
   ownedTrees trees;
-  bool discardGuard = false;
-  bool invalidationGuard = false;
   unsigned int spatialIndexKind = 1;
   MATH::point3<float> bboxMin{1.f, 1.f, 1.f};
   MATH::point3<float> bboxMax{-1.f, -1.f, -1.f};

@@ -2,6 +2,7 @@
 #include <memory>
 
 #include "jev3d/mesh/editMesh.h"
+#include "jev3d/system/callBack.h"
 
 namespace JEV {
 namespace MESH {
@@ -23,16 +24,18 @@ struct slotRange {
 // Counts steps of a rebuild into an integer percentage, as computeEdgesOpt reports it.
 class progressSteps {
  public:
-  progressSteps(int* out, SYSTEM::callBack* cb, int steps) : out(out), step(100.0 / steps) {
-    (void)cb;
+  progressSteps(int* out, SYSTEM::callBack* cb, int steps) : out(out), cb(cb), step(100.0 / steps) {
+    if (cb) cb->setValue(0.0f);
   }
   void next() {
     acc += step;
     if (out) *out = int(acc);
+    if (cb) cb->setValue(float(int(acc)));
   }
 
  private:
   int* out;
+  SYSTEM::callBack* cb;
   double step;
   double acc = 0.0;
 };

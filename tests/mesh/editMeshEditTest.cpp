@@ -1,6 +1,9 @@
 #include <gtest/gtest.h>
 
+#include <algorithm>
+
 #include "jev3d/mesh/editMesh.h"
+#include "jev3d/system/callBack.h"
 #include "support/meshes.h"
 
 using JEV::MESH::editMesh;
@@ -285,6 +288,30 @@ TEST(editMeshSelection, sumsFollowMovedVerticesOnRequest) {
   EXPECT_EQ(m.getSelVertSum(), p3(1, 1, -1));
 }
 
+namespace {
+struct progressLog {
+  JEV::SYSTEM::callBack* cb;
+  std::vector<float> seen;
+  void record() { seen.push_back(cb->value.cV()); }
+};
+}  // namespace
+
+TEST(editMeshEdges, progressReachesTheReporter) {
+  editMesh m;
+  makeSphere(m, 6, 8);
+  JEV::SYSTEM::callBack cb;
+  progressLog log{&cb, {}};
+  cb.onChange = JEV::SYSTEM::makeDelegate(&log, &progressLog::record);
+  int progress = -1;
+  ASSERT_TRUE(m.computeEdgesOpt(progress, &cb));
+  EXPECT_EQ(progress, 100);
+  ASSERT_GE(log.seen.size(), 3u);
+  EXPECT_FLOAT_EQ(log.seen.front(), 0.f);
+  EXPECT_FLOAT_EQ(log.seen.back(), 100.f);
+  EXPECT_TRUE(std::is_sorted(log.seen.begin(), log.seen.end()));
+  EXPECT_MESH_VALID(m);
+}
+
 TEST(editMeshCheck, reportsWhatIsWrong) {
   editMesh m;
   makeGrid(m, 2, 2);
@@ -329,11 +356,11 @@ TEST(editMeshCheck, reportsWhatIsWrong) {
 TEST(editMeshRenderState, hidingHonoursTheGuard) {
   editMesh m;
   m.vertexRenderStateValid = m.edgeRenderStateValid = true;
-  m.setInvalidationGuard(true);
+  m.invalidationGuard = true;
   m.hideSelectedFaces();
   EXPECT_TRUE(m.hideSelected);
   EXPECT_TRUE(m.vertexRenderStateValid);
-  m.setInvalidationGuard(false);
+  m.invalidationGuard = false;
   m.hideUnselectedFaces();
   EXPECT_FALSE(m.hideSelected);
   EXPECT_TRUE(m.hideUnselected);
@@ -341,4 +368,15 @@ TEST(editMeshRenderState, hidingHonoursTheGuard) {
   EXPECT_FALSE(m.edgeRenderStateValid);
   m.showAllFaces();
   EXPECT_FALSE(m.hideUnselected);
+
+  // the guard is a field: linked to an application's flag, it reads the flag
+  JEV::SYSTEM::fieldBase<bool> editing(true);
+  m.invalidationGuard.connect(&editing, true);
+  m.vertexRenderStateValid = true;
+  m.showAllFaces();
+  EXPECT_TRUE(m.vertexRenderStateValid);
+  editing = false;
+  m.invalidateSelectedVertFlags();
+  EXPECT_FALSE(m.vertexRenderStateValid);
+  m.invalidationGuard.disconnect();
 }
