@@ -8,6 +8,7 @@
 #include <mutex>
 #include <string>
 
+#include "jev3d/io/xml/stringConversion.h"
 #include "jev3d/platform/internal/sdlKeyMap.h"
 #include "jev3d/platform/messages.h"
 
@@ -16,29 +17,7 @@ namespace PLATFORM {
 
 namespace {
 
-std::string toUtf8(const std::wstring& w) {
-  std::string out;
-  for (wchar_t wc : w) {
-    auto c = static_cast<std::uint32_t>(wc);
-    if (c > 0x10FFFF) c = 0xFFFD;
-    if (c < 0x80) {
-      out += static_cast<char>(c);
-    } else if (c < 0x800) {
-      out += static_cast<char>(0xC0 | (c >> 6));
-      out += static_cast<char>(0x80 | (c & 0x3F));
-    } else if (c < 0x10000) {
-      out += static_cast<char>(0xE0 | (c >> 12));
-      out += static_cast<char>(0x80 | ((c >> 6) & 0x3F));
-      out += static_cast<char>(0x80 | (c & 0x3F));
-    } else {
-      out += static_cast<char>(0xF0 | (c >> 18));
-      out += static_cast<char>(0x80 | ((c >> 12) & 0x3F));
-      out += static_cast<char>(0x80 | ((c >> 6) & 0x3F));
-      out += static_cast<char>(0x80 | (c & 0x3F));
-    }
-  }
-  return out;
-}
+std::string toUtf8(const std::wstring& w) { return IO::XML::wstringToUtf8(w); }
 
 std::uint64_t buttonBits(Uint32 state) {
   std::uint64_t bits = 0;

@@ -47,8 +47,8 @@ void leaveWatch(windowHandle hWnd, unsigned) {
   platform& p = current();
   rect r;
   int x = 0, y = 0;
-  const bool inside = p.getWindowRect(hWnd, r) && p.getCursorPos(x, y) && x >= r.x &&
-                      y >= r.y && x < r.x + r.width && y < r.y + r.height;
+  const bool inside = p.getWindowRect(hWnd, r) && p.getCursorPos(x, y) && x >= r.x && y >= r.y &&
+                      x < r.x + r.width && y < r.y + r.height;
   if (inside && p.windowFromPoint(x, y) == hWnd) return;
   p.killTimer(hWnd, LEAVE_WATCH_TIMER);
   p.postMessage(hWnd, WM_MOUSELEAVE, 0, 0);
@@ -59,8 +59,15 @@ void leaveWatch(windowHandle hWnd, unsigned) {
 class messageScope {
  public:
   messageScope(winMain* w, windowHandle h, unsigned m, std::uint64_t wp, std::int64_t lp)
-      : win(w), ctx(*w->getInputContext()), gui(w->getGui()), hWnd(h), msg(m), wParam(wp),
-        lParam(lp), x(ctx.mouseX), y(ctx.mouseY) {
+      : win(w),
+        ctx(*w->getInputContext()),
+        gui(w->getGui()),
+        hWnd(h),
+        msg(m),
+        wParam(wp),
+        lParam(lp),
+        x(ctx.mouseX),
+        y(ctx.mouseY) {
     if (gui) gui->waitGuiMutex(INFINITE);
   }
   ~messageScope() {
@@ -69,7 +76,9 @@ class messageScope {
   messageScope(const messageScope&) = delete;
   messageScope& operator=(const messageScope&) = delete;
 
-  GUI::widget* below(float x, float y) const { return gui ? gui->getWidgetBelowMouse(x, y) : nullptr; }
+  GUI::widget* below(float x, float y) const {
+    return gui ? gui->getWidgetBelowMouse(x, y) : nullptr;
+  }
   // The widget at this message's position.
   GUI::widget* belowNow() const { return below(x, y); }
   // Mouse messages carry their position; others use the last one a move stored.
@@ -155,9 +164,7 @@ std::vector<winMain*> application::getWindows() const {
   return out;
 }
 
-void application::addCopyDataDelegate(sharedPointer<delegate> d) {
-  copyDataDelegates.push_back(d);
-}
+void application::addCopyDataDelegate(sharedPointer<delegate> d) { copyDataDelegates.push_back(d); }
 
 void application::removeCopyDataDelegate(sharedPointer<delegate> d) {
   for (auto it = copyDataDelegates.begin(); it != copyDataDelegates.end(); ++it) {
@@ -197,8 +204,8 @@ bool application::createJEVWindowStep1(winMain* win, windowProcedure procedure) 
   win->closing = false;
   if (win->className.empty()) win->className = L"JEVCLASS" + std::to_wstring(windowCounter);
 
-  const windowHandle hWnd = p.createWindow(windowDescriptor{win->caption, area, win->style()},
-                                           procedure);
+  const windowHandle hWnd =
+      p.createWindow(windowDescriptor{win->caption, area, win->style()}, procedure);
   if (!hWnd) {
     eraseWin(win);
     return false;
@@ -340,10 +347,9 @@ int application::mainLoop() {
         if (!createJEVWindowStep1(win, nativeWindowProc)) std::exit(0);
         auto* entry = new initEntry;
         entry->win = win;
-        entry->initThread =
-            new thread(makeDelegate1(this, &application::delegateCreateWindow,
-                                     static_cast<void*>(entry)),
-                       true);
+        entry->initThread = new thread(
+            makeDelegate1(this, &application::delegateCreateWindow, static_cast<void*>(entry)),
+            true);
         entry->doneEvent.reset();
         initEntries.push_back(entry);
         entry->initThread->resume();
@@ -539,7 +545,8 @@ std::int64_t application::windowProc(winMain* win, windowHandle hWnd, unsigned m
         p.setTimer(hWnd, LEAVE_WATCH_TIMER, LEAVE_WATCH_PERIOD, leaveWatch);
       }
       const float x = static_cast<float>(lowWordSigned(lParam));
-      const float y = static_cast<float>(win->renderCtx->windowHeight.cV() - highWordSigned(lParam));
+      const float y =
+          static_cast<float>(win->renderCtx->windowHeight.cV() - highWordSigned(lParam));
       {
         messageScope s(win, hWnd, msg, wParam, lParam);
         inputContext& c = s.ctx;
@@ -641,8 +648,7 @@ std::int64_t application::windowProc(winMain* win, windowHandle hWnd, unsigned m
                             : button == 1 ? c.isMouseRightButtonDrag()
                                           : c.isMouseMiddleButtonDrag();
         static const EVENT_TYPE up[] = {MOUSE_LEFT_UP, MOUSE_RIGHT_UP, MOUSE_MIDDLE_UP};
-        static const EVENT_TYPE click[] = {MOUSE_LEFT_CLICK, MOUSE_RIGHT_CLICK,
-                                           MOUSE_MIDDLE_CLICK};
+        static const EVENT_TYPE click[] = {MOUSE_LEFT_CLICK, MOUSE_RIGHT_CLICK, MOUSE_MIDDLE_CLICK};
         static const EVENT_TYPE dragLeave[] = {MOUSE_LEFT_DRAG_LEAVE, MOUSE_RIGHT_DRAG_LEAVE,
                                                MOUSE_MIDDLE_DRAG_LEAVE};
         if (isDown) {

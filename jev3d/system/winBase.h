@@ -18,12 +18,7 @@ class inputContext;
 class updateContext;
 class windowGui;
 
-enum WINDOW_SHOW_MODE {
-  SHOW_NORMAL = 0,
-  SHOW_MAXIMIZED = 1,
-  SHOW_MINIMIZED = 2,
-  SHOW_HIDDEN = 3
-};
+enum WINDOW_SHOW_MODE { SHOW_NORMAL = 0, SHOW_MAXIMIZED = 1, SHOW_MINIMIZED = 2, SHOW_HIDDEN = 3 };
 
 // The state a window shares with the widget windows: its contexts, the two needed-fields
 // that decide whether the loop serves it, and its native handles.

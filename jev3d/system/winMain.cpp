@@ -345,11 +345,20 @@ void winMain::setWindowShowMode(WINDOW_SHOW_MODE mode) {
   showMode = mode;
   if (!hWnd) return;
   switch (mode) {
-    case SHOW_NORMAL: current().showWindow(hWnd, PLATFORM::SW_SHOW); break;
-    case SHOW_MAXIMIZED: current().showWindow(hWnd, PLATFORM::SW_MAXIMIZE); break;
-    case SHOW_MINIMIZED: current().showWindow(hWnd, PLATFORM::SW_SHOWMINIMIZED); break;
-    case SHOW_HIDDEN: current().showWindow(hWnd, PLATFORM::SW_HIDE); break;
-    default: break;
+    case SHOW_NORMAL:
+      current().showWindow(hWnd, PLATFORM::SW_SHOW);
+      break;
+    case SHOW_MAXIMIZED:
+      current().showWindow(hWnd, PLATFORM::SW_MAXIMIZE);
+      break;
+    case SHOW_MINIMIZED:
+      current().showWindow(hWnd, PLATFORM::SW_SHOWMINIMIZED);
+      break;
+    case SHOW_HIDDEN:
+      current().showWindow(hWnd, PLATFORM::SW_HIDE);
+      break;
+    default:
+      break;
   }
 }
 

@@ -114,9 +114,8 @@ TEST_F(applicationTest, anAddedWindowStallsEveryWindowUntilItsInitEnds) {
     return true;
   };
   testing::internal::CaptureStdout();
-  runUntil(app, platform, {&first}, [&] {
-    return isLive(app, &second) && first.count("draw") > drawsWhenInitEnded + 1;
-  });
+  runUntil(app, platform, {&first},
+           [&] { return isLive(app, &second) && first.count("draw") > drawsWhenInitEnded + 1; });
   const std::string out = testing::internal::GetCapturedStdout();
   opener.join();
   EXPECT_EQ(drawsWhenInitEnded.load(), drawsWhenInitStarted.load());

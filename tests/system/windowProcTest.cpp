@@ -118,7 +118,7 @@ TEST_F(windowProcTest, sizeSetsTheContextAndAlwaysQueuesADoubleClick) {
         hooks.push_back(s);
       }
     }
-    const std::vector<std::string> expected = {"resize 320 240", "restored",     "resize 500 1",
+    const std::vector<std::string> expected = {"resize 320 240", "restored",       "resize 500 1",
                                                "maximized",      "resize 640 480", "minimized"};
     EXPECT_EQ(hooks, expected);
   });
@@ -238,7 +238,7 @@ TEST_F(windowProcTest, movesFlipYAndTellEnterAndLeave) {
     EXPECT_TRUE(platform.hasTimer(win.getHWnd(), 2));
 
     const auto events = takeEvents(win);
-    const std::vector<EVENT_TYPE> expected = {MOUSE_MOVE_ENTER, MOUSE_MOVE,      MOUSE_MOVE_LEAVE,
+    const std::vector<EVENT_TYPE> expected = {MOUSE_MOVE_ENTER, MOUSE_MOVE, MOUSE_MOVE_LEAVE,
                                               MOUSE_MOVE_ENTER, MOUSE_MOVE_LEAVE};
     ASSERT_EQ(typesOf(events), expected);
     EXPECT_EQ(events[0].target, A);
@@ -259,8 +259,8 @@ TEST_F(windowProcTest, aDragCapturesItsWidgetAndOnlyTheLeftButtonClicksAfterIt) 
 
     press(WM_LBUTTONDOWN);
     press(WM_LBUTTONDOWN);  // already down: nothing
-    moveTo(60, 100);       // starts the drag on A
-    moveTo(150, 110);      // over B: the drag stays with A
+    moveTo(60, 100);        // starts the drag on A
+    moveTo(150, 110);       // over B: the drag stays with A
     EXPECT_TRUE(ctx.isMouseLeftButtonDrag());
     press(WM_LBUTTONUP);  // released over B: no click
     auto events = takeEvents(win);

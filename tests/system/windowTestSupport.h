@@ -51,7 +51,9 @@ class probeWindow : public JEV::SYSTEM::winMain {
     note("draw");
     if (onDraw) onDraw();
   }
-  void resize(int w, int h) override { note("resize " + std::to_string(w) + " " + std::to_string(h)); }
+  void resize(int w, int h) override {
+    note("resize " + std::to_string(w) + " " + std::to_string(h));
+  }
   void minimized() override { note("minimized"); }
   void maximized() override { note("maximized"); }
   void restored() override { note("restored"); }
