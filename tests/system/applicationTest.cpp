@@ -252,7 +252,10 @@ TEST_F(applicationTest, aCleanWindowWithoutTickAlwaysPostsNothing) {
   probeWindow win(&app, &device, /*tickAlways=*/false);
   runUntil(app, platform, {&win}, [&] {
     if (!isLive(app, &win) || win.renderNeeded.cV() || win.updateNeeded.cV()) return false;
-    // Only the tick threads run while this waits: they count but post nothing.
+    // A tick that read the fields before they were cleared posts before its next count:
+    // let each thread count twice first. From then on they count but post nothing.
+    const int32_t u0 = win.getUpdateTick(), f0 = win.getFrameTick();
+    waitFor([&] { return win.getUpdateTick() >= u0 + 2 && win.getFrameTick() >= f0 + 2; });
     const int updates = platform.postCount(WM_TICK_UPDATE);
     const int frames = platform.postCount(WM_TICK_FRAME);
     const int32_t u = win.getUpdateTick(), f = win.getFrameTick();

@@ -154,7 +154,9 @@ inline void runWithWindow(JEV::SYSTEM::application& app, JEV::PLATFORM::scripted
 class scriptedPlatformTest : public ::testing::Test {
  protected:
   void SetUp() override { JEV::PLATFORM::setCurrent(&platform); }
-  void TearDown() override { JEV::PLATFORM::setCurrent(nullptr); }
+  // Not in TearDown: the windows of a derived fixture tick until they are destroyed,
+  // which is after TearDown.
+  ~scriptedPlatformTest() override { JEV::PLATFORM::setCurrent(nullptr); }
 
   JEV::PLATFORM::scriptedPlatform platform;
   recordingRenderer device;
