@@ -50,6 +50,13 @@ constexpr unsigned WM_TICK_FRAME = 2025;
 // Callback of the notification icon; lParam carries the mouse message.
 constexpr unsigned WM_NOTIFY_ICON = 3025;
 
+// What lParam of WM_COPYDATA points to: `size` bytes at `bytes`, tagged with `data`.
+struct copyDataRecord {
+  std::uint64_t data = 0;
+  std::uint32_t size = 0;
+  const void* bytes = nullptr;
+};
+
 // wParam of WM_SIZE.
 constexpr std::uint64_t SIZE_RESTORED = 0;
 constexpr std::uint64_t SIZE_MINIMIZED = 1;

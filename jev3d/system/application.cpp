@@ -1,11 +1,14 @@
 #include "jev3d/system/application.h"
 
+#include <atomic>
 #include <cstdlib>
 #include <iostream>
+#include <thread>
 
 #include "jev3d/platform/messages.h"
 #include "jev3d/renderer/renderer.h"
 #include "jev3d/renderer/renderingContext.h"
+#include "jev3d/system/callBack.h"
 #include "jev3d/system/event.h"
 #include "jev3d/system/inputContext.h"
 #include "jev3d/system/inputEvent.h"
@@ -120,6 +123,90 @@ class messageScope {
   float y;
 };
 
+// The thread that runs the loop, the only one that may run window procedures.
+std::atomic<std::thread::id> loopThread;
+
+// wParam of a copy-data message that the queue carried: the window procedure frees it.
+constexpr std::uint64_t POSTED_COPY_DATA = 0x4A45560001ull;
+
+struct postedCopyData {
+  copyDataRecord record;  // first: lParam points here
+  interprocessRecord payload;
+};
+
+// Progress records of a callBack reach the copy-data delegates of the target window: at
+// once on the loop's thread, through the queue from any other, which must not wait for
+// the loop.
+void sendProgressRecord(void* target, const interprocessRecord& payload) {
+  const auto hWnd = static_cast<windowHandle>(reinterpret_cast<std::uintptr_t>(target));
+  platform& p = current();
+  if (std::this_thread::get_id() == loopThread.load()) {
+    copyDataRecord record{0, sizeof payload, &payload};
+    p.dispatchMessage(message{hWnd, WM_COPYDATA, 0, reinterpret_cast<std::intptr_t>(&record)});
+    return;
+  }
+  auto* copy = new postedCopyData{copyDataRecord{0, sizeof payload, nullptr}, payload};
+  copy->record.bytes = &copy->payload;
+  if (!p.postMessage(hWnd, WM_COPYDATA, POSTED_COPY_DATA, reinterpret_cast<std::intptr_t>(copy))) {
+    delete copy;
+  }
+}
+
+enum { LEFT, MIDDLE, RIGHT };
+
+// One mouse button: its two flags in the input context and its event types.
+struct mouseButton {
+  bool& down;
+  bool& drag;
+  EVENT_TYPE downEvent, upEvent, clickEvent, doubleClickEvent;
+  EVENT_TYPE dragEnterEvent, dragEvent, dragLeaveEvent;
+};
+
+mouseButton buttonOf(inputContext& c, int b) {
+  switch (b) {
+    case LEFT:
+      return {c.leftDown,
+              c.leftDrag,
+              MOUSE_LEFT_DOWN,
+              MOUSE_LEFT_UP,
+              MOUSE_LEFT_CLICK,
+              MOUSE_LEFT_DOUBLE_CLICK,
+              MOUSE_LEFT_DRAG_ENTER,
+              MOUSE_LEFT_DRAG,
+              MOUSE_LEFT_DRAG_LEAVE};
+    case MIDDLE:
+      return {c.middleDown,
+              c.middleDrag,
+              MOUSE_MIDDLE_DOWN,
+              MOUSE_MIDDLE_UP,
+              MOUSE_MIDDLE_CLICK,
+              MOUSE_MIDDLE_DOUBLE_CLICK,
+              MOUSE_MIDDLE_DRAG_ENTER,
+              MOUSE_MIDDLE_DRAG,
+              MOUSE_MIDDLE_DRAG_LEAVE};
+    default:
+      return {c.rightDown,
+              c.rightDrag,
+              MOUSE_RIGHT_DOWN,
+              MOUSE_RIGHT_UP,
+              MOUSE_RIGHT_CLICK,
+              MOUSE_RIGHT_DOUBLE_CLICK,
+              MOUSE_RIGHT_DRAG_ENTER,
+              MOUSE_RIGHT_DRAG,
+              MOUSE_RIGHT_DRAG_LEAVE};
+  }
+}
+
+// The first button, in the order left, middle, right, that drags (or, with `dragging`
+// false, that is down); -1 if none.
+int firstButton(inputContext& c, bool dragging) {
+  for (int b : {LEFT, MIDDLE, RIGHT}) {
+    const mouseButton button = buttonOf(c, b);
+    if (dragging ? button.drag : button.down) return b;
+  }
+  return -1;
+}
+
 // Both leave both needed-fields true. "Dirty" notifies the render field and then the
 // update field; "dirty-set" does the same through the assignment operators.
 void dirty(winMain* win) {
@@ -142,6 +229,7 @@ application::application(const std::wstring&, const std::wstring& instanceName) 
     instanceLimiter.setOn(instanceName);
     if (instanceLimiter.isAnotherInstanceRunning()) std::exit(0);
   }
+  callBack::setInterprocessSender(sendProgressRecord);
 }
 
 application::~application() { instanceLimiter.setOff(); }
@@ -319,6 +407,7 @@ void application::drawWinMain(winMain* win) {
 
 int application::mainLoop() {
   platform& p = current();
+  loopThread = std::this_thread::get_id();
   std::vector<initEntry*> initEntries;
   bool canDoLoop = false;
   bool splashWasDeleted = false;
@@ -495,10 +584,12 @@ std::int64_t application::windowProc(winMain* win, windowHandle hWnd, unsigned m
       return byDefault();
 
     case WM_COPYDATA: {
+      auto* record = reinterpret_cast<copyDataRecord*>(static_cast<std::intptr_t>(lParam));
       const auto list = copyDataDelegates;
       for (const auto& d : list) {
-        if (!d.isNull()) d->invoke(reinterpret_cast<void*>(static_cast<std::intptr_t>(lParam)));
+        if (!d.isNull()) d->invoke(record);
       }
+      if (wParam == POSTED_COPY_DATA) delete reinterpret_cast<postedCopyData*>(record);
       return byDefault();
     }
 
@@ -556,30 +647,21 @@ std::int64_t application::windowProc(winMain* win, windowHandle hWnd, unsigned m
         GUI::widget* old = c.widgetBelowMouse;
         GUI::widget* now = s.below(x, y);
         const bool changed = now != old;
+        // A running drag goes on; else a button held down starts one. Left, then middle,
+        // then right.
         bool dragging = true;
-        if (c.isMouseLeftButtonDrag() || c.isMouseMiddleButtonDrag() ||
-            c.isMouseRightButtonDrag()) {
-          const EVENT_TYPE type = c.isMouseLeftButtonDrag()     ? MOUSE_LEFT_DRAG
-                                  : c.isMouseMiddleButtonDrag() ? MOUSE_MIDDLE_DRAG
-                                                                : MOUSE_RIGHT_DRAG;
-          s.queueMouse(type, c.draggedWidget, nullptr, x - c.dragX, y - c.dragY);
+        if (const int b = firstButton(c, true); b >= 0) {
+          s.queueMouse(buttonOf(c, b).dragEvent, c.draggedWidget, nullptr, x - c.dragX,
+                       y - c.dragY);
           c.dragX = x;
           c.dragY = y;
-        } else if (c.isMouseLeftButtonDown() || c.isMouseMiddleButtonDown() ||
-                   c.isMouseRightButtonDown()) {
+        } else if (const int d = firstButton(c, false); d >= 0) {
           c.draggedWidget = now;
           c.dragX = x;
           c.dragY = y;
-          if (c.isMouseLeftButtonDown()) {
-            s.queueMouse(MOUSE_LEFT_DRAG_ENTER, now);
-            c.leftDrag = true;
-          } else if (c.isMouseMiddleButtonDown()) {
-            s.queueMouse(MOUSE_MIDDLE_DRAG_ENTER, now);
-            c.middleDrag = true;
-          } else {
-            s.queueMouse(MOUSE_RIGHT_DRAG_ENTER, now);
-            c.rightDrag = true;
-          }
+          mouseButton button = buttonOf(c, d);
+          s.queueMouse(button.dragEnterEvent, now);
+          button.drag = true;
         } else {
           dragging = false;
           if (!changed) {
@@ -605,88 +687,52 @@ std::int64_t application::windowProc(winMain* win, windowHandle hWnd, unsigned m
 
     case WM_LBUTTONDOWN:
     case WM_RBUTTONDOWN:
-    case WM_MBUTTONDOWN: {
-      {
-        messageScope s(win, hWnd, msg, wParam, lParam);
-        s.takePositionFromMessage();
-        inputContext& c = s.ctx;
-        const bool left = msg == WM_LBUTTONDOWN, right = msg == WM_RBUTTONDOWN;
-        const bool isDown = left    ? c.isMouseLeftButtonDown()
-                            : right ? c.isMouseRightButtonDown()
-                                    : c.isMouseMiddleButtonDown();
-        if (!isDown) {
-          GUI::widget* target = s.belowNow();
-          if (left) {
-            c.leftDown = true;
-            c.pressedWidget = target;
-            s.queueMouse(MOUSE_LEFT_DOWN, target);
-          } else if (right) {
-            c.rightDown = true;
-            s.queueMouse(MOUSE_RIGHT_DOWN, target);
-          } else {
-            c.middleDown = true;
-            s.queueMouse(MOUSE_MIDDLE_DOWN, target);
-          }
-        }
-      }
-      dirtySet(win);
-      return byDefault();
-    }
-
+    case WM_MBUTTONDOWN:
     case WM_LBUTTONUP:
     case WM_RBUTTONUP:
-    case WM_MBUTTONUP: {
-      {
-        messageScope s(win, hWnd, msg, wParam, lParam);
-        s.takePositionFromMessage();
-        inputContext& c = s.ctx;
-        const int button = msg == WM_LBUTTONUP ? 0 : msg == WM_RBUTTONUP ? 1 : 2;
-        const bool isDown = button == 0   ? c.isMouseLeftButtonDown()
-                            : button == 1 ? c.isMouseRightButtonDown()
-                                          : c.isMouseMiddleButtonDown();
-        const bool isDrag = button == 0   ? c.isMouseLeftButtonDrag()
-                            : button == 1 ? c.isMouseRightButtonDrag()
-                                          : c.isMouseMiddleButtonDrag();
-        static const EVENT_TYPE up[] = {MOUSE_LEFT_UP, MOUSE_RIGHT_UP, MOUSE_MIDDLE_UP};
-        static const EVENT_TYPE click[] = {MOUSE_LEFT_CLICK, MOUSE_RIGHT_CLICK, MOUSE_MIDDLE_CLICK};
-        static const EVENT_TYPE dragLeave[] = {MOUSE_LEFT_DRAG_LEAVE, MOUSE_RIGHT_DRAG_LEAVE,
-                                               MOUSE_MIDDLE_DRAG_LEAVE};
-        if (isDown) {
-          GUI::widget* below = c.widgetBelowMouse;
-          if (!isDrag) {
-            s.queueMouse(up[button], below);
-            s.queueMouse(click[button], below);
-          } else {
-            if (button == 0) c.leftDrag = false;
-            if (button == 1) c.rightDrag = false;
-            if (button == 2) c.middleDrag = false;
-            s.queueMouse(dragLeave[button], c.draggedWidget);
-            s.queueMouse(up[button], below);
-            // Only the left button clicks at the end of a drag, and only where it went down.
-            if (button == 0) {
-              GUI::widget* now = s.belowNow();
-              if (now == c.pressedWidget) s.queueMouse(MOUSE_LEFT_CLICK, now);
-            }
-          }
-          if (button == 0) c.leftDown = false;
-          if (button == 1) c.rightDown = false;
-          if (button == 2) c.middleDown = false;
-        }
-      }
-      dirtySet(win);
-      return byDefault();
-    }
-
+    case WM_MBUTTONUP:
     case WM_LBUTTONDBLCLK:
     case WM_RBUTTONDBLCLK:
     case WM_MBUTTONDBLCLK: {
       {
         messageScope s(win, hWnd, msg, wParam, lParam);
         s.takePositionFromMessage();
-        const EVENT_TYPE type = msg == WM_LBUTTONDBLCLK   ? MOUSE_LEFT_DOUBLE_CLICK
-                                : msg == WM_RBUTTONDBLCLK ? MOUSE_RIGHT_DOUBLE_CLICK
-                                                          : MOUSE_MIDDLE_DOUBLE_CLICK;
-        s.queueMouse(type, s.ctx.widgetBelowMouse);
+        inputContext& c = s.ctx;
+        // Each button has three messages in a row: down, up, double click.
+        const int which = static_cast<int>(msg - WM_LBUTTONDOWN) / 3;
+        const int b = which == 0 ? LEFT : which == 1 ? RIGHT : MIDDLE;
+        mouseButton button = buttonOf(c, b);
+        switch ((msg - WM_LBUTTONDOWN) % 3) {
+          case 0:
+            if (!button.down) {
+              GUI::widget* target = s.belowNow();
+              button.down = true;
+              if (b == LEFT) c.pressedWidget = target;
+              s.queueMouse(button.downEvent, target);
+            }
+            break;
+          case 1:
+            if (!button.down) break;
+            if (!button.drag) {
+              s.queueMouse(button.upEvent, c.widgetBelowMouse);
+              s.queueMouse(button.clickEvent, c.widgetBelowMouse);
+            } else {
+              button.drag = false;
+              s.queueMouse(button.dragLeaveEvent, c.draggedWidget);
+              s.queueMouse(button.upEvent, c.widgetBelowMouse);
+              // Only the left button clicks at the end of a drag, and only where it
+              // went down.
+              if (b == LEFT) {
+                GUI::widget* now = s.belowNow();
+                if (now == c.pressedWidget) s.queueMouse(MOUSE_LEFT_CLICK, now);
+              }
+            }
+            button.down = false;
+            break;
+          default:
+            s.queueMouse(button.doubleClickEvent, c.widgetBelowMouse);
+            break;
+        }
       }
       dirtySet(win);
       return byDefault();

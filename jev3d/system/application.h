@@ -44,8 +44,10 @@ class application {
   // The window shown alone before any other is served; owned and deleted by the loop.
   void setSplashScreen(winMain* win) { splashWindow = win; }
   winMain* getSplashScreen() const { return splashWindow; }
-  // Delegates called with the record's address (as the call's one argument) for every
-  // copy-data message a window receives.
+  // Delegates called for every copy-data message a window receives, with the message's
+  // record (a PLATFORM::copyDataRecord*) as the one argument. Progress reports of a
+  // callBack whose target is one of this program's windows arrive this way: at once when
+  // reported on the loop's thread, through the queue from other threads.
   void addCopyDataDelegate(sharedPointer<delegate> d);
   void removeCopyDataDelegate(sharedPointer<delegate> d);
   void setLimitInstanceOn(const std::wstring& name);

@@ -119,45 +119,32 @@ void winMain::updateStyle() {
   if (gui) gui->refreshFullScreenTitleBar();
 }
 
+void winMain::setStyleFlag(bool& flag, bool on) {
+  flag = on;
+  updateStyle();
+}
+
 void winMain::closeWindow() {
   closing = true;
   windowIsClosing(closing);
 }
 
-void winMain::showButtonClose(bool show) {
-  buttonClose = show;
-  updateStyle();
-}
+void winMain::showButtonClose(bool show) { setStyleFlag(buttonClose, show); }
 bool winMain::isButtonClose() const { return buttonClose; }
 
-void winMain::showButtonRestore(bool show) {
-  buttonRestore = show;
-  updateStyle();
-}
+void winMain::showButtonRestore(bool show) { setStyleFlag(buttonRestore, show); }
 bool winMain::isButtonRestore() const { return buttonRestore; }
 
-void winMain::showButtonMinimized(bool show) {
-  buttonMinimized = show;
-  updateStyle();
-}
+void winMain::showButtonMinimized(bool show) { setStyleFlag(buttonMinimized, show); }
 bool winMain::isButtonMinimized() const { return buttonMinimized; }
 
-void winMain::setResizable(bool on) {
-  resizable = on;
-  updateStyle();
-}
+void winMain::setResizable(bool on) { setStyleFlag(resizable, on); }
 bool winMain::isResizable() const { return resizable; }
 
-void winMain::showToolWindow(bool on) {
-  toolWindow = on;
-  updateStyle();
-}
+void winMain::showToolWindow(bool on) { setStyleFlag(toolWindow, on); }
 bool winMain::isToolWindow() const { return toolWindow; }
 
-void winMain::showPopUpWindow(bool on) {
-  popupWindow = on;
-  updateStyle();
-}
+void winMain::showPopUpWindow(bool on) { setStyleFlag(popupWindow, on); }
 
 MATH::point2<float> winMain::getAbsoluteBaricenter() const {
   return MATH::point2<float>(position[0] + size[0] / 2, position[1] + size[1] / 2);

@@ -179,6 +179,7 @@ class winMain : public winBase {
   void updateRect();
   void changeRect();
   void updateStyle();
+  void setStyleFlag(bool& flag, bool on);
   PLATFORM::windowStyle style() const;
   int screenHeight() const;
 

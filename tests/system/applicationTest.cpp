@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 
+#include <unistd.h>
+
 #include <atomic>
 #include <chrono>
 #include <thread>
@@ -184,19 +186,27 @@ TEST_F(applicationTest, closingTheMainWindowTerminatesTheApplication) {
 
 namespace {
 
-// Runs a loop on a scripted platform whose only window is closed at its first frame
-// (`failInit` false) or whose init fails; returns 3 if the loop ever returns.
-int runAndExpectExit(bool failInit) {
+enum class failure { NONE, INIT, NATIVE_WINDOW };
+
+// Runs a loop on a scripted platform with one main window that closes at its first frame,
+// or whose init or native window fails; returns 3 if the loop ever returns.
+int runAndExpectExit(failure f) {
   scriptedPlatform platform;
   setCurrent(&platform);
+  if (f == failure::NATIVE_WINDOW) platform.failCreateWindow(1);
   recordingRenderer device;
   application app(L"", L"");
   probeWindow win(&app, &device);
   win.setMainWindow(true);
-  win.onInit = [failInit] { return !failInit; };
+  win.onInit = [f] { return f != failure::INIT; };
   win.onDraw = [&win] { win.closeWindow(); };
   app.addWin(&win);
   app.mainLoop();
+  return 3;
+}
+
+int openSecondInstance(const std::wstring& name) {
+  application second(L"", name);
   return 3;
 }
 
@@ -204,12 +214,28 @@ int runAndExpectExit(bool failInit) {
 
 TEST(applicationDeathTest, theDefaultTerminationEndsTheProcessAtOnce) {
   testing::FLAGS_gtest_death_test_style = "threadsafe";
-  EXPECT_EXIT(std::exit(runAndExpectExit(false)), testing::ExitedWithCode(0), "");
+  EXPECT_EXIT(std::exit(runAndExpectExit(failure::NONE)), testing::ExitedWithCode(0), "");
 }
 
 TEST(applicationDeathTest, aFailedInitEndsTheProcess) {
   testing::FLAGS_gtest_death_test_style = "threadsafe";
-  EXPECT_EXIT(std::exit(runAndExpectExit(true)), testing::ExitedWithCode(0), "");
+  EXPECT_EXIT(std::exit(runAndExpectExit(failure::INIT)), testing::ExitedWithCode(0), "");
+}
+
+TEST(applicationDeathTest, aWindowThatCannotBeMadeEndsTheProcess) {
+  testing::FLAGS_gtest_death_test_style = "threadsafe";
+  EXPECT_EXIT(std::exit(runAndExpectExit(failure::NATIVE_WINDOW)), testing::ExitedWithCode(0), "");
+}
+
+TEST(applicationDeathTest, aSecondInstanceUnderTheSameNameEndsAtOnce) {
+  // Forked, so that only the child opens the second instance.
+  testing::FLAGS_gtest_death_test_style = "fast";
+  const std::wstring name = L"jev3d-instance-test-" + std::to_wstring(::getpid());
+  application first(L"", name);
+  EXPECT_FALSE(first.isAnotherInstanceRunning());
+  EXPECT_EXIT(std::exit(openSecondInstance(name)), testing::ExitedWithCode(0), "");
+  first.setLimitInstanceOff();
+  EXPECT_EQ(openSecondInstance(name), 3);  // the name is free again
 }
 
 TEST_F(applicationTest, ticksDuringALongDrawCollapseIntoOneFrame) {

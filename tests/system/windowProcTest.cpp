@@ -1,5 +1,10 @@
 #include <gtest/gtest.h>
 
+#include <cstring>
+#include <thread>
+
+#include "jev3d/system/callBack.h"
+
 #include "windowTestSupport.h"
 
 using namespace JEV::SYSTEM;
@@ -136,25 +141,71 @@ TEST_F(windowProcTest, closeAsksTheWindowWhichMayRefuse) {
   EXPECT_EQ(platform.countOperations("destroyWindow"), 1);
 }
 
+namespace {
+
+struct copyReceiver {
+  std::vector<std::string>* seen;
+  std::string name;
+  void onCopy(void* data) {
+    const auto* record = static_cast<const copyDataRecord*>(data);
+    seen->push_back(name + ":" +
+                    std::string(static_cast<const char*>(record->bytes), record->size));
+  }
+};
+
+struct progressReceiver {
+  std::vector<interprocessRecord> records;
+  void onCopy(void* data) {
+    const auto* record = static_cast<const copyDataRecord*>(data);
+    ASSERT_EQ(record->size, sizeof(interprocessRecord));
+    records.push_back(*static_cast<const interprocessRecord*>(record->bytes));
+  }
+};
+
+float valueOf(const interprocessRecord& r) {
+  float v;
+  std::memcpy(&v, &r.value, sizeof v);
+  return v;
+}
+
+}  // namespace
+
 TEST_F(windowProcTest, copyDataReachesEveryDelegateInOrder) {
-  struct receiver {
-    std::vector<std::string>* seen;
-    std::string name;
-    void onCopy(void* data) { seen->push_back(name + ":" + *static_cast<std::string*>(data)); }
-  };
   std::vector<std::string> seen;
-  receiver first{&seen, "first"}, second{&seen, "second"};
-  auto d1 = makeDelegate(&first, &receiver::onCopy);
-  auto d2 = makeDelegate(&second, &receiver::onCopy);
-  app.addCopyDataDelegate(d1);
-  app.addCopyDataDelegate(d2);
+  copyReceiver first{&seen, "first"}, second{&seen, "second"};
+  app.addCopyDataDelegate(makeDelegate(&first, &copyReceiver::onCopy));
+  app.addCopyDataDelegate(makeDelegate(&second, &copyReceiver::onCopy));
   run([&] {
-    std::string record = "42";
+    const std::string text = "42";
+    copyDataRecord record{0, 2, text.data()};
     send(WM_COPYDATA, 0, reinterpret_cast<std::intptr_t>(&record));
-    app.removeCopyDataDelegate(makeDelegate(&first, &receiver::onCopy));
+    app.removeCopyDataDelegate(makeDelegate(&first, &copyReceiver::onCopy));
     send(WM_COPYDATA, 0, reinterpret_cast<std::intptr_t>(&record));
   });
   EXPECT_EQ(seen, (std::vector<std::string>{"first:42", "second:42", "second:42"}));
+}
+
+TEST_F(windowProcTest, progressReportsReachTheTargetWindowFromAnyThread) {
+  progressReceiver receiver;
+  app.addCopyDataDelegate(makeDelegate(&receiver, &progressReceiver::onCopy));
+  run([&] {
+    callBack progress;
+    progress.setInterprocessCommunicationsHandle(reinterpret_cast<void*>(win.getHWnd()));
+    progress.setInterprocessCommunicationsId(7);
+    progress.setInterprocessCommunicationsEcho(9);
+    progress.setValue(50);  // on the loop's thread: at once
+    ASSERT_EQ(receiver.records.size(), 1u);
+    std::thread worker([&] { progress.setValue(100); });
+    worker.join();
+    EXPECT_EQ(receiver.records.size(), 1u);  // queued, not run on the worker
+    pumpAll(platform);
+    ASSERT_EQ(receiver.records.size(), 2u);
+  });
+  ASSERT_EQ(receiver.records.size(), 2u);
+  EXPECT_EQ(valueOf(receiver.records[0]), 50.0f);
+  EXPECT_EQ(receiver.records[0].id, 7u);
+  EXPECT_EQ(receiver.records[0].echo, 9u);
+  EXPECT_EQ(valueOf(receiver.records[1]), 100.0f);
 }
 
 TEST_F(windowProcTest, keysGoToTheFocusedWidgetOrTheOneBelowTheMouse) {
