@@ -3,6 +3,8 @@
 #include <string>
 
 #include "jev3d/fields/engineCondition.h"
+#include "jev3d/math/matrix3.h"
+#include "jev3d/math/matrix4.h"
 #include "jev3d/math/point2.h"
 #include "jev3d/math/point3.h"
 #include "jev3d/math/point4.h"
@@ -37,6 +39,10 @@ JEV3D_ENGINE_BOTH_KINDS(MATH::point3<double>)
 JEV3D_ENGINE_BOTH_KINDS(MATH::point4<int>)
 JEV3D_ENGINE_BOTH_KINDS(MATH::point4<float>)
 JEV3D_ENGINE_BOTH_KINDS(MATH::point4<double>)
+JEV3D_ENGINE_BOTH_KINDS(MATH::matrix3<float>)
+JEV3D_ENGINE_BOTH_KINDS(MATH::matrix3<double>)
+JEV3D_ENGINE_BOTH_KINDS(MATH::matrix4<float>)
+JEV3D_ENGINE_BOTH_KINDS(MATH::matrix4<double>)
 JEV3D_ENGINE_BOTH_KINDS(CORE::color)
 JEV3D_ENGINE_BOTH_KINDS(std::string)
 
