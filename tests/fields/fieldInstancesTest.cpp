@@ -110,6 +110,13 @@ void engineCopies(const T& v) {
   EXPECT_TRUE(same(s.engine.cV(), v));
 }
 
+template <class M>
+M withElement(int index, double value) {
+  M m;
+  m[index] = static_cast<decltype(m[0] + 0)>(value);
+  return m;
+}
+
 template <class T>
 void fieldAndEngines(const T& v) {
   writeAndFollow(v);
@@ -141,18 +148,10 @@ TEST(fieldInstances, everyKindOfTheInterfaceIsInTheLibrary) {
   fieldAndEngines(MATH::point4<int>(1, 2, 3, 4));
   fieldAndEngines(MATH::point4<float>(1, 2, 3, 4));
   fieldAndEngines(MATH::point4<double>(1, 2, 3, 4));
-  MATH::matrix3<float> m3f;
-  m3f[4] = 2;
-  fieldAndEngines(m3f);
-  MATH::matrix3<double> m3d;
-  m3d[4] = 2;
-  fieldAndEngines(m3d);
-  MATH::matrix4<float> m4f;
-  m4f[13] = 5;
-  fieldAndEngines(m4f);
-  MATH::matrix4<double> m4d;
-  m4d[13] = 5;
-  fieldAndEngines(m4d);
+  fieldAndEngines(withElement<MATH::matrix3<float>>(4, 2));
+  fieldAndEngines(withElement<MATH::matrix3<double>>(4, 2));
+  fieldAndEngines(withElement<MATH::matrix4<float>>(13, 5));
+  fieldAndEngines(withElement<MATH::matrix4<double>>(13, 5));
   fieldAndEngines(CORE::color(1, 2, 3, 4));
   fieldAndEngines(std::string("text"));
   writeAndFollow(std::wstring(L"wide"));
