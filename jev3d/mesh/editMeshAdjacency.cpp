@@ -56,8 +56,8 @@ bool editMesh::computeEdgesOpt(int& progress, SYSTEM::callBack* cb) {
 // Sides are the pairs (corner i, corner i + 1 mod n) of live faces, walked in face order
 // then corner order. Each side is filed under its smaller vertex; the slots of a vertex
 // are sized by a counting pass, so pairing needs no hashing and no allocation per side.
-// One scratch word per FV entry first holds the corner's vertex id (so later passes read
-// 4 bytes instead of the 16-byte record) and then the edge of the side starting there.
+// The corners are first packed into one scratch list (so later passes read 4 bytes per
+// corner instead of the 16-byte record and never look at the faces again).
 bool editMesh::rebuildEdges(int* progress, SYSTEM::callBack* cb) {
   const uint32_t nv = vn();
   const uint32_t nf = fn();
@@ -82,27 +82,31 @@ bool editMesh::rebuildEdges(int* progress, SYSTEM::callBack* cb) {
   const size_t nfv = fvStore.size();
   constexpr unsigned char DEAD = uint8_t(FACE_STATE_T::DELETED);
   constexpr uint32_t SKIPPED = 0xFFFFFFFFu;
-  // Faces that are deleted, empty or run past FV take no part in any pass.
-  auto skipFace = [&](uint32_t f) {
-    return (ff[f] & DEAD) || faces[f].fvNum == 0 || size_t(faces[f].fvBase) + faces[f].fvNum > nfv;
-  };
-
-  // 1. copy the corners, count the sides under their smaller vertex
+  // 1. copy the corners of the faces that take part (live, not empty, inside FV) into one
+  // packed list, face after face, and count the sides under their smaller vertex
+  std::vector<uint32_t> offsets(size_t(nf) + 1);
+  uint32_t* off = offsets.data();
   std::unique_ptr<uint32_t[]> scratch(new uint32_t[nfv ? nfv : 1]);
   uint32_t* sid = scratch.get();
   std::vector<slotRange> ranges(size_t(nv) + 1, slotRange{0, 0});
   slotRange* rg = ranges.data();
+  uint32_t packed = 0;
   for (uint32_t f = 0; f < nf; ++f) {
-    if (skipFace(f)) continue;
+    off[f] = packed;
     const uint32_t n = faces[f].fvNum;
-    uint32_t* c = sid + faces[f].fvBase;
+    // Faces sharing FV entries (built by hand) could outgrow the list: they are left out.
+    if ((ff[f] & DEAD) || n == 0 || size_t(faces[f].fvBase) + n > nfv || size_t(packed) + n > nfv)
+      continue;
+    uint32_t* c = sid + packed;
     const faceWEdgeRecord* w = fv + faces[f].fvBase;
     for (uint32_t i = 0; i < n; ++i) c[i] = w[i].vertId;
     for (uint32_t i = 0; i < n; ++i) {
       const uint32_t a = c[i], b = c[i + 1 == n ? 0 : i + 1];
       if (a < nv && b < nv) ++rg[a < b ? a : b].base;
     }
+    packed += n;
   }
+  off[nf] = packed;
   size_t sides = 0;
   for (uint32_t v = 0; v <= nv; ++v) {
     const uint32_t count = rg[v].base;
@@ -111,17 +115,21 @@ bool editMesh::rebuildEdges(int* progress, SYSTEM::callBack* cb) {
   }
   steps.next();
 
-  // 2. pair the sides; edge ids follow first appearance
+  // 2. pair the sides; edge ids follow first appearance. Each packed corner now takes the
+  // edge of the side that starts at it.
   std::unique_ptr<slotEntry[]> slots(new slotEntry[sides ? sides : 1]);
   slotEntry* sl = slots.get();
   // The old edges and EF are not read by the rebuild: their memory is reused.
   std::vector<edge>& newE = eStore;
   newE.clear();
   newE.reserve(sides / 2 + sides / 16 + 16);
+  // Faces per edge, kept apart from the records while pairing; 6 bits, as efNum wraps.
+  std::unique_ptr<uint8_t[]> faceCount(new uint8_t[sides ? sides : 1]);
+  uint8_t* cnt = faceCount.get();
   for (uint32_t f = 0; f < nf; ++f) {
-    if (skipFace(f)) continue;
-    const uint32_t n = faces[f].fvNum;
-    uint32_t* c = sid + faces[f].fvBase;
+    const uint32_t n = off[f + 1] - off[f];
+    if (n == 0) continue;
+    uint32_t* c = sid + off[f];
     const uint32_t first = c[0];
     for (uint32_t i = 0; i < n; ++i) {
       const uint32_t a = c[i], b = i + 1 == n ? first : c[i + 1];
@@ -136,12 +144,12 @@ bool editMesh::rebuildEdges(int* progress, SYSTEM::callBack* cb) {
       while (j < r.used && s[j].other != other) ++j;
       if (j < r.used) {
         const uint32_t e = s[j].edgeId;
-        newE[e].efNum = newE[e].efNum + 1;  // 6 bits: the 64th face wraps it to 0
+        cnt[e] = uint8_t((cnt[e] + 1) & 63);  // the 64th face wraps it to 0
         c[i] = e;
       } else {
         const uint32_t e = uint32_t(newE.size());
         newE.emplace_back(key, other);
-        newE.back().efNum = 1;
+        cnt[e] = 1;
         s[r.used++] = slotEntry{other, e};
         c[i] = e;
       }
@@ -153,11 +161,15 @@ bool editMesh::rebuildEdges(int* progress, SYSTEM::callBack* cb) {
 
   // 3. efBase as a prefix sum of efNum
   const uint32_t ne = uint32_t(newE.size());
+  std::unique_ptr<uint32_t[]> nextSlot(new uint32_t[ne ? ne : 1]);
+  uint32_t* next = nextSlot.get();
   size_t total = 0;
-  for (edge& e : newE) {
-    if (total >= EF_LIMIT) return fail();
-    e.efBase = uint32_t(total);
-    total += e.efNum;
+  edge* er = newE.data();
+  for (uint32_t e = 0; e < ne; ++e) {
+    er[e].efBase = uint32_t(total);  // truncated past the limit, which fails below
+    er[e].efNum = cnt[e];
+    next[e] = uint32_t(total);
+    total += cnt[e];
   }
   if (total > EF_LIMIT) return fail();
   steps.next();
@@ -165,21 +177,15 @@ bool editMesh::rebuildEdges(int* progress, SYSTEM::callBack* cb) {
   // 4. fill EF in the same order; entries beyond efNum are dropped
   std::vector<edgeFaceRecord>& newEF = efStore;
   newEF.resize(total);
-  std::vector<uint8_t> filled(ne, 0);
   edgeFaceRecord* ef = newEF.data();
-  uint8_t* fill = filled.data();
-  const edge* er = newE.data();
   for (uint32_t f = 0; f < nf; ++f) {
-    if (skipFace(f)) continue;
-    const uint32_t n = faces[f].fvNum;
-    const uint32_t* c = sid + faces[f].fvBase;
+    const uint32_t n = off[f + 1] - off[f];
+    const uint32_t* c = sid + off[f];
     for (uint32_t i = 0; i < n; ++i) {
       const uint32_t e = c[i];
-      if (e == SKIPPED) continue;
-      const uint32_t k = fill[e];
-      if (k >= er[e].efNum) continue;
-      fill[e] = uint8_t(k + 1);
-      ef[er[e].efBase + k] = edgeFaceRecord(f, (i + 1 == n ? 0 : i + 1) & 63u);
+      if (e == SKIPPED || cnt[e] == 0) continue;
+      --cnt[e];
+      ef[next[e]++] = edgeFaceRecord(f, (i + 1 == n ? 0 : i + 1) & 63u);
     }
   }
   steps.next();

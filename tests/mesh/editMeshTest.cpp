@@ -357,6 +357,21 @@ TEST(editMeshEdges, cornersOutOfRangeAreSkippedNotFollowed) {
   EXPECT_NE(m.checkInvariants().find("out of range"), std::string::npos);
 }
 
+TEST(editMeshEdges, facesBuiltByHandOverSharedCornersStayInBounds) {
+  editMesh m;
+  makeGrid(m, 2, 2);
+  // every face reads the last 8 of the 16 corners: 32 corners to pack from 16 entries
+  for (unsigned f = 0; f < m.fn(); ++f) {
+    m.F(f).fvBase = 8;
+    m.F(f).fvNum = 8;
+  }
+  ASSERT_TRUE(m.computeEVEF());
+  m.computeVE();
+  ASSERT_GT(m.en(), 0u);
+  EXPECT_EQ(m.eFNum(0), 2u);  // the first two faces fit; the others are left out
+  EXPECT_NE(m.checkInvariants(), "");
+}
+
 TEST(editMeshVE, listsEdgesInEdgeOrderAndExtends) {
   editMesh m;
   makeGrid(m, 2, 1);
