@@ -4,6 +4,7 @@
 #include <filesystem>
 #include <limits>
 
+#include "jev3d/io/internal/largeArray.h"
 #include "jev3d/io/internal/progress.h"
 #include "jev3d/io/ply/plyReader.h"
 #include "jev3d/io/ply/plyWriter.h"
@@ -127,7 +128,7 @@ struct vertexColumn {
              int nprops) {
     if (!array) return;
     constexpr size_t m = perVertex<T, bytes>();
-    array->reserve((first + count) * m);
+    reserveLarge(*array, (first + count) * m);
     unsigned char* base = reinterpret_cast<unsigned char*>(array->data() + first * m);
     for (int i = 0; i < nprops; ++i) reader.storeProperty(vertexTable[props[i]], base, bytes);
     bound = true;
@@ -227,7 +228,7 @@ bool readMesh(const std::string& path, const meshArrays<P3, C, P2>& out, SYSTEM:
       const size_t first = out.corners->size();
       // Reserve only what the rest of the file can really hold.
       const size_t least = reader.getFileType() == PLY_ASCII ? 8 : 13;
-      if (reader.dataBytesLeft() / least >= count) out.corners->reserve(first + 3 * count);
+      if (reader.dataBytesLeft() / least >= count) reserveLarge(*out.corners, first + 3 * count);
       for (size_t i = 0; i < count; i += progress::every) {
         report.step(i, count, 50.0f, 50.0f);
         if (!reader.getElements(std::min(progress::every, count - i))) return false;

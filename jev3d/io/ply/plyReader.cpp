@@ -80,8 +80,7 @@ void copyColumn(const unsigned char* src, size_t srcStride, unsigned char* dst, 
 // The common face list: a count of 3 and three 32-bit indices. Counts are checked once per
 // run rather than per face, so the loop has no branch; a run with a bad count fails whole.
 template <class CountT, class ItemT, bool Swap>
-bool copyTriangles(const unsigned char*& p, size_t n, unsigned* out, long long& lo,
-                   long long& hi) {
+bool copyTriangles(const unsigned char*& p, size_t n, unsigned* out, long long& lo, long long& hi) {
   constexpr size_t step = sizeof(CountT) + 3 * sizeof(ItemT);
   ItemT mn = std::numeric_limits<ItemT>::max(), mx = std::numeric_limits<ItemT>::min();
   unsigned bad = 0;
@@ -320,10 +319,12 @@ bool plyReader::getElements(size_t n) {
     return true;
   }
   bool ok;
-  if (fileType != PLY_ASCII && !data->hasLists) {
+  if (fileType == PLY_ASCII) {
+    ok = readAscii(n);
+  } else if (!data->hasLists) {
     ok = readFixedBinary(n);
-  } else if (fileType != PLY_ASCII && e.properties.size() == 1 && data->lists.size() == 1 &&
-             data->lists[0].required == 3 && !data->lists[0].counts &&
+  } else if (e.properties.size() == 1 && data->lists.size() == 1 && data->lists[0].required == 3 &&
+             !data->lists[0].counts &&
              (e.properties[0].type == PLY_INT || e.properties[0].type == PLY_UINT) &&
              size_t(data->end - data->pos) >= n * (plyTypeSize(e.properties[0].countType) + 12)) {
     ok = readTriangleLists(n);
@@ -337,10 +338,7 @@ bool plyReader::getElements(size_t n) {
 
 bool plyReader::readFixedBinary(size_t n) {
   dataState& d = *data;
-  if (size_t(d.end - d.pos) / d.fixedSize < n) {
-    std::fprintf(stderr, "ply_get_element: unexpected end of file\n");
-    return false;
-  }
+  if (size_t(d.end - d.pos) / d.fixedSize < n) return endOfFile();
   const bool swap = (fileType == PLY_BINARY_BE) != hostIsBigEndian;
   const plyElement& e = elements[size_t(current)];
   for (size_t k = 0; k < e.properties.size(); ++k) {
@@ -389,62 +387,70 @@ bool plyReader::readTriangleLists(size_t n) {
   return ok;
 }
 
+namespace {
+
+// Plain decimal digits ending at a blank or the end; anything else (a sign, a point, a
+// letter) is left to the general parser.
+inline const char* parseDigits(const char* p, const char* end, uint32_t& value) {
+  while (p != end && TEXT::isBlank(*p)) ++p;
+  const char* start = p;
+  uint64_t v = 0;
+  while (p != end && unsigned(*p - '0') < 10u && p - start < 10) v = v * 10 + unsigned(*p++ - '0');
+  if (p == start || v > 0xffffffffu || !TEXT::endsToken(p, end)) return nullptr;
+  value = uint32_t(v);
+  return p;
+}
+
+}  // namespace
+
+// The common face list in text, "3 a b c": the digits of a run are taken straight into the
+// items. False, with nothing consumed, at the first face that needs the general path.
+bool plyReader::readAsciiTriangles(const char*& p, const char* end, size_t n,
+                                   std::vector<unsigned>& items) {
+  const size_t old = items.size();
+  items.resize(old + 3 * n);
+  unsigned* out = items.data() + old;
+  const char* q = p;
+  uint32_t mn = 0xffffffffu, mx = 0;
+  for (size_t i = 0; i < n; ++i, out += 3) {
+    uint32_t count = 0;
+    if (!(q = parseDigits(q, end, count)) || count != 3 || !(q = parseDigits(q, end, out[0])) ||
+        !(q = parseDigits(q, end, out[1])) || !(q = parseDigits(q, end, out[2]))) {
+      items.resize(old);
+      return false;
+    }
+    mn = std::min(mn, std::min(out[0], std::min(out[1], out[2])));
+    mx = std::max(mx, std::max(out[0], std::max(out[1], out[2])));
+  }
+  p = q;
+  if (n) itemMin = std::min(itemMin, (long long)mn), itemMax = std::max(itemMax, (long long)mx);
+  return true;
+}
+
+inline void plyReader::storeItem(listBinding& b, long long item) {
+  itemMin = std::min(itemMin, item);
+  itemMax = std::max(itemMax, item);
+  b.items->push_back(unsigned(item));
+}
+
 bool plyReader::readGeneric(size_t n) {
   dataState& d = *data;
   const plyElement& e = elements[size_t(current)];
-  const bool ascii = fileType == PLY_ASCII;
   const bool swap = (fileType == PLY_BINARY_BE) != hostIsBigEndian;
-  const char* tp = reinterpret_cast<const char*>(d.pos);
-  const char* tend = reinterpret_cast<const char*>(d.end);
   const unsigned char* bp = d.pos;
-
-  auto endOfFile = [&]() {
-    std::fprintf(stderr, "ply_get_element: unexpected end of file\n");
-    return false;
-  };
-  auto badValue = [&]() {
-    if (TEXT::skipBlanks(tp, tend) == tend) return endOfFile();
-    std::fprintf(stderr, "ply_get_element: bad value in element '%s'\n", e.name.c_str());
-    return false;
-  };
   // One value of a type code, as a double (exact for every type of the format).
   auto readValue = [&](int type, double& v) {
-    if (ascii) {
-      const char* q;
-      if (type == PLY_FLOAT) {
-        float f = 0;
-        q = TEXT::parseReal(tp, tend, f);
-        v = f;
-      } else if (type == PLY_DOUBLE) {
-        q = TEXT::parseReal(tp, tend, v);
-      } else {
-        int64_t i = 0;
-        q = TEXT::parseInteger(tp, tend, i);
-        v = double(i);
-      }
-      if (!q) return badValue();
-      tp = q;
-      return true;
-    }
     const size_t size = size_t(plyTypeSize(type));
     if (size_t(d.end - bp) < size) return endOfFile();
     v = loadAsDouble(bp, type, swap);
     bp += size;
     return true;
   };
-
   for (size_t i = 0; i < n; ++i) {
     for (size_t k = 0; k < e.properties.size(); ++k) {
       const plyProperty& prop = e.properties[k];
       const int bi = d.bindingOf[k];
       if (!prop.isList) {
-        if (bi < 0 && ascii) {
-          // Skipped values are not checked: only their token is passed over.
-          tp = TEXT::skipBlanks(tp, tend);
-          if (tp == tend) return endOfFile();
-          tp = TEXT::skipToken(tp, tend);
-          continue;
-        }
         if (bi < 0) {
           const size_t size = size_t(plyTypeSize(prop.type));
           if (size_t(d.end - bp) < size) return endOfFile();
@@ -459,25 +465,13 @@ bool plyReader::readGeneric(size_t n) {
       }
       double cv = 0;
       if (!readValue(prop.countType, cv)) return false;
-      if (cv < 0) {
-        std::fprintf(stderr, "ply_get_element: bad list count in element '%s'\n", e.name.c_str());
-        return false;
-      }
+      if (cv < 0) return badListCount(e);
       const size_t count = size_t(cv);
+      const size_t itemBytes = size_t(plyTypeSize(prop.type));
       // A count the rest of the file cannot hold ends here, before anything grows.
-      const size_t itemBytes = ascii ? 2 : size_t(plyTypeSize(prop.type));
-      const size_t rest = ascii ? size_t(tend - tp) + 1 : size_t(d.end - bp);
-      if (count > rest / itemBytes) return endOfFile();
+      if (count > size_t(d.end - bp) / itemBytes) return endOfFile();
       if (bi < 0) {
-        if (!ascii) {
-          bp += count * itemBytes;
-          continue;
-        }
-        for (size_t j = 0; j < count; ++j) {
-          tp = TEXT::skipBlanks(tp, tend);
-          if (tp == tend) return endOfFile();
-          tp = TEXT::skipToken(tp, tend);
-        }
+        bp += count * itemBytes;
         continue;
       }
       listBinding& b = d.lists[size_t(bi)];
@@ -486,16 +480,118 @@ bool plyReader::readGeneric(size_t n) {
       for (size_t j = 0; j < count; ++j) {
         double v = 0;
         if (!readValue(prop.type, v)) return false;
-        const long long item = convert<long long>(v);
-        itemMin = std::min(itemMin, item);
-        itemMax = std::max(itemMax, item);
-        b.items->push_back(unsigned(item));
+        storeItem(b, convert<long long>(v));
       }
     }
     for (scalarBinding& b : d.scalars) b.dst += b.stride;
   }
-  d.pos = ascii ? reinterpret_cast<const unsigned char*>(tp) : bp;
+  d.pos = bp;
   return true;
+}
+
+bool plyReader::readAscii(size_t n) {
+  dataState& d = *data;
+  const plyElement& e = elements[size_t(current)];
+  const char* p = reinterpret_cast<const char*>(d.pos);
+  const char* const end = reinterpret_cast<const char*>(d.end);
+  if (e.properties.size() == 1 && d.lists.size() == 1 && d.lists[0].required == 3 &&
+      !d.lists[0].counts && !isRealType(e.properties[0].type) &&
+      readAsciiTriangles(p, end, n, *d.lists[0].items)) {
+    d.pos = reinterpret_cast<const unsigned char*>(p);
+    return true;
+  }
+  auto badValue = [&]() {
+    if (TEXT::skipBlanks(p, end) == end) return endOfFile();
+    std::fprintf(stderr, "ply_get_element: bad value in element '%s'\n", e.name.c_str());
+    return false;
+  };
+  auto skipTokens = [&](size_t count) {
+    for (size_t j = 0; j < count; ++j) {
+      p = TEXT::skipBlanks(p, end);
+      if (p == end) return endOfFile();
+      p = TEXT::skipToken(p, end);
+    }
+    return true;
+  };
+  // Index lists are most of a mesh file: their items take the integer path directly.
+  auto readInteger = [&](int64_t& v) {
+    const char* q = TEXT::parseInteger(p, end, v);
+    if (!q) return badValue();
+    p = q;
+    return true;
+  };
+
+  for (size_t i = 0; i < n; ++i) {
+    for (size_t k = 0; k < e.properties.size(); ++k) {
+      const plyProperty& prop = e.properties[k];
+      const int bi = d.bindingOf[k];
+      if (!prop.isList) {
+        if (bi < 0) {
+          // Skipped values are not checked: only their token is passed over.
+          if (!skipTokens(1)) return false;
+          continue;
+        }
+        scalarBinding& b = d.scalars[size_t(bi)];
+        if (prop.type == PLY_FLOAT && b.recordType == PLY_FLOAT) {
+          float f = 0;
+          const char* q = TEXT::parseReal(p, end, f);
+          if (!q) return badValue();
+          p = q;
+          std::memcpy(b.dst, &f, sizeof f);
+        } else if (isRealType(prop.type)) {
+          double v = 0;
+          const char* q = TEXT::parseReal(p, end, v);
+          if (!q) return badValue();
+          p = q;
+          // A float-typed value keeps float rounding before any conversion.
+          storeDouble(b.dst, b.recordType, prop.type == PLY_FLOAT ? double(float(v)) : v, true);
+        } else {
+          int64_t v = 0;
+          if (!readInteger(v)) return false;
+          storeDouble(b.dst, b.recordType, double(v), false);
+        }
+        continue;
+      }
+      int64_t count = 0;
+      if (!readInteger(count)) return false;
+      if (count < 0) return badListCount(e);
+      // Each item needs a character and a blank: a longer count cannot be in the file.
+      if (size_t(count) > (size_t(end - p) + 1) / 2) return endOfFile();
+      if (bi < 0) {
+        if (!skipTokens(size_t(count))) return false;
+        continue;
+      }
+      listBinding& b = d.lists[size_t(bi)];
+      if (b.required && size_t(count) != b.required) return false;
+      if (b.counts) b.counts->push_back(unsigned(count));
+      for (int64_t j = 0; j < count; ++j) {
+        int64_t v = 0;
+        if (isRealType(prop.type)) {
+          double r = 0;
+          const char* q = TEXT::parseReal(p, end, r);
+          if (!q) return badValue();
+          p = q;
+          v = convert<long long>(r);
+        } else if (!readInteger(v)) {
+          return false;
+        }
+        storeItem(b, v);
+      }
+    }
+    for (scalarBinding& b : d.scalars) b.dst += b.stride;
+  }
+  d.pos = reinterpret_cast<const unsigned char*>(p);
+  return true;
+}
+
+bool plyReader::endOfFile() {
+  std::fprintf(stderr, "ply_get_element: unexpected end of file\n");
+  return false;
+}
+
+bool plyReader::badListCount(const plyElement& e) {
+  std::fprintf(stderr, "ply_get_element: bad list count in element '%s'\n", e.name.c_str());
+  return false;
 }
 
 }  // namespace PLY

@@ -87,6 +87,11 @@ class plyReader {
   bool readFixedBinary(size_t n);
   bool readTriangleLists(size_t n);
   bool readGeneric(size_t n);
+  bool readAscii(size_t n);
+  bool readAsciiTriangles(const char*& p, const char* end, size_t n, std::vector<unsigned>& items);
+  bool endOfFile();
+  bool badListCount(const plyElement& e);
+  void storeItem(listBinding& b, long long item);
 
   int fileType = 0;
   float version = 0;

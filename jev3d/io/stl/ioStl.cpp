@@ -5,6 +5,7 @@
 #include <cstring>
 
 #include "jev3d/io/internal/byteOrder.h"
+#include "jev3d/io/internal/largeArray.h"
 #include "jev3d/io/internal/mappedFile.h"
 #include "jev3d/io/internal/outputFile.h"
 #include "jev3d/io/internal/progress.h"
@@ -59,8 +60,8 @@ bool readBinary(const mappedFile& file, std::vector<T>& positions, std::vector<T
   const long long count = binaryFacetCount(file);
   if (count < 0) return false;
   const size_t facets = size_t(count);
-  positions.reserve(facets * 9 * sizeof(float) / sizeof(T));
-  normals.reserve(facets * 3 * sizeof(float) / sizeof(T));
+  reserveLarge(positions, facets * 9 * sizeof(float) / sizeof(T));
+  reserveLarge(normals, facets * 3 * sizeof(float) / sizeof(T));
   const unsigned char* p = file.data() + headerBytes;
   for (size_t i = 0; i < facets; i += progress::every) {
     report.step(i, facets, 0.0f, 100.0f);
@@ -147,8 +148,8 @@ bool readAscii(const mappedFile& file, std::vector<T>& positions, std::vector<T>
                progress& report) {
   // Seven lines a facet when written the usual way: close enough to reserve once.
   const size_t lines = size_t(std::count(file.data(), file.end(), '\n'));
-  positions.reserve(lines / 7 * 9 * sizeof(float) / sizeof(T));
-  normals.reserve(lines / 7 * 3 * sizeof(float) / sizeof(T));
+  reserveLarge(positions, lines / 7 * 9 * sizeof(float) / sizeof(T));
+  reserveLarge(normals, lines / 7 * 3 * sizeof(float) / sizeof(T));
   const size_t size = file.size();
   size_t i = 0;
   return scanAscii(file, [&](const float* v, size_t offset) {
