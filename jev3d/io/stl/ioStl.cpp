@@ -146,17 +146,33 @@ long long scanAscii(const mappedFile& file, F&& facet) {
 template <class T>
 bool readAscii(const mappedFile& file, std::vector<T>& positions, std::vector<T>& normals,
                progress& report) {
-  // Seven lines a facet when written the usual way: close enough to reserve once.
-  const size_t lines = size_t(std::count(file.data(), file.end(), '\n'));
-  reserveLarge(positions, lines / 7 * 9 * sizeof(float) / sizeof(T));
-  reserveLarge(normals, lines / 7 * 3 * sizeof(float) / sizeof(T));
   const size_t size = file.size();
-  size_t i = 0;
-  return scanAscii(file, [&](const float* v, size_t offset) {
-           std::memcpy(growBy(normals, 3), v, 12);
-           std::memcpy(growBy(positions, 9), v + 3, 36);
-           if (++i % progress::every == 0) report.step(offset, size, 0.0f, 100.0f, false);
-         }) >= 0;
+  // Facets gather in a small run and move to the arrays together.
+  constexpr size_t run = 512;
+  float runNormals[3 * run], runPositions[9 * run];
+  size_t inRun = 0, facets = 0;
+  const size_t recordsStart = size_t(std::find(file.data(), file.end(), '\n') - file.data()) + 1;
+  auto flush = [&]() {
+    std::memcpy(growBy(normals, 3 * inRun), runNormals, 12 * inRun);
+    std::memcpy(growBy(positions, 9 * inRun), runPositions, 36 * inRun);
+    inRun = 0;
+  };
+  const long long read = scanAscii(file, [&](const float* v, size_t offset) {
+    if (facets++ == 0) {
+      // Files repeat one layout: the first record's length tells how many follow. A
+      // record is at least 41 bytes, which bounds the guess by the file's size.
+      const size_t first = std::max<size_t>(offset - std::min(offset, recordsStart), 41);
+      const size_t guess = size / first + 16;
+      reserveLarge(normals, guess * 3 * sizeof(float) / sizeof(T));
+      reserveLarge(positions, guess * 9 * sizeof(float) / sizeof(T));
+    }
+    std::memcpy(runNormals + 3 * inRun, v, 12);
+    std::memcpy(runPositions + 9 * inRun, v + 3, 36);
+    if (++inRun == run) flush();
+    if (facets % progress::every == 0) report.step(offset, size, 0.0f, 100.0f, false);
+  });
+  flush();
+  return read >= 0;
 }
 
 template <class T>

@@ -298,24 +298,34 @@ namespace {
 
 TEST(ioPly, progressRunsFromOneToAHundredInBothHalves) {
   tempDir dir;
-  std::vector<point3<float>> positions(12000, point3<float>(1, 2, 3));
+  std::vector<point3<float>> positions;
   std::vector<unsigned> triangles;
+  for (unsigned i = 0; i < 12000; ++i) positions.push_back({float(i), 0.5f * float(i), 2});
   for (unsigned i = 0; i + 2 < 12000; ++i) triangles.insert(triangles.end(), {i, i + 1, i + 2});
-  recordingCallBack writing;
-  ASSERT_TRUE(
-      ioPly::writePlyToFile(dir.file("p.ply"), positions, {}, {}, {}, triangles, true, &writing));
-  recordingCallBack reading;
-  unsigned v = 0, t = 0;
-  ASSERT_TRUE(ioPly::readPlyFromFile(dir.file("p.ply"), positions, v, triangles, t, &reading));
-  for (const std::vector<float>& values : {writing.values, reading.values}) {
-    ASSERT_GE(values.size(), 4u);
-    EXPECT_EQ(values.front(), 1.0f);
-    EXPECT_EQ(values.back(), 100.0f);
-    EXPECT_TRUE(std::is_sorted(values.begin(), values.end()));
-    // Vertices fill the first half (0, 5000, 10000 of 12000), faces the second.
-    EXPECT_NE(std::find(values.begin(), values.end(), 41.0f), values.end());
-    EXPECT_NE(std::find(values.begin(), values.end(), 70.0f), values.end());
+  for (const bool binary : {true, false}) {
+    recordingCallBack writing;
+    ASSERT_TRUE(ioPly::writePlyToFile(dir.file("p.ply"), positions, {}, {}, {}, triangles, binary,
+                                      &writing));
+    recordingCallBack reading;
+    std::vector<point3<float>> readPositions;
+    std::vector<unsigned> readTriangles;
+    unsigned v = 0, t = 0;
+    ASSERT_TRUE(
+        ioPly::readPlyFromFile(dir.file("p.ply"), readPositions, v, readTriangles, t, &reading));
+    // Runs of 5000 elements join up without a seam.
+    EXPECT_EQ(readPositions, positions);
+    EXPECT_EQ(readTriangles, triangles);
+    for (const std::vector<float>& values : {writing.values, reading.values}) {
+      ASSERT_GE(values.size(), 4u);
+      EXPECT_EQ(values.front(), 1.0f);
+      EXPECT_EQ(values.back(), 100.0f);
+      EXPECT_TRUE(std::is_sorted(values.begin(), values.end()));
+      // Vertices fill the first half (0, 5000, 10000 of 12000), faces the second.
+      EXPECT_NE(std::find(values.begin(), values.end(), 41.0f), values.end());
+      EXPECT_NE(std::find(values.begin(), values.end(), 70.0f), values.end());
+    }
   }
+  unsigned v = 0, t = 0;
   // A failed read still closes the bar.
   recordingCallBack failing;
   EXPECT_FALSE(ioPly::readPlyFromFile(dir.file("none.ply"), positions, v, triangles, t, &failing));
