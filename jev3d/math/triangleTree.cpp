@@ -7,6 +7,7 @@
 
 #include "jev3d/math/internal/bvhBuilder.h"
 #include "jev3d/math/internal/bvhTraversal.h"
+#include "jev3d/math/internal/trianglePacket.h"
 #include "jev3d/math/triangleQueries.h"
 
 namespace JEV {
@@ -23,9 +24,10 @@ triangleTree& triangleTree::operator=(triangleTree&&) noexcept = default;
 
 void triangleTree::clear() {
   nodes.clear();
-  triangles.clear();
+  packets.clear();
   triangleIds.clear();
   faceOfTriangle.clear();
+  held = 0;
 }
 
 void triangleTree::build(const point3<float>* positions, std::size_t positionCount,
@@ -55,15 +57,40 @@ void triangleTree::build(const point3<float>* positions, std::size_t positionCou
     ids.push_back(std::uint32_t(t));
   }
   INTERNAL::buildBvh(prims, ids, leafSize, nodes);
+  held = ids.size();
 
-  triangles.resize(ids.size());
-  triangleIds.swap(ids);
-  faceOfTriangle.resize(triangleIds.size());
-  for (std::size_t i = 0; i < triangleIds.size(); ++i) {
-    const unsigned int t = triangleIds[i];
-    const unsigned int* corner = indices + 3 * std::size_t(t);
-    triangles[i] = {positions[corner[0]], positions[corner[1]], positions[corner[2]]};
-    faceOfTriangle[i] = faceIds ? faceIds[t] : t;
+  // Leaves in the order of their triangles, each moved to the start of a packet.
+  struct leafRef {
+    std::uint32_t first, count;
+    std::uint32_t* child;
+  };
+  std::vector<leafRef> leaves;
+  std::size_t packetCount = 0;
+  for (bvhNode& n : nodes) {
+    for (int c = 0; c < 4; ++c) {
+      if (n.count[c] == 0 || n.count[c] == bvhNode::emptySlot) continue;
+      leaves.push_back({n.child[c], n.count[c], &n.child[c]});
+      packetCount += (n.count[c] + 3) / 4;
+    }
+  }
+  std::sort(leaves.begin(), leaves.end(),
+            [](const leafRef& a, const leafRef& b) { return a.first < b.first; });
+  packets.resize(packetCount);
+  triangleIds.resize(4 * packetCount);
+  faceOfTriangle.resize(4 * packetCount);
+  std::uint32_t packet = 0;
+  for (const leafRef& leaf : leaves) {
+    *leaf.child = packet;
+    const std::uint32_t slots = (leaf.count + 3) / 4 * 4;
+    for (std::uint32_t slot = 0; slot < slots; ++slot) {
+      const unsigned int t = ids[leaf.first + std::min(slot, leaf.count - 1)];
+      const unsigned int* corner = indices + 3 * std::size_t(t);
+      packets[packet + slot / 4].set(int(slot % 4), positions[corner[0]], positions[corner[1]],
+                                     positions[corner[2]]);
+      triangleIds[4 * packet + slot] = t;
+      faceOfTriangle[4 * packet + slot] = faceIds ? faceIds[t] : t;
+    }
+    packet += slots / 4;
   }
 }
 
@@ -76,21 +103,23 @@ bool triangleTree::closestPoint(const point3<float>& p, float maxSquaredDistance
                                 closestPointHit& hit) const {
   if (nodes.empty() || !(maxSquaredDistance >= 0.0f) || !INTERNAL::isFinite(p)) return false;
   float best = maxSquaredDistance;
-  const std::size_t none = triangles.size();
+  const std::size_t none = triangleIds.size();
   std::size_t bestSlot = none;
   point3<float> bestPoint;
   float bestU = 0.0f, bestV = 0.0f;
   INTERNAL::bvhNearestFirst(
       nodes, best, [&](const bvhNode& n, float* key) { INTERNAL::boxSquaredDistances(n, p, key); },
       [&](std::uint32_t first, std::uint32_t count, float& bound) {
-        for (std::uint32_t i = first; i < first + count; ++i) {
-          const triangle& tri = triangles[i];
-          float u, v;
-          const point3<float> q = closestPointOnTriangle(p, tri.a, tri.b, tri.c, u, v);
-          const float d = (p - q).squaredNorm();
-          // The bound itself counts as within until something is found.
-          if (d < bound || (d == bound && bestSlot == none)) {
-            bound = d, bestSlot = i, bestPoint = q, bestU = u, bestV = v;
+        for (std::uint32_t packet = first; packet < first + (count + 3) / 4; ++packet) {
+          INTERNAL::packetClosest r;
+          INTERNAL::closestPointsOnPacket(packets[packet], p, r);
+          for (int lane = 0; lane < 4; ++lane) {
+            // The bound itself counts as within until something is found.
+            if (r.d[lane] < bound || (r.d[lane] == bound && bestSlot == none)) {
+              bound = r.d[lane], bestSlot = 4 * packet + lane;
+              bestPoint = point3<float>(r.q[0][lane], r.q[1][lane], r.q[2][lane]);
+              bestU = r.u[lane], bestV = r.v[lane];
+            }
           }
         }
       });
@@ -104,6 +133,26 @@ bool triangleTree::closestPoint(const point3<float>& p, float maxSquaredDistance
   return true;
 }
 
+namespace {
+
+// Calls hitAt(slot, t, u, v) for each triangle of the leaf that the ray meets within tMax.
+template <class HitAt>
+void intersectLeaf(const std::vector<INTERNAL::trianglePacket>& packets, std::uint32_t first,
+                   std::uint32_t count, const point3<float>& origin, const point3<float>& direction,
+                   const float& tMax, HitAt hitAt) {
+  for (std::uint32_t i = 0; i < count; ++i) {
+    const INTERNAL::trianglePacket& packet = packets[first + i / 4];
+    const int lane = int(i % 4);
+    float t, u, v;
+    if (intersectRayTriangle(origin, direction, packet.cornerA(lane), packet.cornerB(lane),
+                             packet.cornerC(lane), tMax, t, u, v)) {
+      hitAt(4 * first + i, t, u, v);
+    }
+  }
+}
+
+}  // namespace
+
 bool triangleTree::firstHit(const point3<float>& origin, const point3<float>& direction, float tMax,
                             rayHit& hit) const {
   if (nodes.empty() || !(tMax >= 0.0f) || !INTERNAL::isFinite(origin) ||
@@ -112,20 +161,18 @@ bool triangleTree::firstHit(const point3<float>& origin, const point3<float>& di
   }
   const INTERNAL::rayBoxTest boxTest(origin, direction);
   float best = tMax;
-  const std::size_t none = triangles.size();
+  const std::size_t none = triangleIds.size();
   std::size_t bestSlot = none;
   float bestU = 0.0f, bestV = 0.0f;
   INTERNAL::bvhNearestFirst(
       nodes, best, [&](const bvhNode& n, float* key) { boxTest.entries(n, best, key); },
       [&](std::uint32_t first, std::uint32_t count, float& bound) {
-        for (std::uint32_t i = first; i < first + count; ++i) {
-          const triangle& tri = triangles[i];
-          float t, u, v;
-          if (intersectRayTriangle(origin, direction, tri.a, tri.b, tri.c, bound, t, u, v) &&
-              (t < bound || bestSlot == none)) {
-            bound = t, bestSlot = i, bestU = u, bestV = v;
-          }
-        }
+        intersectLeaf(packets, first, count, origin, direction, bound,
+                      [&](std::size_t slot, float t, float u, float v) {
+                        if (t < bound || bestSlot == none) {
+                          bound = t, bestSlot = slot, bestU = u, bestV = v;
+                        }
+                      });
       });
   if (bestSlot == none) return false;
   hit.face = faceOfTriangle[bestSlot];
@@ -147,15 +194,14 @@ std::size_t triangleTree::allHits(const point3<float>& origin, const point3<floa
   INTERNAL::bvhAllWithin(
       nodes, tMax, [&](const bvhNode& n, float* key) { boxTest.entries(n, tMax, key); },
       [&](std::uint32_t first, std::uint32_t count) {
-        for (std::uint32_t i = first; i < first + count; ++i) {
-          const triangle& tri = triangles[i];
-          rayHit h;
-          if (intersectRayTriangle(origin, direction, tri.a, tri.b, tri.c, tMax, h.t, h.u, h.v)) {
-            h.face = faceOfTriangle[i];
-            h.triangle = triangleIds[i];
-            hits.push_back(h);
-          }
-        }
+        intersectLeaf(packets, first, count, origin, direction, tMax,
+                      [&](std::size_t slot, float t, float u, float v) {
+                        rayHit h;
+                        h.face = faceOfTriangle[slot];
+                        h.triangle = triangleIds[slot];
+                        h.t = t, h.u = u, h.v = v;
+                        hits.push_back(h);
+                      });
       });
   std::sort(hits.begin(), hits.end(), [](const rayHit& a, const rayHit& b) {
     return a.t < b.t ||

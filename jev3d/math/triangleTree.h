@@ -10,7 +10,8 @@ namespace MATH {
 
 namespace INTERNAL {
 struct bvhNode;
-}
+struct trianglePacket;
+}  // namespace INTERNAL
 
 // The closest point that a triangleTree found.
 struct closestPointHit {
@@ -47,13 +48,13 @@ class triangleTree {
   // of one polygon share it). Triangles with an index out of range or a corner that is not
   // finite are left out. leafSize is the most triangles in a leaf, clamped to [1, 16].
   void build(const point3<float>* positions, std::size_t positionCount, const unsigned int* indices,
-             std::size_t triangleCount, unsigned int leafSize = 4,
+             std::size_t triangleCount, unsigned int leafSize = 8,
              const unsigned int* faceIds = nullptr);
   void clear();
 
-  bool empty() const { return triangles.empty(); }
+  bool empty() const { return held == 0; }
   // Number of triangles held.
-  std::size_t size() const { return triangles.size(); }
+  std::size_t size() const { return held; }
   // Box around all triangles; false when the tree is empty.
   bool bounds(point3<float>& lo, point3<float>& hi) const;
 
@@ -72,14 +73,12 @@ class triangleTree {
                       std::vector<rayHit>& hits) const;
 
  private:
-  struct triangle {
-    point3<float> a, b, c;
-  };
-
   std::vector<INTERNAL::bvhNode> nodes;
-  std::vector<triangle> triangles;           // in leaf order
-  std::vector<unsigned int> triangleIds;     // input index of each held triangle
-  std::vector<unsigned int> faceOfTriangle;  // face id of each held triangle
+  // Triangles in leaf order, four to a packet; a leaf starts a packet.
+  std::vector<INTERNAL::trianglePacket> packets;
+  std::vector<unsigned int> triangleIds;     // input index of each packet lane
+  std::vector<unsigned int> faceOfTriangle;  // face id of each packet lane
+  std::size_t held = 0;
 };
 
 }  // namespace MATH

@@ -6,6 +6,10 @@
 #include <limits>
 #include <vector>
 
+#if defined(__SSE2__)
+#include <emmintrin.h>
+#endif
+
 #include "jev3d/math/internal/bvhBuilder.h"
 #include "jev3d/math/point3.h"
 
@@ -42,19 +46,26 @@ constexpr unsigned int bvhStackSize = 3 * bvhMaxDepth + 1;
 
 // Squared distances from p to the four child boxes of a node; 0 inside.
 inline void boxSquaredDistances(const bvhNode& n, const point3<float>& p, float* d) {
-  float dx[4], dy[4], dz[4];
-  for (int c = 0; c < 4; ++c) {
-    const float lx = n.lo[0][c] - p.x, hx = p.x - n.hi[0][c];
-    const float ly = n.lo[1][c] - p.y, hy = p.y - n.hi[1][c];
-    const float lz = n.lo[2][c] - p.z, hz = p.z - n.hi[2][c];
-    dx[c] = lx > hx ? lx : hx;
-    dy[c] = ly > hy ? ly : hy;
-    dz[c] = lz > hz ? lz : hz;
-    dx[c] = dx[c] > 0.0f ? dx[c] : 0.0f;
-    dy[c] = dy[c] > 0.0f ? dy[c] : 0.0f;
-    dz[c] = dz[c] > 0.0f ? dz[c] : 0.0f;
-    d[c] = dx[c] * dx[c] + dy[c] * dy[c] + dz[c] * dz[c];
+#if defined(__SSE2__)
+  const __m128 zero = _mm_setzero_ps();
+  __m128 sum = zero;
+  for (int k = 0; k < 3; ++k) {
+    const __m128 q = _mm_set1_ps(p[k]);
+    const __m128 below = _mm_sub_ps(_mm_load_ps(n.lo[k]), q);
+    const __m128 above = _mm_sub_ps(q, _mm_load_ps(n.hi[k]));
+    const __m128 gap = _mm_max_ps(_mm_max_ps(below, above), zero);
+    sum = _mm_add_ps(sum, _mm_mul_ps(gap, gap));
   }
+  _mm_storeu_ps(d, sum);
+#else
+  for (int c = 0; c < 4; ++c) {
+    d[c] = 0.0f;
+    for (int k = 0; k < 3; ++k) {
+      const float gap = std::max(std::max(n.lo[k][c] - p[k], p[k] - n.hi[k][c]), 0.0f);
+      d[c] += gap * gap;
+    }
+  }
+#endif
 }
 
 // Slab test of one ray against the four child boxes of nodes.
@@ -69,26 +80,39 @@ class rayBoxTest {
   }
 
   // Entry distances of the ray into the four boxes for t in [0, tMax]; +inf where it
-  // misses.
+  // misses. Enlarging the exit a little keeps rounding from missing a box that a triangle
+  // inside it touches. A zero direction component gives infinities, or NaN when the origin
+  // lies on a face of the box: the minimum and maximum below let NaN impose nothing.
   void entries(const bvhNode& n, float tMax, float* tEntry) const {
-    // Enlarging the exit a little keeps rounding from missing a box that a triangle
-    // inside it touches. A zero direction component gives infinities, or NaN when the
-    // origin lies on a face of the box, and the comparisons below let NaN impose nothing.
     constexpr float exitScale = 1.0f + 6.0f * std::numeric_limits<float>::epsilon();
-    float t0[4] = {0.0f, 0.0f, 0.0f, 0.0f}, t1[4] = {tMax, tMax, tMax, tMax};
+#if defined(__SSE2__)
+    __m128 t0 = _mm_setzero_ps(), t1 = _mm_set1_ps(tMax);
     for (int k = 0; k < 3; ++k) {
-      const float* nearSide = nearHi[k] ? n.hi[k] : n.lo[k];
-      const float* farSide = nearHi[k] ? n.lo[k] : n.hi[k];
-      for (int c = 0; c < 4; ++c) {
-        const float tn = (nearSide[c] - o[k]) * inv[k];
-        const float tf = (farSide[c] - o[k]) * inv[k] * exitScale;
-        t0[c] = tn > t0[c] ? tn : t0[c];
-        t1[c] = tf < t1[c] ? tf : t1[c];
-      }
+      const __m128 origin = _mm_set1_ps(o[k]), scale = _mm_set1_ps(inv[k]);
+      const __m128 nearSide = _mm_load_ps(nearHi[k] ? n.hi[k] : n.lo[k]);
+      const __m128 farSide = _mm_load_ps(nearHi[k] ? n.lo[k] : n.hi[k]);
+      const __m128 tn = _mm_mul_ps(_mm_sub_ps(nearSide, origin), scale);
+      const __m128 tf =
+          _mm_mul_ps(_mm_mul_ps(_mm_sub_ps(farSide, origin), scale), _mm_set1_ps(exitScale));
+      // The second operand is returned when either is NaN.
+      t0 = _mm_max_ps(tn, t0);
+      t1 = _mm_min_ps(tf, t1);
     }
+    const __m128 missed = _mm_cmpgt_ps(t0, t1);
+    const __m128 inf = _mm_set1_ps(std::numeric_limits<float>::infinity());
+    _mm_storeu_ps(tEntry, _mm_or_ps(_mm_and_ps(missed, inf), _mm_andnot_ps(missed, t0)));
+#else
     for (int c = 0; c < 4; ++c) {
-      tEntry[c] = t0[c] <= t1[c] ? t0[c] : std::numeric_limits<float>::infinity();
+      float t0 = 0.0f, t1 = tMax;
+      for (int k = 0; k < 3; ++k) {
+        const float tn = ((nearHi[k] ? n.hi[k][c] : n.lo[k][c]) - o[k]) * inv[k];
+        const float tf = ((nearHi[k] ? n.lo[k][c] : n.hi[k][c]) - o[k]) * inv[k] * exitScale;
+        t0 = tn > t0 ? tn : t0;
+        t1 = tf < t1 ? tf : t1;
+      }
+      tEntry[c] = t0 <= t1 ? t0 : std::numeric_limits<float>::infinity();
     }
+#endif
   }
 
  private:
