@@ -65,7 +65,8 @@ bool pointTree::nearest(const point3<float>& p, float maxSquaredDistance, unsign
           const float d = (points[i] - p).squaredNorm();
           if (d < bound || (d == bound && bestSlot == none)) bound = d, bestSlot = i;
         }
-      });
+      },
+      [](std::uint32_t, std::uint32_t) {});
   if (bestSlot == none) return false;
   id = pointIds[bestSlot];
   squaredDistance = best;

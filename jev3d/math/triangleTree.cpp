@@ -99,6 +99,33 @@ bool triangleTree::bounds(point3<float>& lo, point3<float>& hi) const {
   return INTERNAL::rootBounds(nodes, lo, hi), true;
 }
 
+namespace {
+
+void prefetchLeaf(const std::vector<INTERNAL::trianglePacket>& packets, std::uint32_t first,
+                  std::uint32_t count) {
+  const char* data = reinterpret_cast<const char*>(&packets[first]);
+  const std::size_t bytes = (count + 3) / 4 * sizeof(INTERNAL::trianglePacket);
+  for (std::size_t at = 0; at < bytes; at += 64) __builtin_prefetch(data + at);
+}
+
+// Calls hitAt(slot, t, u, v) for each triangle of the leaf that the ray meets within tMax.
+template <class HitAt>
+void intersectLeaf(const std::vector<INTERNAL::trianglePacket>& packets, std::uint32_t first,
+                   std::uint32_t count, const point3<float>& origin, const point3<float>& direction,
+                   const float& tMax, HitAt hitAt) {
+  for (std::uint32_t i = 0; i < count; ++i) {
+    const INTERNAL::trianglePacket& packet = packets[first + i / 4];
+    const int lane = int(i % 4);
+    float t, u, v;
+    if (intersectRayTriangle(origin, direction, packet.cornerA(lane), packet.cornerB(lane),
+                             packet.cornerC(lane), tMax, t, u, v)) {
+      hitAt(4 * first + i, t, u, v);
+    }
+  }
+}
+
+}  // namespace
+
 bool triangleTree::closestPoint(const point3<float>& p, float maxSquaredDistance,
                                 closestPointHit& hit) const {
   if (nodes.empty() || !(maxSquaredDistance >= 0.0f) || !INTERNAL::isFinite(p)) return false;
@@ -122,7 +149,8 @@ bool triangleTree::closestPoint(const point3<float>& p, float maxSquaredDistance
             }
           }
         }
-      });
+      },
+      [&](std::uint32_t first, std::uint32_t count) { prefetchLeaf(packets, first, count); });
   if (bestSlot == none) return false;
   hit.face = faceOfTriangle[bestSlot];
   hit.triangle = triangleIds[bestSlot];
@@ -132,26 +160,6 @@ bool triangleTree::closestPoint(const point3<float>& p, float maxSquaredDistance
   hit.v = bestV;
   return true;
 }
-
-namespace {
-
-// Calls hitAt(slot, t, u, v) for each triangle of the leaf that the ray meets within tMax.
-template <class HitAt>
-void intersectLeaf(const std::vector<INTERNAL::trianglePacket>& packets, std::uint32_t first,
-                   std::uint32_t count, const point3<float>& origin, const point3<float>& direction,
-                   const float& tMax, HitAt hitAt) {
-  for (std::uint32_t i = 0; i < count; ++i) {
-    const INTERNAL::trianglePacket& packet = packets[first + i / 4];
-    const int lane = int(i % 4);
-    float t, u, v;
-    if (intersectRayTriangle(origin, direction, packet.cornerA(lane), packet.cornerB(lane),
-                             packet.cornerC(lane), tMax, t, u, v)) {
-      hitAt(4 * first + i, t, u, v);
-    }
-  }
-}
-
-}  // namespace
 
 bool triangleTree::firstHit(const point3<float>& origin, const point3<float>& direction, float tMax,
                             rayHit& hit) const {
@@ -173,7 +181,8 @@ bool triangleTree::firstHit(const point3<float>& origin, const point3<float>& di
                           bound = t, bestSlot = slot, bestU = u, bestV = v;
                         }
                       });
-      });
+      },
+      [&](std::uint32_t first, std::uint32_t count) { prefetchLeaf(packets, first, count); });
   if (bestSlot == none) return false;
   hit.face = faceOfTriangle[bestSlot];
   hit.triangle = triangleIds[bestSlot];

@@ -141,9 +141,9 @@ inline bool pushOrdered(const bvhNode& n, const float* key, float bound, bvhEntr
 // Walks the tree nearest box first with a bound that the leaves shrink: visitLeaf(first,
 // count, bound) tests a leaf and lowers bound when it finds something closer. keyOf(node,
 // keys) gives the four children's distances in the same measure as the bound.
-template <class KeyOf, class VisitLeaf>
+template <class KeyOf, class VisitLeaf, class PrefetchLeaf>
 void bvhNearestFirst(const std::vector<bvhNode>& nodes, float& bound, KeyOf keyOf,
-                     VisitLeaf visitLeaf) {
+                     VisitLeaf visitLeaf, PrefetchLeaf prefetchLeaf) {
   if (nodes.empty()) return;
   bvhEntry stack[bvhStackSize];
   int top = 0;
@@ -153,7 +153,18 @@ void bvhNearestFirst(const std::vector<bvhNode>& nodes, float& bound, KeyOf keyO
       const bvhNode& n = nodes[current.child];
       float key[4];
       keyOf(n, key);
+      const int before = top;
       if (pushOrdered(n, key, bound, stack, top)) {
+        // Children that wait on the stack are fetched while the nearest one is walked.
+        for (int i = before; i < top; ++i) {
+          if (stack[i].count == 0) {
+            const char* line = reinterpret_cast<const char*>(&nodes[stack[i].child]);
+            __builtin_prefetch(line);
+            __builtin_prefetch(line + 64);
+          } else {
+            prefetchLeaf(stack[i].child, stack[i].count);
+          }
+        }
         current = stack[--top];
         continue;
       }
