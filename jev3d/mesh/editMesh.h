@@ -538,7 +538,11 @@ class editMesh {
 
   // ---- bounding box over live vertices
   void computeBBox();
-  void updateBBox() { bboxDirty = true; }
+  // Also tells the spatial indexes that positions moved.
+  void updateBBox() {
+    bboxDirty = true;
+    ++geometryRevision;
+  }
   bool isBBoxDirty() const { return bboxDirty; }
   const MATH::point3<float>& getBBoxMin() const { return bboxMin; }
   const MATH::point3<float>& getBBoxMax() const { return bboxMax; }
@@ -589,9 +593,17 @@ class editMesh {
   size_t memoryUsage() const;
 
   // ---- spatial index (built by the spatial-index code)
+  // Build the face index (live faces, polygons as fans from corner 0) or the vertex index
+  // (live vertices), destroying the old one first. leafSize is the most triangles or
+  // vertices in a leaf, clamped to [1, 16].
   void computeFABBTree(unsigned int leafSize);
   void computeVABBTree(unsigned int leafSize);
+  // True when both indexes are built and still match the mesh.
   bool isSpatialIndexingValid() const;
+  // The index, or null when it was never built or has gone stale: faces or vertices
+  // added, deleted or compacted since, or positions moved and reported by updateBBox.
+  const aabbtreeEditMeshFaceWrap<float>* getFABBTree() const;
+  const aabbtreeEditMeshVertWrap<float>* getVABBTree() const;
 
   // ---- colours (as u32 words, red lowest)
   CORE::color faceColor = CORE::color::fromU32(0xFFFFFFFFu);
@@ -710,6 +722,7 @@ class editMesh {
   MATH::point3<float> bboxMin{1.f, 1.f, 1.f};
   MATH::point3<float> bboxMax{-1.f, -1.f, -1.f};
   bool bboxDirty = true;
+  unsigned int geometryRevision = 0;  // raised by updateBBox
 
   std::vector<face> fStore;
   std::vector<edge> eStore;

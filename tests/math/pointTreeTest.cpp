@@ -32,7 +32,7 @@ std::vector<unsigned> bruteWithin(const std::vector<vec>& points, const vec& p, 
 
 }  // namespace
 
-TEST(PointTree, NearestEqualsBruteForceOnRandomPoints) {
+TEST(pointTree, nearestEqualsBruteForceOnRandomPoints) {
   std::mt19937 rng(2024);
   // Clustered as well as uniform points: half of them on a few small blobs.
   std::vector<vec> points = randomPoints(rng, 3000);
@@ -64,7 +64,7 @@ TEST(PointTree, NearestEqualsBruteForceOnRandomPoints) {
   }
 }
 
-TEST(PointTree, WithinRadiusEqualsBruteForce) {
+TEST(pointTree, withinRadiusEqualsBruteForce) {
   std::mt19937 rng(77);
   const std::vector<vec> points = randomPoints(rng, 4000);
   pointTree tree;
@@ -87,7 +87,7 @@ TEST(PointTree, WithinRadiusEqualsBruteForce) {
   EXPECT_NE(std::find(ids.begin(), ids.end(), 10u), ids.end());
 }
 
-TEST(PointTree, AllPointsEqual) {
+TEST(pointTree, allPointsEqual) {
   const std::vector<vec> points(20000, vec(1.5f, -2.0f, 3.0f));
   pointTree tree;
   tree.build(points.data(), points.size(), 1);
@@ -105,7 +105,7 @@ TEST(PointTree, AllPointsEqual) {
   EXPECT_EQ(hi.z, 3.0f);
 }
 
-TEST(PointTree, IdsAreReportedAndInvalidPointsLeftOut) {
+TEST(pointTree, idsAreReportedAndInvalidPointsLeftOut) {
   const float nan = std::nanf("");
   const std::vector<vec> points = {vec(0, 0, 0), vec(nan, 0, 0), vec(2, 0, 0),
                                    vec(0, -std::numeric_limits<float>::infinity(), 0)};
@@ -126,7 +126,7 @@ TEST(PointTree, IdsAreReportedAndInvalidPointsLeftOut) {
   EXPECT_EQ(tree.withinRadius(vec(1, 0, 0), nan, found), 0u);
 }
 
-TEST(PointTree, EmptyTreeFindsNothing) {
+TEST(pointTree, emptyTreeFindsNothing) {
   pointTree tree;
   unsigned id = 5;
   float d = 0.0f;

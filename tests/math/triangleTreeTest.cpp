@@ -123,7 +123,7 @@ constexpr float unbounded = std::numeric_limits<float>::max();
 
 }  // namespace
 
-TEST(TriangleQueries, ClosestPointIsOnTriangleAndNoFartherThanCorners) {
+TEST(triangleQueries, closestPointIsOnTriangleAndNoFartherThanCorners) {
   std::mt19937 rng(7);
   std::uniform_real_distribution<float> coord(-2.0f, 2.0f);
   for (int i = 0; i < 2000; ++i) {
@@ -150,7 +150,7 @@ TEST(TriangleQueries, ClosestPointIsOnTriangleAndNoFartherThanCorners) {
   }
 }
 
-TEST(TriangleQueries, FlatTrianglesGiveFinitePointsOnTheirEdges) {
+TEST(triangleQueries, flatTrianglesGiveFinitePointsOnTheirEdges) {
   const vec a(0, 0, 0), b(1, 1, 1), c(2, 2, 2), p(0.5f, 2.0f, -1.0f);
   float u, v;
   const vec q = JEV::MATH::closestPointOnTriangle(p, a, b, c, u, v);
@@ -167,7 +167,7 @@ TEST(TriangleQueries, FlatTrianglesGiveFinitePointsOnTheirEdges) {
                                                unbounded, t, u, v));
 }
 
-TEST(TriangleTree, ClosestPointEqualsBruteForceOnRandomSoups) {
+TEST(triangleTree, closestPointEqualsBruteForceOnRandomSoups) {
   std::mt19937 rng(1234);
   const triangleSoup soup = randomSoup(rng, 1500);
   std::uniform_real_distribution<float> around(-0.3f, 1.3f);
@@ -184,7 +184,7 @@ TEST(TriangleTree, ClosestPointEqualsBruteForceOnRandomSoups) {
   }
 }
 
-TEST(TriangleTree, ClosestPointTiesOnAGridKeepTheDistance) {
+TEST(triangleTree, closestPointTiesOnAGridKeepTheDistance) {
   const triangleSoup grid = flatGrid(20);
   triangleTree tree;
   tree.build(grid.positions.data(), grid.positions.size(), grid.indices.data(),
@@ -199,7 +199,7 @@ TEST(TriangleTree, ClosestPointTiesOnAGridKeepTheDistance) {
   }
 }
 
-TEST(TriangleTree, BoundIsInclusiveAndFailureLeavesHitUntouched) {
+TEST(triangleTree, boundIsInclusiveAndFailureLeavesHitUntouched) {
   const triangleSoup grid = flatGrid(2);
   triangleTree tree;
   tree.build(grid.positions.data(), grid.positions.size(), grid.indices.data(),
@@ -216,7 +216,7 @@ TEST(TriangleTree, BoundIsInclusiveAndFailureLeavesHitUntouched) {
   EXPECT_FALSE(tree.closestPoint(vec(std::nanf(""), 1, 2), unbounded, hit));
 }
 
-TEST(TriangleTree, FirstHitEqualsBruteForceOnRandomSoups) {
+TEST(triangleTree, firstHitEqualsBruteForceOnRandomSoups) {
   std::mt19937 rng(99);
   const triangleSoup soup = randomSoup(rng, 1500);
   std::uniform_real_distribution<float> around(-0.5f, 1.5f);
@@ -244,7 +244,7 @@ TEST(TriangleTree, FirstHitEqualsBruteForceOnRandomSoups) {
   }
 }
 
-TEST(TriangleTree, AllHitsEqualBruteForceOnRandomSoups) {
+TEST(triangleTree, allHitsEqualBruteForceOnRandomSoups) {
   std::mt19937 rng(4321);
   const triangleSoup soup = randomSoup(rng, 1500);
   triangleTree tree;
@@ -267,7 +267,7 @@ TEST(TriangleTree, AllHitsEqualBruteForceOnRandomSoups) {
   EXPECT_GT(total, 80u);
 }
 
-TEST(TriangleTree, AxisAlignedRaysFindEveryCellOfAFlatGrid) {
+TEST(triangleTree, axisAlignedRaysFindEveryCellOfAFlatGrid) {
   // The boxes have no thickness in z and the rays have zero components: the slab test
   // must not lose them to rounding or to 0·inf.
   const int n = 16;
@@ -295,7 +295,7 @@ TEST(TriangleTree, AxisAlignedRaysFindEveryCellOfAFlatGrid) {
   EXPECT_FALSE(tree.firstHit(vec(0.5f, 0.5f, 1.0f), vec(0, 0, -1), 0.5f, hit));
 }
 
-TEST(TriangleTree, FacesOfAFanAreReportedByTheirFaceIdAndHitOnce) {
+TEST(triangleTree, facesOfAFanAreReportedByTheirFaceIdAndHitOnce) {
   // A square as one polygon face split along its diagonal, plus a second face above.
   const std::vector<vec> positions = {vec(0, 0, 0), vec(1, 0, 0), vec(1, 1, 0), vec(0, 1, 0),
                                       vec(0, 0, 1), vec(1, 0, 1), vec(1, 1, 1)};
@@ -315,7 +315,7 @@ TEST(TriangleTree, FacesOfAFanAreReportedByTheirFaceIdAndHitOnce) {
   EXPECT_EQ(hit.triangle, 1u);
 }
 
-TEST(TriangleTree, DegenerateFacesMatchBruteForceWithoutNaN) {
+TEST(triangleTree, degenerateFacesMatchBruteForceWithoutNaN) {
   std::mt19937 rng(17);
   triangleSoup soup = randomSoup(rng, 300);
   std::uniform_real_distribution<float> unit(0.0f, 1.0f);
@@ -341,7 +341,7 @@ TEST(TriangleTree, DegenerateFacesMatchBruteForceWithoutNaN) {
   }
 }
 
-TEST(TriangleTree, StackedEqualTrianglesBuildAndQuery) {
+TEST(triangleTree, stackedEqualTrianglesBuildAndQuery) {
   // Every centroid is the same: the build must still split and stay shallow.
   const std::vector<vec> positions = {vec(0, 0, 0), vec(1, 0, 0), vec(0, 1, 0)};
   std::vector<unsigned> indices;
@@ -355,7 +355,7 @@ TEST(TriangleTree, StackedEqualTrianglesBuildAndQuery) {
   EXPECT_EQ(tree.allHits(vec(0.25f, 0.25f, 3.0f), vec(0, 0, -1), unbounded, hits), 5000u);
 }
 
-TEST(TriangleTree, EmptyAndInvalidInputFindNothing) {
+TEST(triangleTree, emptyAndInvalidInputFindNothing) {
   triangleTree tree;
   closestPointHit hit;
   rayHit ray;
@@ -385,7 +385,7 @@ TEST(TriangleTree, EmptyAndInvalidInputFindNothing) {
   EXPECT_FALSE(tree.closestPoint(vec(0, 0, 0), unbounded, hit));
 }
 
-TEST(TriangleTree, CopiesAreIndependentOfTheSourceData) {
+TEST(triangleTree, copiesAreIndependentOfTheSourceData) {
   triangleSoup grid = flatGrid(4);
   triangleTree tree;
   tree.build(grid.positions.data(), grid.positions.size(), grid.indices.data(),
