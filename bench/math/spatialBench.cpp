@@ -177,11 +177,9 @@ void registerAll() {
     for (bool near : {true, false}) {
       const std::string name = std::string("closest_") + (near ? "near_" : "uniform_") + size;
       benchmark::RegisterBenchmark((name + "/jev3d").c_str(), closestJev3dBench, faces, near)
-          ->Unit(benchmark::kMillisecond)
-          ->MinTime(1.0);
+          ->Unit(benchmark::kMillisecond);
       benchmark::RegisterBenchmark((name + "/cgal").c_str(), closestCgalBench, faces, near)
-          ->Unit(benchmark::kMillisecond)
-          ->MinTime(1.0);
+          ->Unit(benchmark::kMillisecond);
     }
   }
 }
