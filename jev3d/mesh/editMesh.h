@@ -171,8 +171,8 @@ class editMesh {
   MATH::point3<float>& fNor(unsigned int f) { return fStore[f].normal; }
   const MATH::point3<float>& fNor(unsigned int f) const { return fStore[f].normal; }
   // The colour of the layer vertexColorLayer selects.
-  CORE::color& vCol(unsigned int v) { return vStore[v].col[vertexColorLayer]; }
-  const CORE::color& vCol(unsigned int v) const { return vStore[v].col[vertexColorLayer]; }
+  CORE::color& vCol(unsigned int v) { return vStore[v].col[vertexColorLayer ? 1 : 0]; }
+  const CORE::color& vCol(unsigned int v) const { return vStore[v].col[vertexColorLayer ? 1 : 0]; }
   // Per-face and per-edge colours; sized by resizeFaceColorData / resizeEdgeColorData.
   CORE::color& fCol(unsigned int f) { return faceColors[f]; }
   CORE::color& eCol(unsigned int e) { return edgeColors[e]; }
@@ -623,7 +623,7 @@ class editMesh {
   bool edgesAreColoredWithDefaultColor() const { return currentEdgeColor == edgeColor; }
   void setFaceSelectionColor(const CORE::color& c) { faceSelectionColor = c; }
 
-  unsigned int vertexColorLayer = 0;
+  unsigned int vertexColorLayer = 0;  // 0 or 1: the layer vCol addresses
   MESH_COLOR_DISPLAY_STATE colorDisplayState = MESH_COLOR_NONE;
 
   // ---- render cache state (GL-free bookkeeping; the renderer owns the chunks)

@@ -80,6 +80,12 @@ TEST(editMeshConstruction, addsGrowStoresAndFlags) {
   EXPECT_EQ(m.vNor(a), p3(0, 0, 1));
   EXPECT_EQ(m.V(a).col[0].toU32(), 0u);
   EXPECT_EQ(m.V(a).col[1].toU32(), 0u);
+  m.vCol(a) = JEV::CORE::color(1, 2, 3);
+  m.vertexColorLayer = 1;
+  m.vCol(a) = JEV::CORE::color(4, 5, 6);
+  EXPECT_EQ(m.V(a).col[0], JEV::CORE::color(1, 2, 3));
+  EXPECT_EQ(m.V(a).col[1], JEV::CORE::color(4, 5, 6));
+  m.vertexColorLayer = 0;
   m.addVertex(2, 0, 0);
   m.addVertex(0, 2, 0);
   m.addVertex(2, 2, 0);
