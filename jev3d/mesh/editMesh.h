@@ -563,6 +563,157 @@ class editMesh {
   // Live faces around v (each once), through VE and EF; the result is kept in the mesh.
   const std::vector<unsigned int>& getAdiacentFaces(unsigned int v);
 
+  // ---- topology operations (editMeshExtrude.cpp, editMeshCut.cpp, editMeshSubdivide.cpp,
+  // editMeshPrimitives.cpp). Face lists name live faces; an empty list means the selected
+  // faces, and the forms taking a non-const list fill an empty one with them. Unless
+  // said otherwise an operation ends by rebuilding edges (edge ids change,
+  // edge selection and pins are lost, wire edges are kept), VE and unit normals.
+
+  // Extrudes the faces as one region: each border edge of the region is doubled, the
+  // region moves onto copies of its border vertices and a quad wall joins the two
+  // loops. Nothing moves; the caller offsets the selected vertices. Edges are patched in
+  // place, so edge ids, selection and pins survive; a doubled edge copies the pin of its
+  // original. A region covering a closed part has no walls. The faces keep their ids
+  // and selection; their corners end up selected.
+  void extrudeRegion();
+  void extrudeRegion(std::vector<unsigned int>& faces);
+  // The same with every face extruded on its own: each face gets its own walls, even
+  // against a neighbour in the list.
+  void extrudeFaces();
+  void extrudeFaces(std::vector<unsigned int>& faces);
+  // Each listed edge gets a quad that continues the surface across it, joining the edge
+  // to a copy of it on new vertices (shared along a chain of listed edges). The copies
+  // coincide with the originals and become the vertex selection.
+  void extrudeEdges(const std::vector<unsigned int>& edges);
+  // Each listed vertex becomes the apex of a pyramid: a ring of new vertices a third of
+  // the way along its edges cuts its corners off the faces around it, and triangles join
+  // the ring to the vertex, which keeps its position and selection.
+  void extrudeVertices(const std::vector<unsigned int>& verts);
+  // Detaches the faces from the rest of the mesh: they move onto copies of their border
+  // vertices and become a separate open piece. Edge ids and flags survive as in
+  // extrudeRegion; a border edge left without faces is deleted.
+  void extractRegion();
+  void extractRegion(std::vector<unsigned int>& faces);
+  // extractRegion closing both sides: each border loop of the piece gets a polygon cap,
+  // and each loop that cut through the mesh closes the hole left behind with another.
+  // Returns the number of cap faces made.
+  unsigned int extractCappedRegion();
+  unsigned int extractCappedRegion(std::vector<unsigned int>& faces);
+
+  // Cuts face f along the diagonal from vertex a to vertex b: f keeps the corners from
+  // the lower corner index to the higher in its own FV range, a new face at the end of
+  // the store takes the rest (FV grows by fvNum, delFvn by fvNum - 2). Valid edges and VE
+  // are patched (the diagonal is a new edge at the end), so flags survive; a selected f
+  // leaves both halves selected. Returns the new face, or maxValue when a or b is not a
+  // corner of f or the two are neighbours.
+  unsigned int splitFace(unsigned int f, unsigned int a, unsigned int b);
+  // Cuts the listed faces across their listed edges: each edge gets a midpoint (faces
+  // outside the list on that edge take it as an extra corner, so no crack opens), and
+  // each listed face with exactly two listed edges is split between their midpoints.
+  // The new loop of edges ends up the selection.
+  void loopCut(std::vector<unsigned int>& faces, std::vector<unsigned int>& edges);
+  // The loop cut across the ring of quads through edge e (both ways until a face is not
+  // a quad, the mesh ends, or the ring closes).
+  void loopCut(unsigned int e);
+  // The same through the edge joining vertices a and b; nothing when there is none.
+  void loopCut(unsigned int a, unsigned int b);
+
+  // One Catmull-Clark step over all live faces: each face of k corners becomes k quads,
+  // with boundary rules on open borders. Old vertices keep their ids and move; edge
+  // points follow (in edge order), then face points (in face order). Quads of selected
+  // faces are selected. keepWire keeps edges without faces.
+  void catmullClarkSubdivideVE(bool keepWire = true, SYSTEM::callBack* cb = nullptr);
+  // The step on the selected faces only: vertices on the selection border stay, edge
+  // points there are midpoints, and unselected faces on those edges take them as
+  // corners.
+  void catmullClarkSubdivideSelected(bool keepWire = true, SYSTEM::callBack* cb = nullptr);
+  // Catmull-Clark topology without smoothing: edge midpoints and face centroids, the
+  // old vertices unmoved.
+  void refine(bool keepWire = true, SYSTEM::callBack* cb = nullptr);
+  void refineSelected(bool keepWire = true, SYSTEM::callBack* cb = nullptr);
+  // Splits each face (or each selected face) by its edge midpoints: a triangle becomes
+  // four, a polygon of k corners k corner triangles around the polygon of its midpoints,
+  // which is fanned from a centre vertex (centreVertex) or from its first midpoint.
+  // Unselected faces on split edges take the midpoints as corners.
+  void midpointTriangulate(bool selectedOnly = false, bool centreVertex = true,
+                           SYSTEM::callBack* cb = nullptr);
+  // Every live face as the fan of triangles from its corner 0; faces of fewer than 3
+  // corners and deleted faces are dropped, so face ids change. Triangles keep their
+  // polygon's normal and selection. Edges (wire edges are lost), VE and the box are
+  // rebuilt; vertex normals are not.
+  void triangulate(SYSTEM::callBack* cb = nullptr);
+  // Moves the vertices of this mesh, a catmullClarkSubdivideVE of base, to the points of
+  // one step over base's current positions. Nothing happens unless base has valid
+  // edges and this mesh has as many vertices as that step makes.
+  void updateCatmullClarkFromMesh(const editMesh* base);
+
+  // Adds a mirrored copy of the mesh across the plane through the centroid of face f
+  // with normal n (normalised here). Vertices within 1e-5 of the box diagonal of the
+  // plane are shared by both halves, and faces lying in the plane are deleted, so a
+  // half mesh open or capped on the plane becomes one closed piece. Mirrored faces run
+  // the other way round, so both halves face outward; they are not selected.
+  void mirrorMesh(unsigned int f, const MATH::point3<float>& n);
+  // The same with the plane through the mean of the listed faces' centroids.
+  void mirrorMesh(const std::vector<unsigned int>& faces, const MATH::point3<float>& n);
+  // Projects the corners of the listed faces onto the plane through the mean of their
+  // centroids with normal n (the mean of their face normals when n is zero), and
+  // updates the normals of what moved.
+  void flatten(const std::vector<unsigned int>& faces, const MATH::point3<float>& n);
+  // Turns the surface into a solid shell: an offset copy, facing the other way, lies
+  // thickness behind each vertex along its normal (scaled so that flat faces move by the
+  // full thickness), and rims of rimSegments rows of quads join them along open borders.
+  // centered splits the thickness to both sides; selectNew selects the offset faces.
+  void makeSolid(float thickness, unsigned int rimSegments = 1, bool centered = false,
+                 bool selectNew = false);
+  // The same with a thickness per vertex (missing entries count as 0).
+  void makeSolid(const std::vector<float>& thickness, unsigned int rimSegments = 1,
+                 bool centered = false, bool selectNew = false);
+
+  // Replaces target's content with a copy of the listed live faces and their vertices,
+  // renumbered in order of first use; the vertex list adds vertices used by no listed
+  // face. Edges, VE and normals are built. False for a null target or this mesh.
+  bool subset(editMesh* target, const std::vector<unsigned int>& faces) const;
+  bool subset(editMesh* target, const std::vector<unsigned int>& faces,
+              const std::vector<unsigned int>& verts) const;
+  // Makes this mesh a deep copy of src (spatial trees and render chunks excepted).
+  // False for a null src or this mesh.
+  bool clone(const editMesh* src);
+
+  // Primitive makers replace the whole mesh, centred on the origin, wound outward.
+  // Cube [-1, 1]^3; tetrahedron, octahedron and dodecahedron on the unit sphere.
+  void makeCube();
+  void makeTetrahedron();
+  void makeOctahedron();
+  void makeDodecahedron();
+  // Square [-1, 1]^2 at z = 0 facing +z, or the quad p0 p1 p2 p3.
+  void makeQuad();
+  void makeQuad(const MATH::point3<float>& p0, const MATH::point3<float>& p1,
+                const MATH::point3<float>& p2, const MATH::point3<float>& p3);
+  // Closed cone along z from z = -height / 2 (radius) to z = height / 2 (topRadius, an
+  // apex when 0), polygon caps; at least 3 segments.
+  void makeCone(unsigned int segments, float radius, float height, float topRadius = 0.f);
+  // Radius 1, height 2, apex on top; the side in stacks rows, the base in capRings rings
+  // of quads around a fan of triangles.
+  void makeCone(int segments, int stacks, int capRings);
+  // Torus around z: rings around the axis, segments around the tube, major and minor
+  // radius. triangles splits each quad; append keeps what the mesh held; selectNew
+  // selects the torus's faces.
+  void makeTorus(unsigned int rings, unsigned int segments, float majorRadius, float minorRadius);
+  void makeTorus(bool triangles, bool append, bool selectNew, unsigned int rings,
+                 unsigned int segments, float majorRadius, float minorRadius);
+  // The torus around the axis through centre.
+  void makeTorus(const MATH::point3<float>& centre, const MATH::point3<float>& axis,
+                 unsigned int rings, unsigned int segments, float majorRadius, float minorRadius);
+  // Closed cylinder of radius 1 from z = -1 to 1: segments around, stacks rows, polygon
+  // caps.
+  void makeCylinder(unsigned int segments, unsigned int stacks);
+  // Unit sphere: rings latitude bands, segments around, triangles at the poles.
+  void makeSphere(unsigned int rings, unsigned int segments);
+  // Circle of segments vertices around centre in the plane of normal: one polygon facing
+  // along normal when filled, else a loop of wire edges.
+  void makeCircle(const MATH::point3<float>& centre, const MATH::point3<float>& normal,
+                  float radius, unsigned int segments, bool filled = true);
+
   // ---- aux stores: named per-vertex (or any) arrays owned by the mesh
   unsigned int addAuxFloatData(const std::string& name);
   unsigned int addAuxUintData(const std::string& name);
