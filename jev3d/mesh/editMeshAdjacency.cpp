@@ -201,6 +201,12 @@ bool editMesh::rebuildEdges(int* progress, SYSTEM::callBack* cb) {
 }
 
 bool editMesh::computeEdges(bool keepWire) {
+  // The rebuild leaves a mesh without faces or vertices as it is, wire edges included:
+  // appending the saved ones again would double them.
+  if (fn() == 0 || vn() == 0) {
+    evefInvalid = en() == 0;
+    return true;
+  }
   std::vector<edge> wires;
   if (keepWire && countWireEdges() > 0) getWireEdges(wires);
   const bool ok = rebuildEdges(nullptr, nullptr);
