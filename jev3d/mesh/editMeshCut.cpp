@@ -195,8 +195,8 @@ void editMesh::mirrorMesh(const std::vector<unsigned int>& faces, const point3<f
     centre += faceCentroid(*this, f);
     ++count;
   }
-  point3<float> axis = n;
-  normalizeFast(axis);
+  // exact, not normalizeFast: its last digits would show as a gap between the halves
+  const point3<float> axis = n.getNormalized();
   if (count == 0 || axis.squaredNorm() == 0.f) return;
   centre *= 1.0f / float(count);
   computeBBox();
@@ -259,8 +259,7 @@ void editMesh::flatten(const std::vector<unsigned int>& faces, const point3<floa
       meanNormal += point3<float>::cross(F2VPOS(f, 1) - F2VPOS(f, 0), F2VPOS(f, 2) - F2VPOS(f, 1));
   }
   ref *= 1.0f / float(list.size());
-  point3<float> axis = n.squaredNorm() > 0.f ? n : meanNormal;
-  normalizeFast(axis);
+  const point3<float> axis = (n.squaredNorm() > 0.f ? n : meanNormal).getNormalized();
   if (axis.squaredNorm() == 0.f) return;
 
   std::vector<uint8_t> moved(vn(), 0);
