@@ -177,8 +177,12 @@ void quadStep(editMesh& m, bool selectedOnly, bool smooth, bool keepWire, SYSTEM
 
   selectionMemo memo(m);
   const uint32_t nv = m.vn(), nf = m.fn();
-  size_t corners = 0;
-  for (uint32_t f = 0; f < nf; ++f) corners += in[f] ? 4 * m.fVNum(f) : 2 * m.fVNum(f);
+  size_t corners = 0, pieces = 0;
+  for (uint32_t f = 0; f < nf; ++f) {
+    corners += in[f] ? 4 * m.fVNum(f) : 2 * m.fVNum(f);
+    pieces += in[f] ? m.fVNum(f) - 1 : 0;
+  }
+  m.allocateFaceArray(unsigned(nf + pieces));
   appendStepVertices(m, s);
   auto edgePointOfSide = [&](uint32_t k) -> uint32_t {
     const uint32_t e = sides[k];
@@ -273,8 +277,12 @@ void editMesh::midpointTriangulate(bool selectedOnly, bool centreVertex, SYSTEM:
 
   selectionMemo memo(*this);
   const uint32_t nv = vn(), nf = fn();
-  size_t corners = 0;
-  for (uint32_t f = 0; f < nf; ++f) corners += in[f] ? 6 * fVNum(f) + 3 : 2 * fVNum(f);
+  size_t corners = 0, pieces = 0;
+  for (uint32_t f = 0; f < nf; ++f) {
+    corners += in[f] ? 6 * fVNum(f) + 3 : 2 * fVNum(f);
+    pieces += in[f] ? 2 * fVNum(f) : 0;
+  }
+  allocateFaceArray(unsigned(nf + pieces));
   appendStepVertices(*this, s);
   auto pointOfSide = [&](uint32_t k) -> uint32_t {
     const uint32_t e = sides[k];

@@ -20,20 +20,12 @@ void faceStoreRebuild::copyUpTo(uint32_t f) {
   if (copied == f) ++copied;  // f itself is written by its pieces
 }
 
-void faceStoreRebuild::piece(const uint32_t* ids, uint32_t n) {
-  uint32_t g = current;
-  if (!firstPiece) {
-    editMesh::face r;
-    r.normal = m.F(current).normal;
-    r.chunkId = m.F(current).chunkId;
-    m.faceStore().push_back(r);
-    g = m.fn() - 1;
-  }
-  firstPiece = false;
-  editMesh::face& r = m.F(g);
-  r.fvBase = uint32_t(fv.size());
-  r.fvNum = n;
-  for (uint32_t i = 0; i < n; ++i) fv.push_back(cornerRecord(g, ids[i]));
+uint32_t faceStoreRebuild::newFace() {
+  editMesh::face r;
+  r.normal = m.F(current).normal;
+  r.chunkId = m.F(current).chunkId;
+  m.faceStore().push_back(r);
+  return m.fn() - 1;
 }
 
 void faceStoreRebuild::finish() {

@@ -27,7 +27,15 @@ class faceStoreRebuild {
     firstPiece = true;
   }
   // One piece of the current face: n corners.
-  void piece(const uint32_t* ids, uint32_t n);
+  void piece(const uint32_t* ids, uint32_t n) {
+    uint32_t g = current;
+    if (!firstPiece) g = newFace();
+    firstPiece = false;
+    editMesh::face& r = m.F(g);
+    r.fvBase = uint32_t(fv.size());
+    r.fvNum = n;
+    for (uint32_t i = 0; i < n; ++i) fv.push_back(cornerRecord(g, ids[i]));
+  }
   void piece(uint32_t a, uint32_t b, uint32_t c) {
     const uint32_t ids[3] = {a, b, c};
     piece(ids, 3);
@@ -41,6 +49,7 @@ class faceStoreRebuild {
 
  private:
   void copyUpTo(uint32_t f);
+  uint32_t newFace();
 
   editMesh& m;
   std::vector<editMesh::faceWEdgeRecord> fv;
