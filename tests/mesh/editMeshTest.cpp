@@ -21,20 +21,6 @@ std::vector<std::pair<unsigned, unsigned>> edgeList(const editMesh& m) {
   return out;
 }
 
-// Six times the signed volume, from the fan triangles of the live faces.
-double signedVolume6(const editMesh& m) {
-  double v = 0;
-  for (unsigned f = 0; f < m.fn(); ++f) {
-    if (m.isFaceDeleted(f)) continue;
-    for (unsigned t = 0; t < m.getTriangleNumFace(f); ++t) {
-      unsigned a, b, c;
-      m.getTriangle(f, t, a, b, c);
-      v += double(m.vPos(a) * p3::cross(m.vPos(b), m.vPos(c)));
-    }
-  }
-  return v;
-}
-
 }  // namespace
 
 TEST(editMeshRecords, packingAndLimits) {
@@ -216,12 +202,12 @@ TEST(editMeshEdges, closedMeshesHaveTwoFacesOnEveryEdge) {
     for (unsigned e = 0; e < m.en(); ++e) EXPECT_EQ(m.eFNum(e), 2u);
     // Euler characteristic of a sphere
     EXPECT_EQ(int(m.vn()) - int(m.en()) + int(m.fn()), 2);
-    EXPECT_GT(signedVolume6(m), 0.0);  // wound outward
+    EXPECT_GT(signedVolume(m), 0.0);  // wound outward
   }
   editMesh cube;
   makeCube(cube);
   finishMesh(cube);
-  EXPECT_NEAR(signedVolume6(cube), 6.0, 1e-6);
+  EXPECT_NEAR(signedVolume(cube), 1.0, 1e-6);
   for (unsigned v = 0; v < 8; ++v) EXPECT_EQ(cube.vENum(v), 3u);
 }
 

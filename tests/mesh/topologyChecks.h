@@ -13,24 +13,6 @@ namespace topologyChecks {
 using JEV::MESH::editMesh;
 using p3 = JEV::MATH::point3<float>;
 
-// Volume enclosed by the live faces (fans from corner 0), positive for outward winding.
-inline double signedVolume(const editMesh& m) {
-  double v = 0;
-  for (unsigned f = 0; f < m.fn(); ++f) {
-    if (m.isFaceDeleted(f)) continue;
-    for (unsigned t = 0; t < m.getTriangleNumFace(f); ++t) {
-      unsigned a, b, c;
-      m.getTriangle(f, t, a, b, c);
-      const p3 &p = m.vPos(a), &q = m.vPos(b), &r = m.vPos(c);
-      v += (double(p.x) * (double(q.y) * r.z - double(q.z) * r.y) -
-            double(p.y) * (double(q.x) * r.z - double(q.z) * r.x) +
-            double(p.z) * (double(q.x) * r.y - double(q.y) * r.x)) /
-           6.0;
-    }
-  }
-  return v;
-}
-
 inline double area(const editMesh& m, unsigned f) {
   double a = 0;
   for (unsigned t = 0; t < m.getTriangleNumFace(f); ++t) {
@@ -75,18 +57,6 @@ inline bool consistentlyOriented(const editMesh& m) {
       if (++uses[{m.fV(f, i), m.fV(f, (i + 1) % n)}] > 1) return false;
   }
   return true;
-}
-
-inline unsigned liveVertices(const editMesh& m) {
-  unsigned n = 0;
-  for (unsigned v = 0; v < m.vn(); ++v) n += !m.isVertDeleted(v);
-  return n;
-}
-
-inline unsigned liveEdges(const editMesh& m) {
-  unsigned n = 0;
-  for (unsigned e = 0; e < m.en(); ++e) n += !m.edgeIsDeleted(e);
-  return n;
 }
 
 inline bool near(const p3& a, const p3& b, float tol = 1e-5f) { return (a - b).norm() <= tol; }

@@ -139,10 +139,32 @@ inline unsigned liveFaces(const editMesh& m) {
   for (unsigned f = 0; f < m.fn(); ++f) n += !m.isFaceDeleted(f);
   return n;
 }
+inline unsigned liveEdges(const editMesh& m) {
+  unsigned n = 0;
+  for (unsigned e = 0; e < m.en(); ++e) n += !m.edgeIsDeleted(e);
+  return n;
+}
 inline unsigned borderEdges(const editMesh& m) {
   unsigned n = 0;
   for (unsigned e = 0; e < m.en(); ++e) n += !m.edgeIsDeleted(e) && m.isEdgeBorder(e);
   return n;
+}
+
+// Volume enclosed by the live faces (fans from corner 0), positive when wound outward.
+inline double signedVolume(const editMesh& m) {
+  double v = 0;
+  for (unsigned f = 0; f < m.fn(); ++f) {
+    if (m.isFaceDeleted(f)) continue;
+    for (unsigned t = 0; t < m.getTriangleNumFace(f); ++t) {
+      unsigned a, b, c;
+      m.getTriangle(f, t, a, b, c);
+      const p3 &p = m.vPos(a), &q = m.vPos(b), &r = m.vPos(c);
+      v += p.x * (double(q.y) * r.z - double(q.z) * r.y) -
+           p.y * (double(q.x) * r.z - double(q.z) * r.x) +
+           p.z * (double(q.x) * r.y - double(q.y) * r.x);
+    }
+  }
+  return v / 6.0;
 }
 
 }  // namespace testMeshes
