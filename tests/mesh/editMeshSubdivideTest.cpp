@@ -1,8 +1,11 @@
 #include <gtest/gtest.h>
 
+#include <algorithm>
+
 #include "jev3d/mesh/editMesh.h"
 #include "mesh/topologyChecks.h"
 #include "support/meshes.h"
+#include "support/recordingCallBack.h"
 
 using JEV::MESH::editMesh;
 using namespace testMeshes;
@@ -245,4 +248,22 @@ TEST(editMeshTriangulate, fansFromCornerZero) {
   EXPECT_EQ(liveFaces(m), 12u * 8u * 2u);
   EXPECT_TRUE(closedAndOriented(m));
   EXPECT_NEAR(signedVolume(m), volume, 1e-4);
+}
+
+TEST(editMeshTopologyProgress, longStepsReportFromOneToAHundred) {
+  editMesh m;
+  m.makeTorus(8, 6, 2.f, 0.5f);
+  recordingCallBack cc, refined, midpoint, triangles;
+  m.catmullClarkSubdivideVE(true, &cc);
+  m.refine(true, &refined);
+  m.midpointTriangulate(false, true, &midpoint);
+  m.triangulate(&triangles);
+  EXPECT_MESH_VALID(m);
+  for (const std::vector<float>& values :
+       {cc.values, refined.values, midpoint.values, triangles.values}) {
+    ASSERT_GE(values.size(), 3u);
+    EXPECT_EQ(values.front(), 1.0f);
+    EXPECT_EQ(values.back(), 100.0f);
+    EXPECT_TRUE(std::is_sorted(values.begin(), values.end()));
+  }
 }
