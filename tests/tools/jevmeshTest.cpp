@@ -1,0 +1,218 @@
+// Runs the built jevmesh executable on files the tests write, and checks what it prints,
+// writes and returns.
+
+#include <gtest/gtest.h>
+#include <sys/wait.h>
+
+#include <algorithm>
+#include <cstdlib>
+#include <fstream>
+#include <sstream>
+#include <string>
+
+#include "dataFiles.h"
+#include "jev3d/io/ply/ioPly.h"
+#include "meshes.h"
+#include "tempDir.h"
+
+namespace {
+
+using JEV::IO::PLY::ioPly;
+using JEV::IO::PLY::plyPolygonMesh;
+
+struct runResult {
+  int status = -1;
+  std::string out, err;
+};
+
+std::string slurp(const std::string& path) {
+  std::ifstream in(path, std::ios::binary);
+  std::stringstream s;
+  s << in.rdbuf();
+  return s.str();
+}
+
+class jevmesh : public ::testing::Test {
+ protected:
+  runResult run(const std::string& arguments) {
+    const std::string out = dir.file("stdout.txt"), err = dir.file("stderr.txt");
+    const std::string line =
+        std::string(JEVMESH_PATH) + " " + arguments + " >" + out + " 2>" + err + " </dev/null";
+    runResult r;
+    const int raw = std::system(line.c_str());
+    r.status = WIFEXITED(raw) ? WEXITSTATUS(raw) : -1;
+    r.out = slurp(out);
+    r.err = slurp(err);
+    return r;
+  }
+
+  // The value printed after "label:" in the info report.
+  static std::string field(const std::string& report, const std::string& label) {
+    const auto at = report.find(label + ":");
+    if (at == std::string::npos) return "<missing " + label + ">";
+    auto begin = report.find_first_not_of(' ', at + label.size() + 1);
+    return report.substr(begin, report.find('\n', begin) - begin);
+  }
+
+  std::string writePly(JEV::MESH::editMesh& m, const std::string& name, bool binary = true) {
+    plyPolygonMesh out;
+    for (unsigned v = 0; v < m.vn(); ++v) out.positions.push_back(m.vPos(v));
+    for (unsigned f = 0; f < m.fn(); ++f) {
+      out.cornerCounts.push_back(m.fVNum(f));
+      for (unsigned i = 0; i < m.fVNum(f); ++i) out.corners.push_back(m.fV(f, i));
+    }
+    const std::string path = dir.file(name);
+    EXPECT_TRUE(ioPly::writePlyPolygonsToFile(path, out, binary));
+    return path;
+  }
+
+  tempDir dir;
+};
+
+TEST_F(jevmesh, infoDescribesAGridWithHoles) {
+  JEV::MESH::editMesh m;
+  testMeshes::makeGrid(m, 6, 4, true, {{1, 1}, {4, 2}});
+  m.addVertex(50.f, 50.f, 50.f);  // isolated, and it stretches the box
+  const std::string path = writePly(m, "grid.ply");
+
+  const runResult r = run("info " + path);
+  ASSERT_EQ(r.status, 0) << r.err;
+  EXPECT_EQ(field(r.out, "vertices"), "36");
+  EXPECT_EQ(field(r.out, "faces"), "22 (22 quads)");
+  // 7*4 horizontal + 6*5 vertical edges, none lost to the holes' interior.
+  EXPECT_EQ(field(r.out, "edges"), "58");
+  EXPECT_EQ(field(r.out, "boundary loops"), "3 (sizes 20, 4, 4)");
+  EXPECT_EQ(field(r.out, "boundary edges"), "28");
+  EXPECT_EQ(field(r.out, "non-manifold edges"), "0");
+  EXPECT_EQ(field(r.out, "isolated vertices"), "1");
+  EXPECT_EQ(field(r.out, "components"), "1");
+  EXPECT_EQ(field(r.out, "bounding box"), "(0, 0, 0) - (50, 50, 50)");
+  EXPECT_EQ(field(r.out, "surface area"), "22");
+  EXPECT_EQ(field(r.out, "volume"), "not closed");
+}
+
+TEST_F(jevmesh, infoGivesTheVolumeOfAClosedMesh) {
+  JEV::MESH::editMesh m;
+  testMeshes::makeCube(m);
+  const std::string path = writePly(m, "cube.ply", false);
+  const runResult r = run("info " + path);
+  ASSERT_EQ(r.status, 0) << r.err;
+  EXPECT_EQ(field(r.out, "boundary loops"), "0");
+  EXPECT_EQ(field(r.out, "surface area"), "6");
+  EXPECT_EQ(field(r.out, "volume"), "1");
+}
+
+TEST_F(jevmesh, plyToStlToPlyKeepsTheSurface) {
+  JEV::MESH::editMesh m;
+  testMeshes::makeSphere(m, 8, 12);
+  const std::string ply = writePly(m, "sphere.ply");
+  const std::string stl = dir.file("sphere.stl"), back = dir.file("back.ply");
+  ASSERT_EQ(run("convert " + ply + " " + stl + " --ascii").status, 0);
+  ASSERT_EQ(run("convert " + stl + " " + back).status, 0);
+
+  plyPolygonMesh before, after;
+  ASSERT_TRUE(ioPly::readPlyPolygonsFromFile(ply, before));
+  ASSERT_TRUE(ioPly::readPlyPolygonsFromFile(back, after));
+  // STL welds on exact positions: the same vertices, now all triangles.
+  auto sorted = [](std::vector<JEV::MATH::point3<float>> p) {
+    std::sort(p.begin(), p.end());
+    return p;
+  };
+  EXPECT_EQ(sorted(before.positions), sorted(after.positions));
+  EXPECT_TRUE(std::all_of(after.cornerCounts.begin(), after.cornerCounts.end(),
+                          [](unsigned n) { return n == 3; }));
+  const runResult a = run("info " + ply), b = run("info " + back);
+  EXPECT_EQ(field(a.out, "surface area"), field(b.out, "surface area"));
+  EXPECT_EQ(field(a.out, "volume"), field(b.out, "volume"));
+  EXPECT_EQ(field(b.out, "boundary loops"), "0");
+}
+
+TEST_F(jevmesh, subdivisionAndTriangulationChangeTheFaces) {
+  JEV::MESH::editMesh m;
+  testMeshes::makeCube(m);
+  const std::string cube = writePly(m, "cube.ply");
+  const std::string cc = dir.file("cc.ply"), tri = dir.file("tri.stl"), mid = dir.file("mid.ply");
+  ASSERT_EQ(run("subdivide " + cube + " " + cc + " --scheme catmull-clark -n 2").status, 0);
+  EXPECT_EQ(field(run("info " + cc).out, "faces"), "96 (96 quads)");
+  ASSERT_EQ(run("triangulate " + cube + " " + tri).status, 0);
+  EXPECT_EQ(field(run("info " + tri).out, "faces"), "12 (12 triangles)");
+  ASSERT_EQ(run("subdivide " + tri + " " + mid + " --scheme midpoint -n 1").status, 0);
+  const runResult r = run("info " + mid);
+  EXPECT_EQ(field(r.out, "faces"), "48 (48 triangles)");
+  EXPECT_EQ(field(r.out, "volume"), "1");  // midpoints stay on the surface
+}
+
+TEST_F(jevmesh, mirrorAddsAReflectedCopy) {
+  // Two cells over x in [0, 2]; the plane through the second cell's centre is x = 1.5, so
+  // the copy covers x in [1, 3].
+  JEV::MESH::editMesh m;
+  testMeshes::makeGrid(m, 2, 1);
+  const std::string path = writePly(m, "strip.ply");
+  const std::string out = dir.file("mirrored.ply");
+  ASSERT_EQ(run("mirror " + path + " " + out + " --face 1 --normal 2 0 0").status, 0);
+  const runResult r = run("info " + out);
+  EXPECT_EQ(field(r.out, "faces"), "4 (4 quads)");
+  EXPECT_EQ(field(r.out, "bounding box"), "(0, 0, 0) - (3, 1, 0)");
+  EXPECT_EQ(field(r.out, "surface area"), "4");
+  EXPECT_EQ(run("mirror " + path + " " + out + " --face 7 --normal 1 0 0").status, 1);
+}
+
+TEST_F(jevmesh, badInputAndBadUsageHaveTheirOwnStatus) {
+  JEV::MESH::editMesh m;
+  testMeshes::makeSphere(m, 6, 8);
+  const std::string good = writePly(m, "good.ply");
+  const std::string text = slurp(good);
+  const std::string cut = dir.file("cut.ply");
+  std::ofstream(cut, std::ios::binary) << text.substr(0, text.size() / 2);
+
+  const runResult truncated = run("info " + cut);
+  EXPECT_EQ(truncated.status, 1);
+  EXPECT_NE(truncated.err.find(cut), std::string::npos) << truncated.err;
+  EXPECT_EQ(std::count(truncated.err.begin(), truncated.err.end(), '\n'), 1) << truncated.err;
+
+  EXPECT_EQ(run("info " + dir.file("missing.ply")).status, 1);
+  EXPECT_EQ(run("info " + good + " --frobnicate").status, 2);
+  EXPECT_EQ(run("subdivide " + good + " " + dir.file("o.ply") + " --scheme loop").status, 2);
+  EXPECT_EQ(run("mirror " + good + " " + dir.file("o.ply") + " --face 0 --normal 1 0").status, 2);
+  EXPECT_EQ(run("convert " + good).status, 2);
+  EXPECT_EQ(run("explode " + good).status, 2);
+  EXPECT_EQ(run("info " + dir.file("mesh.obj")).status, 2);
+
+  const runResult help = run("subdivide --help");
+  EXPECT_EQ(help.status, 0);
+  EXPECT_NE(help.out.find("--scheme"), std::string::npos);
+}
+
+TEST_F(jevmesh, progressStaysOffWhenNotOnATerminal) {
+  JEV::MESH::editMesh m;
+  testMeshes::makeGrid(m, 30, 30);
+  const std::string path = writePly(m, "grid.ply");
+  const runResult r = run("convert " + path + " " + dir.file("grid.stl"));
+  EXPECT_EQ(r.status, 0);
+  EXPECT_EQ(r.err, "");
+}
+
+TEST_F(jevmesh, infoOnScans) {
+  JEV3D_REQUIRE_DATA("ply/stanford_bun_zipper.ply");
+  const runResult bunny = run("info " + dataFile("ply/stanford_bun_zipper.ply"));
+  ASSERT_EQ(bunny.status, 0) << bunny.err;
+  EXPECT_EQ(field(bunny.out, "faces"), "69451 (69451 triangles)");
+  EXPECT_EQ(field(bunny.out, "boundary loops").substr(0, 2), "5 ");
+  EXPECT_EQ(field(bunny.out, "isolated vertices"), "1113");
+
+  const runResult horse = run("info " + dataFile("ply/cyberware_horse.ply"));
+  ASSERT_EQ(horse.status, 0) << horse.err;
+  EXPECT_EQ(field(horse.out, "boundary loops"), "0");
+  EXPECT_NE(field(horse.out, "volume"), "not closed");
+
+  const runResult spider = run("info " + dataFile("stl/assimp_Spider_binary.stl"));
+  ASSERT_EQ(spider.status, 0) << spider.err;
+  EXPECT_EQ(field(spider.out, "vertices"), "722");
+  EXPECT_EQ(field(spider.out, "non-manifold edges"), "16");
+
+  const runResult dental = run("info " + dataFile("ply/dental_Upper_1.ply"));
+  EXPECT_EQ(field(dental.out, "components"), "3");
+  EXPECT_EQ(field(dental.out, "boundary loops").substr(0, 2), "3 ");
+}
+
+}  // namespace

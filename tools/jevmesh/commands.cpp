@@ -1,0 +1,188 @@
+#include "commands.h"
+
+#include <cstdio>
+#include <iostream>
+
+#include "jev3d/mesh/editMesh.h"
+#include "meshFiles.h"
+#include "meshReport.h"
+#include "progressBar.h"
+
+namespace JEVMESH {
+
+using JEV::MESH::editMesh;
+
+namespace {
+
+int usageError(const char* name, const std::string& message) {
+  std::fprintf(stderr, "jevmesh %s: %s (see 'jevmesh %s --help')\n", name, message.c_str(), name);
+  return EXIT_BAD_USAGE;
+}
+
+int fileError(const std::string& path, const std::string& message) {
+  std::fprintf(stderr, "jevmesh: %s: %s\n", path.c_str(), message.c_str());
+  return EXIT_BAD_INPUT;
+}
+
+bool quiet(const commandLine& line) { return line.has("--quiet"); }
+
+// Exactly `n` positional arguments, each file path given a known extension.
+bool checkFiles(const char* name, const commandLine& line, size_t n, int& status) {
+  if (line.positional().size() != n) {
+    status = usageError(name, "expected " + std::to_string(n) +
+                                  (n == 1 ? " file, got " : " files, got ") +
+                                  std::to_string(line.positional().size()));
+    return false;
+  }
+  for (const std::string& path : line.positional())
+    if (kindOfPath(path) == fileKind::UNKNOWN) {
+      status = usageError(name, "'" + path + "' is neither .ply nor .stl");
+      return false;
+    }
+  return true;
+}
+
+int load(const commandLine& line, const std::string& path, editMesh& mesh) {
+  progressBar bar("reading", quiet(line));
+  std::string error;
+  if (!loadMesh(path, mesh, error, bar.reporter())) return fileError(path, error);
+  return EXIT_OK;
+}
+
+int save(const commandLine& line, const std::string& path, const editMesh& mesh) {
+  if (line.has("--ascii") && line.has("--binary"))
+    return usageError("convert", "--ascii and --binary exclude each other");
+  progressBar bar("writing", quiet(line));
+  std::string error;
+  if (!saveMesh(path, mesh, line.has("--ascii"), error, bar.reporter()))
+    return fileError(path, error);
+  return EXIT_OK;
+}
+
+// Loads IN, applies `edit` and saves OUT; the edit returns an exit status.
+template <class Edit>
+int transform(const char* name, const commandLine& line, Edit edit) {
+  int status = EXIT_OK;
+  if (!checkFiles(name, line, 2, status)) return status;
+  editMesh mesh;
+  if ((status = load(line, line.positional()[0], mesh)) != EXIT_OK) return status;
+  if ((status = edit(mesh)) != EXIT_OK) return status;
+  return save(line, line.positional()[1], mesh);
+}
+
+int runInfo(const commandLine& line) {
+  int status = EXIT_OK;
+  if (!checkFiles("info", line, 1, status)) return status;
+  editMesh mesh;
+  if ((status = load(line, line.positional()[0], mesh)) != EXIT_OK) return status;
+  std::cout << "file:               " << line.positional()[0] << "\n";
+  meshReport::of(mesh).print(std::cout);
+  return EXIT_OK;
+}
+
+int runConvert(const commandLine& line) {
+  return transform("convert", line, [](editMesh&) { return int(EXIT_OK); });
+}
+
+int runTriangulate(const commandLine& line) {
+  return transform("triangulate", line, [](editMesh& mesh) {
+    mesh.triangulate();
+    mesh.computeNormalizedFaceNormals();
+    mesh.computeNormalizedVertexNormals();
+    return int(EXIT_OK);
+  });
+}
+
+int runSubdivide(const commandLine& line) {
+  const std::string scheme =
+      line.has("--scheme") ? line.values("--scheme")[0] : std::string("catmull-clark");
+  if (scheme != "catmull-clark" && scheme != "refine" && scheme != "midpoint")
+    return usageError("subdivide", "unknown scheme '" + scheme + "'");
+  long steps = 1;
+  if (line.has("-n") &&
+      (!commandLine::toInt(line.values("-n")[0], steps) || steps < 0 || steps > 10))
+    return usageError("subdivide", "-n takes a whole number from 0 to 10");
+  return transform("subdivide", line, [&](editMesh& mesh) {
+    progressBar bar("subdividing", quiet(line));
+    JEV::SYSTEM::callBack* cb = bar.reporter();
+    if (cb) cb->setValue(1.f);
+    for (long i = 0; i < steps; ++i) {
+      if (scheme == "catmull-clark")
+        mesh.catmullClarkSubdivideVE(true);
+      else if (scheme == "refine")
+        mesh.refine(true);
+      else
+        mesh.midpointTriangulate(false, false);
+      if (cb) cb->setValue(100.f * float(i + 1) / float(steps));
+    }
+    return int(EXIT_OK);
+  });
+}
+
+int runMirror(const commandLine& line) {
+  if (!line.has("--face") || !line.has("--normal"))
+    return usageError("mirror", "--face and --normal are required");
+  long face = 0;
+  if (!commandLine::toInt(line.values("--face")[0], face) || face < 0)
+    return usageError("mirror", "--face takes a face id");
+  JEV::MATH::point3<float> normal;
+  for (int i = 0; i < 3; ++i)
+    if (!commandLine::toFloat(line.values("--normal")[size_t(i)], normal[i]))
+      return usageError("mirror", "--normal takes three numbers");
+  if (normal.squaredNorm() == 0.f) return usageError("mirror", "--normal must not be zero");
+  return transform("mirror", line, [&](editMesh& mesh) {
+    if (!mesh.isFaceValid(unsigned(face)))
+      return fileError(line.positional()[0], "has no face " + std::to_string(face));
+    mesh.mirrorMesh(unsigned(face), normal);
+    return int(EXIT_OK);
+  });
+}
+
+const std::vector<optionSpec> writeOptions = {{"--ascii", 0}, {"--binary", 0}};
+
+std::vector<optionSpec> withWriteOptions(std::vector<optionSpec> specs) {
+  specs.insert(specs.end(), writeOptions.begin(), writeOptions.end());
+  return specs;
+}
+
+const char* const writeHelp =
+    "  --ascii | --binary  form of the written file (binary by default)\n"
+    "  --quiet             no progress bar\n";
+
+}  // namespace
+
+const std::vector<command>& allCommands() {
+  static const std::vector<command> commands = {
+      {"info",
+       "FILE",
+       "Describe a mesh: counts, border, pieces, size.",
+       "Prints vertices, faces by corner count, edges, boundary edges and loops with\n"
+       "their sizes, non-manifold edges, isolated vertices, connected components, the\n"
+       "bounding box, the surface area, and the volume of a closed mesh.\n"
+       "  --quiet             no progress bar\n",
+       {},
+       runInfo},
+      {"convert", "IN OUT [--ascii|--binary]", "Convert between PLY and STL by extension.",
+       "Keeps vertex normals and colours where the target holds them (PLY); STL takes\n"
+       "the faces as triangles with their face normals.\n",
+       writeOptions, runConvert},
+      {"triangulate", "IN OUT [--ascii|--binary]", "Split every face into triangles.",
+       "Each face of n corners becomes a fan of n - 2 triangles from its first corner.\n",
+       writeOptions, runTriangulate},
+      {"subdivide", "IN OUT --scheme catmull-clark|refine|midpoint -n N",
+       "Subdivide every face N times (default: catmull-clark, once).",
+       "  --scheme catmull-clark  smooth quads (Catmull-Clark)\n"
+       "  --scheme refine         quads through edge midpoints, shape kept\n"
+       "  --scheme midpoint       triangles through edge midpoints\n"
+       "  -n N                    number of steps, 0 to 10\n",
+       withWriteOptions({{"--scheme", 1}, {"-n", 1}}), runSubdivide},
+      {"mirror", "IN OUT --face F --normal X Y Z",
+       "Add a mirrored copy across the plane through face F's centre.",
+       "  --face F            the face whose barycentre the plane passes through\n"
+       "  --normal X Y Z      the plane's normal (need not be unit length)\n",
+       withWriteOptions({{"--face", 1}, {"--normal", 3}}), runMirror},
+  };
+  return commands;
+}
+
+}  // namespace JEVMESH

@@ -1,0 +1,27 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "commandLine.h"
+
+namespace JEVMESH {
+
+// Exit statuses of the tool.
+enum exitStatus { EXIT_OK = 0, EXIT_BAD_INPUT = 1, EXIT_BAD_USAGE = 2 };
+
+// One subcommand: its words, the options it takes besides the common ones, its help text
+// and the function that runs it on a parsed command line.
+struct command {
+  const char* name;
+  const char* usage;  // the arguments after the name
+  const char* summary;
+  const char* details;
+  std::vector<optionSpec> options;
+  int (*run)(const commandLine& line);
+};
+
+// Every subcommand, in the order the help lists them.
+const std::vector<command>& allCommands();
+
+}  // namespace JEVMESH

@@ -1,0 +1,173 @@
+#include "meshReport.h"
+
+#include <algorithm>
+#include <iomanip>
+#include <limits>
+#include <numeric>
+
+namespace JEVMESH {
+
+using JEV::MESH::editMesh;
+using p3d = JEV::MATH::point3<double>;
+
+namespace {
+
+p3d toDouble(const JEV::MATH::point3<float>& p) { return p3d(p.x, p.y, p.z); }
+
+// Plain union-find with path halving, over vertex ids.
+struct disjointSets {
+  explicit disjointSets(unsigned n) : parent(n) { std::iota(parent.begin(), parent.end(), 0u); }
+  unsigned find(unsigned a) {
+    while (parent[a] != a) a = parent[a] = parent[parent[a]];
+    return a;
+  }
+  void join(unsigned a, unsigned b) { parent[find(a)] = find(b); }
+  std::vector<unsigned> parent;
+};
+
+// Boundary edges as the half-edges their one face walks (a to b), chained head to tail
+// into loops. Where a vertex starts several of them (a pinched border) any unused one
+// continues the loop, so every boundary edge lands in exactly one loop.
+std::vector<unsigned> traceBoundaryLoops(const editMesh& m) {
+  struct halfEdge {
+    unsigned from, to;
+  };
+  std::vector<halfEdge> border;
+  for (unsigned e = 0; e < m.en(); ++e) {
+    if (m.edgeIsDeleted(e) || m.eFNum(e) != 1) continue;
+    const unsigned f = m.eF(e, 0);
+    const unsigned n = m.fVNum(f);
+    // The record names the corner at the walk's second end.
+    const unsigned to = m.fV(f, m.E2F(e, 0).corner % n);
+    const unsigned from = to == m.eV(e, 0) ? m.eV(e, 1) : m.eV(e, 0);
+    border.push_back({from, to});
+  }
+  std::vector<unsigned> order(border.size());
+  std::iota(order.begin(), order.end(), 0u);
+  std::sort(order.begin(), order.end(),
+            [&](unsigned a, unsigned b) { return border[a].from < border[b].from; });
+  auto firstFrom = [&](unsigned v) {
+    return std::lower_bound(order.begin(), order.end(), v,
+                            [&](unsigned h, unsigned key) { return border[h].from < key; });
+  };
+  std::vector<bool> used(border.size(), false);
+  std::vector<unsigned> loops;
+  for (unsigned start : order) {
+    if (used[start]) continue;
+    unsigned length = 0;
+    for (unsigned h = start; h != std::numeric_limits<unsigned>::max();) {
+      used[h] = true;
+      ++length;
+      unsigned next = std::numeric_limits<unsigned>::max();
+      for (auto it = firstFrom(border[h].to); it != order.end() && border[*it].from == border[h].to;
+           ++it)
+        if (!used[*it]) {
+          next = *it;
+          break;
+        }
+      h = next;
+    }
+    loops.push_back(length);
+  }
+  std::sort(loops.rbegin(), loops.rend());
+  return loops;
+}
+
+}  // namespace
+
+meshReport meshReport::of(const editMesh& m) {
+  meshReport r;
+  const double inf = std::numeric_limits<double>::infinity();
+  r.bboxMin = p3d(inf, inf, inf);
+  r.bboxMax = p3d(-inf, -inf, -inf);
+
+  std::vector<bool> used(m.vn(), false);
+  disjointSets pieces(m.vn());
+  for (unsigned f = 0; f < m.fn(); ++f) {
+    if (m.isFaceDeleted(f)) continue;
+    const unsigned n = m.fVNum(f);
+    ++r.faces;
+    ++r.facesByCorners[n];
+    for (unsigned i = 0; i < n; ++i) {
+      used[m.fV(f, i)] = true;
+      if (i > 0) pieces.join(m.fV(f, 0), m.fV(f, i));
+    }
+    // Fan triangles from corner 0: area, and volume by the divergence theorem.
+    const p3d a = toDouble(m.F2VPOS(f, 0));
+    for (unsigned t = 1; t + 1 < n; ++t) {
+      const p3d b = toDouble(m.F2VPOS(f, t)), c = toDouble(m.F2VPOS(f, t + 1));
+      r.area += 0.5 * p3d::cross(b - a, c - a).norm();
+      r.volume += a * p3d::cross(b, c) / 6.0;
+    }
+  }
+
+  std::vector<bool> isRoot(m.vn(), false);
+  for (unsigned v = 0; v < m.vn(); ++v) {
+    if (m.isVertDeleted(v)) continue;
+    ++r.vertices;
+    const p3d p = toDouble(m.vPos(v));
+    r.bboxMin =
+        p3d(std::min(r.bboxMin.x, p.x), std::min(r.bboxMin.y, p.y), std::min(r.bboxMin.z, p.z));
+    r.bboxMax =
+        p3d(std::max(r.bboxMax.x, p.x), std::max(r.bboxMax.y, p.y), std::max(r.bboxMax.z, p.z));
+    if (!used[v]) {
+      ++r.isolatedVertices;
+    } else if (!isRoot[pieces.find(v)]) {
+      isRoot[pieces.find(v)] = true;
+      ++r.components;
+    }
+  }
+
+  for (unsigned e = 0; e < m.en(); ++e) {
+    if (m.edgeIsDeleted(e)) continue;
+    ++r.edges;
+    const unsigned faces = m.eFNum(e);
+    r.wireEdges += faces == 0;
+    r.boundaryEdges += faces == 1;
+    r.nonManifoldEdges += faces > 2;
+  }
+  r.boundaryLoops = traceBoundaryLoops(m);
+  r.closed = r.faces > 0 && r.boundaryEdges == 0 && r.nonManifoldEdges == 0;
+  return r;
+}
+
+void meshReport::print(std::ostream& out) const {
+  out << "vertices:           " << vertices << "\n";
+  out << "faces:              " << faces;
+  for (const auto& [corners, count] : facesByCorners) {
+    const char* name = corners == 3 ? "triangles" : corners == 4 ? "quads" : nullptr;
+    out << (corners == facesByCorners.begin()->first ? " (" : ", ") << count << " ";
+    if (name)
+      out << name;
+    else
+      out << corners << "-gons";
+  }
+  out << (facesByCorners.empty() ? "" : ")") << "\n";
+  out << "edges:              " << edges << "\n";
+  out << "boundary edges:     " << boundaryEdges << "\n";
+  out << "boundary loops:     " << boundaryLoops.size();
+  for (size_t i = 0; i < boundaryLoops.size(); ++i)
+    out << (i == 0 ? " (sizes " : ", ") << boundaryLoops[i];
+  out << (boundaryLoops.empty() ? "" : ")") << "\n";
+  out << "non-manifold edges: " << nonManifoldEdges << "\n";
+  out << "wire edges:         " << wireEdges << "\n";
+  out << "isolated vertices:  " << isolatedVertices << "\n";
+  out << "components:         " << components << "\n";
+  const auto oldFlags = out.flags();
+  const auto oldPrecision = out.precision(6);
+  if (vertices > 0) {
+    out << "bounding box:       (" << bboxMin.x << ", " << bboxMin.y << ", " << bboxMin.z << ") - ("
+        << bboxMax.x << ", " << bboxMax.y << ", " << bboxMax.z << ")\n";
+  } else {
+    out << "bounding box:       empty\n";
+  }
+  out << "surface area:       " << area << "\n";
+  if (closed)
+    out << "volume:             " << volume << "\n";
+  else
+    out << "volume:             not closed\n";
+  out.precision(oldPrecision);
+  out.flags(oldFlags);
+}
+
+}  // namespace JEVMESH
