@@ -10,10 +10,10 @@
 #include <sstream>
 #include <string>
 
-#include "dataFiles.h"
 #include "jev3d/io/ply/ioPly.h"
-#include "meshes.h"
-#include "tempDir.h"
+#include "support/dataFiles.h"
+#include "support/meshes.h"
+#include "support/tempDir.h"
 
 namespace {
 

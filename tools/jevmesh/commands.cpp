@@ -85,9 +85,9 @@ int runConvert(const commandLine& line) {
 }
 
 int runTriangulate(const commandLine& line) {
-  return transform("triangulate", line, [](editMesh& mesh) {
-    mesh.triangulate();
-    mesh.computeNormalizedFaceNormals();
+  return transform("triangulate", line, [&](editMesh& mesh) {
+    progressBar bar("triangulating", quiet(line));
+    mesh.triangulate(bar.reporter());
     mesh.computeNormalizedVertexNormals();
     return int(EXIT_OK);
   });
@@ -103,17 +103,14 @@ int runSubdivide(const commandLine& line) {
       (!commandLine::toInt(line.values("-n")[0], steps) || steps < 0 || steps > 10))
     return usageError("subdivide", "-n takes a whole number from 0 to 10");
   return transform("subdivide", line, [&](editMesh& mesh) {
-    progressBar bar("subdividing", quiet(line));
-    JEV::SYSTEM::callBack* cb = bar.reporter();
-    if (cb) cb->setValue(1.f);
     for (long i = 0; i < steps; ++i) {
+      progressBar bar("step " + std::to_string(i + 1) + "/" + std::to_string(steps), quiet(line));
       if (scheme == "catmull-clark")
-        mesh.catmullClarkSubdivideVE(true);
+        mesh.catmullClarkSubdivideVE(true, bar.reporter());
       else if (scheme == "refine")
-        mesh.refine(true);
+        mesh.refine(true, bar.reporter());
       else
-        mesh.midpointTriangulate(false, false);
-      if (cb) cb->setValue(100.f * float(i + 1) / float(steps));
+        mesh.midpointTriangulate(false, true, bar.reporter());
     }
     return int(EXIT_OK);
   });
@@ -138,16 +135,47 @@ int runMirror(const commandLine& line) {
   });
 }
 
+// The shapes `make` knows, each built from the segment count it is given.
+const std::vector<std::pair<std::string, void (*)(editMesh&, unsigned)>>& shapes() {
+  static const std::vector<std::pair<std::string, void (*)(editMesh&, unsigned)>> table = {
+      {"cube", [](editMesh& m, unsigned) { m.makeCube(); }},
+      {"tetrahedron", [](editMesh& m, unsigned) { m.makeTetrahedron(); }},
+      {"octahedron", [](editMesh& m, unsigned) { m.makeOctahedron(); }},
+      {"dodecahedron", [](editMesh& m, unsigned) { m.makeDodecahedron(); }},
+      {"sphere", [](editMesh& m, unsigned n) { m.makeSphere(n / 2, n); }},
+      {"torus", [](editMesh& m, unsigned n) { m.makeTorus(n, n / 2, 1.f, 0.35f); }},
+      {"cylinder", [](editMesh& m, unsigned n) { m.makeCylinder(n, 1); }},
+      {"cone", [](editMesh& m, unsigned n) { m.makeCone(n, 1.f, 2.f); }},
+  };
+  return table;
+}
+
+int runMake(const commandLine& line) {
+  if (line.positional().size() != 2)
+    return usageError("make", "expected a shape and an output file");
+  const std::string& shape = line.positional()[0];
+  const std::string& path = line.positional()[1];
+  if (kindOfPath(path) == fileKind::UNKNOWN)
+    return usageError("make", "'" + path + "' is neither .ply nor .stl");
+  long segments = 16;
+  if (line.has("--segments") && (!commandLine::toInt(line.values("--segments")[0], segments) ||
+                                 segments < 4 || segments > 4096))
+    return usageError("make", "--segments takes a whole number from 4 to 4096");
+  for (const auto& [name, build] : shapes()) {
+    if (name != shape) continue;
+    editMesh mesh;
+    build(mesh, unsigned(segments));
+    return save(line, path, mesh);
+  }
+  return usageError("make", "unknown shape '" + shape + "'");
+}
+
 const std::vector<optionSpec> writeOptions = {{"--ascii", 0}, {"--binary", 0}};
 
 std::vector<optionSpec> withWriteOptions(std::vector<optionSpec> specs) {
   specs.insert(specs.end(), writeOptions.begin(), writeOptions.end());
   return specs;
 }
-
-const char* const writeHelp =
-    "  --ascii | --binary  form of the written file (binary by default)\n"
-    "  --quiet             no progress bar\n";
 
 }  // namespace
 
@@ -158,8 +186,7 @@ const std::vector<command>& allCommands() {
        "Describe a mesh: counts, border, pieces, size.",
        "Prints vertices, faces by corner count, edges, boundary edges and loops with\n"
        "their sizes, non-manifold edges, isolated vertices, connected components, the\n"
-       "bounding box, the surface area, and the volume of a closed mesh.\n"
-       "  --quiet             no progress bar\n",
+       "bounding box, the surface area, and the volume of a closed mesh.\n",
        {},
        runInfo},
       {"convert", "IN OUT [--ascii|--binary]", "Convert between PLY and STL by extension.",
@@ -181,6 +208,11 @@ const std::vector<command>& allCommands() {
        "  --face F            the face whose barycentre the plane passes through\n"
        "  --normal X Y Z      the plane's normal (need not be unit length)\n",
        withWriteOptions({{"--face", 1}, {"--normal", 3}}), runMirror},
+      {"make", "SHAPE OUT [--segments N]", "Write a generated mesh.",
+       "  SHAPE               cube, tetrahedron, octahedron, dodecahedron, sphere, torus,\n"
+       "                      cylinder or cone\n"
+       "  --segments N        segments around the round shapes, 4 to 4096 (default 16)\n",
+       withWriteOptions({{"--segments", 1}}), runMake},
   };
   return commands;
 }

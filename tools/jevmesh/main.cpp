@@ -21,6 +21,10 @@ void printOverview(FILE* out) {
 
 void printCommandHelp(const command& c) {
   std::printf("usage: jevmesh %s %s\n\n%s\n%s", c.name, c.usage, c.summary, c.details);
+  for (const optionSpec& o : c.options)
+    if (o.name == "--ascii")
+      std::printf("  --ascii | --binary  form of the written file (binary by default)\n");
+  std::printf("  --quiet             no progress bar\n");
 }
 
 }  // namespace
