@@ -25,50 +25,16 @@ struct disjointSets {
   std::vector<unsigned> parent;
 };
 
-// Boundary edges as the half-edges their one face walks (a to b), chained head to tail
-// into loops. Where a vertex starts several of them (a pinched border) any unused one
-// continues the loop, so every boundary edge lands in exactly one loop.
-std::vector<unsigned> traceBoundaryLoops(const editMesh& m) {
-  struct halfEdge {
-    unsigned from, to;
-  };
-  std::vector<halfEdge> border;
-  for (unsigned e = 0; e < m.en(); ++e) {
-    if (m.edgeIsDeleted(e) || m.eFNum(e) != 1) continue;
-    const unsigned f = m.eF(e, 0);
-    const unsigned n = m.fVNum(f);
-    // The record names the corner at the walk's second end.
-    const unsigned to = m.fV(f, m.E2F(e, 0).corner % n);
-    const unsigned from = to == m.eV(e, 0) ? m.eV(e, 1) : m.eV(e, 0);
-    border.push_back({from, to});
-  }
-  std::vector<unsigned> order(border.size());
-  std::iota(order.begin(), order.end(), 0u);
-  std::sort(order.begin(), order.end(),
-            [&](unsigned a, unsigned b) { return border[a].from < border[b].from; });
-  auto firstFrom = [&](unsigned v) {
-    return std::lower_bound(order.begin(), order.end(), v,
-                            [&](unsigned h, unsigned key) { return border[h].from < key; });
-  };
-  std::vector<bool> used(border.size(), false);
+// Boundary edges grouped into loops through shared ends. Grouping by connection rather
+// than walking half-edges keeps the count right on scans whose faces are not consistently
+// oriented; a border pinched at one vertex counts as one loop.
+std::vector<unsigned> groupBoundaryLoops(const editMesh& m, const std::vector<unsigned>& border) {
+  disjointSets sets(m.vn());
+  for (unsigned e : border) sets.join(m.eV(e, 0), m.eV(e, 1));
+  std::map<unsigned, unsigned> sizeByRoot;
+  for (unsigned e : border) ++sizeByRoot[sets.find(m.eV(e, 0))];
   std::vector<unsigned> loops;
-  for (unsigned start : order) {
-    if (used[start]) continue;
-    unsigned length = 0;
-    for (unsigned h = start; h != std::numeric_limits<unsigned>::max();) {
-      used[h] = true;
-      ++length;
-      unsigned next = std::numeric_limits<unsigned>::max();
-      for (auto it = firstFrom(border[h].to); it != order.end() && border[*it].from == border[h].to;
-           ++it)
-        if (!used[*it]) {
-          next = *it;
-          break;
-        }
-      h = next;
-    }
-    loops.push_back(length);
-  }
+  for (const auto& [root, size] : sizeByRoot) loops.push_back(size);
   std::sort(loops.rbegin(), loops.rend());
   return loops;
 }
@@ -88,6 +54,10 @@ meshReport meshReport::of(const editMesh& m) {
     const unsigned n = m.fVNum(f);
     ++r.faces;
     ++r.facesByCorners[n];
+    bool repeated = false;
+    for (unsigned i = 0; i < n && !repeated; ++i)
+      for (unsigned j = i + 1; j < n; ++j) repeated |= m.fV(f, i) == m.fV(f, j);
+    r.degenerateFaces += repeated;
     for (unsigned i = 0; i < n; ++i) {
       used[m.fV(f, i)] = true;
       if (i > 0) pieces.join(m.fV(f, 0), m.fV(f, i));
@@ -118,15 +88,18 @@ meshReport meshReport::of(const editMesh& m) {
     }
   }
 
+  // Edges from a corner to itself (inside degenerate faces) are no part of the surface.
+  std::vector<unsigned> border;
   for (unsigned e = 0; e < m.en(); ++e) {
-    if (m.edgeIsDeleted(e)) continue;
+    if (m.edgeIsDeleted(e) || m.eV(e, 0) == m.eV(e, 1)) continue;
     ++r.edges;
     const unsigned faces = m.eFNum(e);
     r.wireEdges += faces == 0;
-    r.boundaryEdges += faces == 1;
     r.nonManifoldEdges += faces > 2;
+    if (faces == 1) border.push_back(e);
   }
-  r.boundaryLoops = traceBoundaryLoops(m);
+  r.boundaryEdges = unsigned(border.size());
+  r.boundaryLoops = groupBoundaryLoops(m, border);
   r.closed = r.faces > 0 && r.boundaryEdges == 0 && r.nonManifoldEdges == 0;
   return r;
 }
@@ -151,6 +124,7 @@ void meshReport::print(std::ostream& out) const {
   out << (boundaryLoops.empty() ? "" : ")") << "\n";
   out << "non-manifold edges: " << nonManifoldEdges << "\n";
   out << "wire edges:         " << wireEdges << "\n";
+  out << "degenerate faces:   " << degenerateFaces << "\n";
   out << "isolated vertices:  " << isolatedVertices << "\n";
   out << "components:         " << components << "\n";
   const auto oldFlags = out.flags();

@@ -15,11 +15,12 @@ struct meshReport {
   unsigned vertices = 0;
   std::map<unsigned, unsigned> facesByCorners;  // corner count -> faces
   unsigned faces = 0;
+  unsigned degenerateFaces = 0;  // a corner repeated
   unsigned edges = 0;
   unsigned boundaryEdges = 0;           // on exactly one face
   unsigned nonManifoldEdges = 0;        // on three faces or more
   unsigned wireEdges = 0;               // on no face
-  std::vector<unsigned> boundaryLoops;  // edge count of each loop, longest first
+  std::vector<unsigned> boundaryLoops;  // edge count of each loop, largest first
   unsigned isolatedVertices = 0;        // used by no face
   unsigned components = 0;              // pieces of faces joined through shared vertices
   JEV::MATH::point3<double> bboxMin, bboxMax;

@@ -162,7 +162,9 @@ bool readMesh(const std::string& path, const meshArrays<P3, C, P2>& out, SYSTEM:
                           hasScalar(firstVertex, "green") && hasScalar(firstVertex, "blue");
   const bool hasTexture =
       out.texture && hasScalar(firstVertex, "texture_u") && hasScalar(firstVertex, "texture_v");
-  if (firstVertex) {
+  // The polygon read serves tools that print their own diagnostics: it keeps quiet about
+  // optional properties a file lacks.
+  if (firstVertex && !out.cornerCounts) {
     const int first = out.lean ? V_INTENSITY : V_NX;
     const int last = out.lean ? V_STD_DEV : V_CONFIDENCE;
     for (int p = first; p <= last; ++p)

@@ -95,7 +95,7 @@ class ioPly {
 
   // Reads polygons of any number of corners (3 or more), with positions, normals and
   // colours as the full read gives them. False on a bad file, a face of fewer than three
-  // corners or an index out of range.
+  // corners or an index out of range. Missing optional properties are not reported.
   static bool readPlyPolygonsFromFile(const std::wstring& name, plyPolygonMesh& mesh,
                                       SYSTEM::callBack* cb = nullptr);
   // Writes a polygon mesh (an "int" corner count per face), ASCII or big-endian binary.
