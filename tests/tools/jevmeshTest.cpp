@@ -203,6 +203,23 @@ TEST_F(jevmesh, progressStaysOffWhenNotOnATerminal) {
   EXPECT_EQ(r.err, "");
 }
 
+TEST_F(jevmesh, progressShowsOnATerminal) {
+  if (std::system("command -v script >/dev/null 2>&1") != 0) GTEST_SKIP() << "no script(1)";
+  JEV::MESH::editMesh m;
+  testMeshes::makeGrid(m, 30, 30);
+  const std::string path = writePly(m, "grid.ply");
+  const std::string command =
+      std::string(JEVMESH_PATH) + " subdivide " + path + " " + dir.file("fine.ply");
+  // script(1) gives the tool a pseudo-terminal for its standard streams.
+  const std::string out = dir.file("tty.txt");
+  ASSERT_EQ(std::system(("script -qec '" + command + "' /dev/null >" + out).c_str()), 0);
+  const std::string text = slurp(out);
+  EXPECT_NE(text.find("step 1/1 ["), std::string::npos) << text;
+  EXPECT_NE(text.find("100%"), std::string::npos) << text;
+  ASSERT_EQ(std::system(("script -qec '" + command + " --quiet' /dev/null >" + out).c_str()), 0);
+  EXPECT_EQ(slurp(out).find('%'), std::string::npos);
+}
+
 TEST_F(jevmesh, infoOnScans) {
   JEV3D_REQUIRE_DATA("ply/stanford_bun_zipper.ply");
   const runResult bunny = run("info " + dataFile("ply/stanford_bun_zipper.ply"));
