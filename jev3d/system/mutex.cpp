@@ -37,7 +37,7 @@ mutex::~mutex() { destroy(); }
 
 bool mutex::create() {
   destroy();
-  handle = new handleData;
+  created = true;
   return true;
 }
 
@@ -46,55 +46,72 @@ bool mutex::create(const std::wstring& n) {
   name = n;
   int fd = ::open(INTERNAL::lockFilePath(n, "mutex").c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0666);
   if (fd < 0) return false;
-  handle = new handleData;
-  handle->fd = fd;
+  handleData* h = new handleData;
+  h->fd = fd;
+  handle.store(h);
+  created = true;
   return true;
 }
 
 void mutex::destroy() {
-  if (!handle) return;
-  if (handle->fd >= 0) ::close(handle->fd);  // also drops a held lock
-  delete handle;
-  handle = nullptr;
+  created = false;
+  handleData* h = handle.exchange(nullptr);
+  if (!h) return;
+  if (h->fd >= 0) ::close(h->fd);  // also drops a held lock
+  delete h;
+}
+
+mutex::handleData* mutex::data() const {
+  if (!created) return nullptr;
+  handleData* h = handle.load(std::memory_order_acquire);
+  if (h) return h;
+  // Two threads may race to make it; the loser's copy goes.
+  handleData* fresh = new handleData;
+  if (handle.compare_exchange_strong(h, fresh, std::memory_order_acq_rel)) return fresh;
+  delete fresh;
+  return h;
 }
 
 unsigned long mutex::wait(unsigned long milliseconds) const {
-  if (!handle) return WAIT_FAILED;
+  handleData* h = data();
+  if (!h) return WAIT_FAILED;
   {
-    std::lock_guard<std::mutex> g(handle->ownerLock);
-    if (handle->depth > 0 && handle->owner == std::this_thread::get_id()) {
-      ++handle->depth;
+    std::lock_guard<std::mutex> g(h->ownerLock);
+    if (h->depth > 0 && h->owner == std::this_thread::get_id()) {
+      ++h->depth;
       return WAIT_OBJECT_0;
     }
   }
   const auto deadline = std::chrono::steady_clock::now() + std::chrono::milliseconds(milliseconds);
   if (milliseconds == INFINITE) {
-    handle->local.lock();
-  } else if (!handle->local.try_lock_until(deadline)) {
+    h->local.lock();
+  } else if (!h->local.try_lock_until(deadline)) {
     return WAIT_TIMEOUT;
   }
   // flock has no time-out: poll the non-blocking form.
-  while (handle->fd >= 0 && ::flock(handle->fd, LOCK_EX | LOCK_NB) != 0) {
+  while (h->fd >= 0 && ::flock(h->fd, LOCK_EX | LOCK_NB) != 0) {
     if (milliseconds != INFINITE && std::chrono::steady_clock::now() >= deadline) {
-      handle->local.unlock();
+      h->local.unlock();
       return WAIT_TIMEOUT;
     }
     std::this_thread::sleep_for(std::chrono::milliseconds(1));
   }
-  std::lock_guard<std::mutex> g(handle->ownerLock);
-  handle->owner = std::this_thread::get_id();
-  handle->depth = 1;
+  std::lock_guard<std::mutex> g(h->ownerLock);
+  h->owner = std::this_thread::get_id();
+  h->depth = 1;
   return WAIT_OBJECT_0;
 }
 
 bool mutex::release() const {
-  if (!handle) return false;
-  std::lock_guard<std::mutex> g(handle->ownerLock);
-  if (handle->depth == 0 || handle->owner != std::this_thread::get_id()) return false;
-  if (--handle->depth == 0) {
-    handle->owner = std::thread::id();
-    if (handle->fd >= 0) ::flock(handle->fd, LOCK_UN);
-    handle->local.unlock();
+  // Never taken means not owned.
+  handleData* h = handle.load(std::memory_order_acquire);
+  if (!h) return false;
+  std::lock_guard<std::mutex> g(h->ownerLock);
+  if (h->depth == 0 || h->owner != std::this_thread::get_id()) return false;
+  if (--h->depth == 0) {
+    h->owner = std::thread::id();
+    if (h->fd >= 0) ::flock(h->fd, LOCK_UN);
+    h->local.unlock();
   }
   return true;
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <atomic>
 #include <string>
 
 namespace JEV {
@@ -13,10 +14,11 @@ constexpr unsigned long WAIT_FAILED = 0xFFFFFFFFul;
 // Timeout that never expires.
 constexpr unsigned long INFINITE = 0xFFFFFFFFul;
 
-// A lock, unnamed or named; either may be taken again by the
-// thread that owns it. A named mutex is one lock for every process that opens the same name: it is
-// an advisory lock on a file in the temporary directory, which the system drops when
-// the holding process dies, so a crash never leaves it locked.
+// A lock, unnamed or named; either may be taken again by the thread that owns it. A named
+// mutex is one lock for every process that opens the same name: it is an advisory lock on a
+// file in the temporary directory, which the system drops when the holding process dies, so
+// a crash never leaves it locked. An unnamed mutex allocates nothing until it is first
+// taken: a window holds a lock for each of its 65,536 key fields, and few are ever used.
 class mutex {
  public:
   explicit mutex(bool create = true);
@@ -41,7 +43,11 @@ class mutex {
 
  private:
   struct handleData;
-  handleData* handle = nullptr;
+  // The lock's state, made on first use when unnamed; null before that.
+  handleData* data() const;
+
+  mutable std::atomic<handleData*> handle{nullptr};
+  bool created = false;
   std::wstring name;
 };
 
