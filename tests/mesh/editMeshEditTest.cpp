@@ -178,6 +178,36 @@ TEST(editMeshCompaction, mapsAndRebuild) {
   EXPECT_EQ(fresh.en(), m.en());
 }
 
+TEST(editMeshCompaction, faceIdsInEFFollowTheMap) {
+  editMesh m;
+  makeSphere(m, 6, 8);
+  finishMesh(m);
+  for (unsigned f = 0; f < m.fn(); f += 4) m.deleteFaceUpdatingEdges(f);
+  m.deleteWireEdgesGuarded();
+  ASSERT_MESH_VALID(m);
+  std::vector<unsigned> fmap, emap;
+  ASSERT_TRUE(m.compactFaces(fmap));
+  ASSERT_TRUE(m.compactEdges(emap));
+  m.setDelFn(0);
+  m.setDelEn(0);
+  m.computeVE();
+  EXPECT_MESH_VALID(m);
+  // the same lists as a rebuild from scratch, up to edge order
+  editMesh fresh(m);
+  fresh.computeEdges(false);
+  fresh.computeVE();
+  ASSERT_EQ(fresh.en(), m.en());
+  for (unsigned e = 0; e < m.en(); ++e) {
+    const unsigned g = fresh.findSharedEdgeFromVertices(m.eV(e, 0), m.eV(e, 1));
+    ASSERT_NE(g, fresh.getMaxValue());
+    ASSERT_EQ(fresh.eFNum(g), m.eFNum(e));
+    for (unsigned k = 0; k < m.eFNum(e); ++k) {
+      EXPECT_EQ(fresh.eF(g, k), m.eF(e, k));
+      EXPECT_EQ(fresh.E2F(g, k).corner, m.E2F(e, k).corner);
+    }
+  }
+}
+
 TEST(editMeshCompaction, edgesLeftAloneWhileInvalid) {
   editMesh m;
   addIsolatedVertices(m, 1);
