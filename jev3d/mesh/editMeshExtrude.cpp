@@ -439,8 +439,13 @@ void solidify(editMesh& m, const std::vector<float>& thickness, unsigned int rim
 
   // border vertices get a row of vertices per rim segment, the others only the inner copy
   std::vector<uint8_t> onBorder(nv, 0);
-  for (uint32_t e = 0; e < m.en(); ++e)
-    if (!m.edgeIsDeleted(e) && m.eFNum(e) == 1) onBorder[m.eV(e, 0)] = onBorder[m.eV(e, 1)] = 1;
+  std::vector<std::pair<uint32_t, uint32_t>> borderSlots;  // edge, EF slot of its one face
+  for (uint32_t e = 0; e < m.en(); ++e) {
+    unsigned int slot = 0;
+    if (m.edgeIsDeleted(e) || liveFacesOnEdge(m, e, &slot) != 1) continue;
+    onBorder[m.eV(e, 0)] = onBorder[m.eV(e, 1)] = 1;
+    borderSlots.emplace_back(e, slot);
+  }
   std::vector<uint32_t> rowBase(nv, NO_ID);  // first new vertex of v: rows 1..rows
   for (uint32_t v = 0; v < nv; ++v) {
     if (faceCount[v] == 0) continue;
@@ -466,10 +471,9 @@ void solidify(editMesh& m, const std::vector<float>& thickness, unsigned int rim
     for (uint32_t i = 0; i < n; ++i) ids[i] = rowVertex(m.fV(f, (n - i) % n), rows);
     innerFaces.push_back(m.addPolyFace(ids));
   }
-  for (uint32_t e = 0; e < m.en(); ++e) {
-    if (m.edgeIsDeleted(e) || m.eFNum(e) != 1) continue;
+  for (const auto& [e, slot] : borderSlots) {
     uint32_t a = 0, b = 0, corner = 0;
-    if (!sideOfFace(m, e, m.E2F(e, 0), a, b, corner)) continue;
+    if (!sideOfFace(m, e, m.E2F(e, slot), a, b, corner)) continue;
     for (uint32_t r = 0; r < rows; ++r)
       m.addQuadFace(rowVertex(b, r), rowVertex(a, r), rowVertex(a, r + 1), rowVertex(b, r + 1));
   }

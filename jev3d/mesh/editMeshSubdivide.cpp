@@ -56,17 +56,23 @@ stepPoints computeStepPoints(const editMesh& m, const std::vector<uint8_t>& in, 
     const uint32_t num = m.eFNum(e);
     if (num == 0 || m.edgeIsDeleted(e)) continue;
     const uint32_t base = m.E2EFBASE(e);
-    uint32_t inside = 0;
+    // faces deleted since the last rebuild may still be listed: only live ones count
+    uint32_t inside = 0, live = 0;
+    point3<float> centres;
     for (uint32_t k = 0; k < num; ++k) {
       const uint32_t f = m.EF(base + k).faceId;
-      inside += f < nf && in[f];
+      if (f >= nf || m.isFaceDeleted(f)) continue;
+      ++live;
+      if (!in[f]) continue;
+      ++inside;
+      if (smooth) centres += centre[f];
     }
     if (inside == 0) continue;
     const point3<float>& a = m.vPos(m.eV(e, 0));
     const point3<float>& b = m.vPos(m.eV(e, 1));
     s.edgePoint[e] = uint32_t(s.pos.size());
-    if (smooth && num == 2 && inside == 2) {
-      s.pos.push_back((a + b + centre[m.EF(base).faceId] + centre[m.EF(base + 1).faceId]) * 0.25f);
+    if (smooth && live == 2 && inside == 2) {
+      s.pos.push_back((a + b + centres) * 0.25f);
     } else {
       s.pos.push_back((a + b) * 0.5f);
     }
@@ -99,10 +105,11 @@ stepPoints computeStepPoints(const editMesh& m, const std::vector<uint8_t>& in, 
     const uint32_t num = m.eFNum(e);
     if (num == 0 || m.edgeIsDeleted(e)) continue;
     const uint32_t a = m.eV(e, 0), b = m.eV(e, 1);
-    if (a >= nv || b >= nv) continue;
+    const uint32_t live = liveFacesOnEdge(m, e);
+    if (a >= nv || b >= nv || live == 0) continue;
     ++at[a].valence, ++at[b].valence;
     at[a].ends += m.vPos(b), at[b].ends += m.vPos(a);
-    if (num != 2) {
+    if (live != 2) {
       ++at[a].border, ++at[b].border;
       at[a].borderEnds += m.vPos(b), at[b].borderEnds += m.vPos(a);
     }

@@ -57,6 +57,16 @@ std::vector<uint32_t> sideEdges(const editMesh& m) {
   return side;
 }
 
+unsigned int liveFacesOnEdge(const editMesh& m, unsigned int e, unsigned int* first) {
+  unsigned int live = 0;
+  for (unsigned int k = 0; k < m.eFNum(e); ++k) {
+    const unsigned int f = m.eF(e, k);
+    if (f >= m.fn() || m.isFaceDeleted(f)) continue;
+    if (live++ == 0 && first) *first = k;
+  }
+  return live;
+}
+
 std::vector<unsigned int> resolveFaceList(const editMesh& m, const std::vector<unsigned int>& ids) {
   std::vector<unsigned int> out;
   if (ids.empty()) {

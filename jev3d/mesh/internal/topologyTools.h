@@ -27,6 +27,10 @@ void ensureAdjacency(editMesh& m);
 // corner, through the EF records; NO_ID where no edge names that side.
 std::vector<uint32_t> sideEdges(const editMesh& m);
 
+// Live faces on edge e (EF may still list faces deleted since the last rebuild); first
+// receives the EF slot of the first of them.
+unsigned int liveFacesOnEdge(const editMesh& m, unsigned int e, unsigned int* first = nullptr);
+
 // The live faces of ids, sorted and without repeats; with an empty list, the selected
 // live faces.
 std::vector<unsigned int> resolveFaceList(const editMesh& m, const std::vector<unsigned int>& ids);
