@@ -167,9 +167,13 @@ void editMesh::loopCut(unsigned int e) {
         break;
       }
       edges.push_back(across);
-      if (eFNum(across) != 2) break;
+      if (liveFacesOnEdge(*this, across) != 2) break;
       cur = across;
-      f = otherFaceOfEdge(across, f);
+      f = maxValue;
+      for (uint32_t k = 0; k < eFNum(across); ++k) {
+        const uint32_t g = eF(across, k);
+        if (g != faces.back() && g < fn() && !isFaceDeleted(g)) f = g;
+      }
     }
   }
   if (faces.empty()) return;

@@ -66,18 +66,23 @@ unsigned int extrudeGroups(editMesh& m, const std::vector<unsigned int>& faces,
   auto inGroup = [&](uint32_t f, uint32_t g) {
     return f < m.fn() && !m.isFaceDeleted(f) && groupOf[f] == g;
   };
-  std::vector<uint8_t> kind(m.en(), 0);  // 1 interior, 2 border
-  std::vector<uint32_t> interior, border;
+  std::vector<uint8_t> kind(m.en(), 0);                 // 1 interior, 2 border
+  std::vector<std::pair<uint32_t, uint32_t>> interior;  // edge, group
+  std::vector<uint32_t> border;
   for (unsigned int f : faces) {
     const uint32_t n = m.fVNum(f);
     for (uint32_t i = 0; i < n; ++i) {
       const uint32_t e = m.findSharedEdgeFromVertices(m.fV(f, i), m.fV(f, (i + 1) % n));
       if (e == maxValue || kind[e]) continue;
-      const bool inner =
-          m.eFNum(e) == 2 && inGroup(m.eF(e, 0), groupOf[f]) && inGroup(m.eF(e, 1), groupOf[f]);
+      // faces deleted since the last rebuild may still be listed: only live ones count
+      bool inner = liveFacesOnEdge(m, e) == 2;
+      for (uint32_t k = 0; k < m.eFNum(e) && inner; ++k) {
+        const uint32_t g = m.eF(e, k);
+        inner = g >= m.fn() || m.isFaceDeleted(g) || inGroup(g, groupOf[f]);
+      }
       kind[e] = inner ? 1 : 2;
       if (inner) {
-        interior.push_back(e);
+        interior.emplace_back(e, groupOf[f]);
       } else {
         border.push_back(e);
         m.setEdgeFlag(e, BORDER_MARK);
@@ -242,8 +247,7 @@ unsigned int extrudeGroups(editMesh& m, const std::vector<unsigned int>& faces,
   if (!copyOf.empty()) {
     for (unsigned int f : faces)
       for (uint32_t i = 0; i < m.fVNum(f); ++i) m.F2W(f, i).vertId = moved(m.fV(f, i), groupOf[f]);
-    for (uint32_t e : interior) {
-      const uint32_t g = groupOf[m.eF(e, 0)];
+    for (const auto& [e, g] : interior) {
       m.E(e).v[0] = moved(m.eV(e, 0), g);
       m.E(e).v[1] = moved(m.eV(e, 1), g);
     }
@@ -340,8 +344,8 @@ void editMesh::extrudeEdges(const std::vector<unsigned int>& edges) {
   };
   for (unsigned int e : list) {
     // the quad runs against the edge's first face, continuing that surface
-    uint32_t p = eV(e, 0), q = eV(e, 1), corner = 0;
-    if (eFNum(e) > 0) sideOfFace(*this, e, E2F(e, 0), p, q, corner);
+    uint32_t p = eV(e, 0), q = eV(e, 1), corner = 0, slot = 0;
+    if (liveFacesOnEdge(*this, e, &slot) > 0) sideOfFace(*this, e, E2F(e, slot), p, q, corner);
     const uint32_t p2 = copyVertex(p), q2 = copyVertex(q);
     addQuadFace(q, p, p2, q2);
   }

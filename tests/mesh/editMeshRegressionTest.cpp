@@ -106,3 +106,21 @@ TEST(editMeshRegression, catmullClarkCountedFacesDeletedSinceTheLastRebuild) {
   // a corner of the hole follows the border rule
   EXPECT_LT((lingering.vPos(5) - p3(1.125f, 1.125f, 0.f)).norm(), 1e-6f);
 }
+
+TEST(editMeshRegression, extrudeRegionLeftInteriorEdgesBehindNextToALingeringDeletedFace) {
+  editMesh m;
+  makeGrid(m, 3, 1);
+  const unsigned extra = m.addTriFace(1, 2, 6);  // a third face on the edge 1-2
+  finishMesh(m);
+  m.deleteFace(extra);  // still listed on the edge until the next rebuild
+  std::vector<unsigned> strip{0, 1, 2};
+  m.extrudeRegion(strip);
+  ASSERT_MESH_VALID(m);
+  EXPECT_EQ(m.fn(), 4u + 8u);  // walls on the eight border edges only
+  // the edges between the cells moved with them
+  for (unsigned e = 0; e < m.en(); ++e)
+    if (m.eFNum(e) == 2 && m.eF(e, 0) < 3 && m.eF(e, 1) < 3) {
+      EXPECT_GE(m.eV(e, 0), 8u);
+      EXPECT_GE(m.eV(e, 1), 8u);
+    }
+}
