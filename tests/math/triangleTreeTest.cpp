@@ -3,10 +3,13 @@
 #include <cmath>
 #include <limits>
 #include <random>
+#include <string>
 #include <vector>
 
+#include "jev3d/io/ply/ioPly.h"
 #include "jev3d/math/triangleQueries.h"
 #include "jev3d/math/triangleTree.h"
+#include "support/dataFiles.h"
 
 using JEV::MATH::closestPointHit;
 using JEV::MATH::rayHit;
@@ -397,4 +400,37 @@ TEST(triangleTree, copiesAreIndependentOfTheSourceData) {
   EXPECT_FALSE(tree.closestPoint(vec(1, 1, 1), unbounded, hit));
   ASSERT_TRUE(copy.closestPoint(vec(1.5f, 1.5f, 1.0f), unbounded, hit));
   EXPECT_EQ(hit.squaredDistance, 1.0f);
+}
+
+TEST(triangleTree, realScansMatchBruteForce) {
+  // A low-resolution scan with duplicate faces and non-manifold edges, and a full one.
+  for (const char* file : {"ply/stanford_bun_zipper_res4.ply", "ply/armadillo.ply"}) {
+    JEV3D_REQUIRE_DATA(file);
+    const std::string path = dataFile(file);
+    triangleSoup scan;
+    unsigned vertexCount = 0, triangleCount = 0;
+    ASSERT_TRUE(JEV::IO::PLY::ioPly::readPlyFromFile(std::wstring(path.begin(), path.end()),
+                                                     scan.positions, vertexCount, scan.indices,
+                                                     triangleCount));
+    triangleTree tree;
+    tree.build(scan.positions.data(), scan.positions.size(), scan.indices.data(),
+               scan.triangleCount());
+    ASSERT_EQ(tree.size(), scan.triangleCount());
+    vec lo, hi;
+    ASSERT_TRUE(tree.bounds(lo, hi));
+    std::mt19937 rng(31);
+    std::uniform_real_distribution<float> unit(-0.1f, 1.1f);
+    for (int q = 0; q < 60; ++q) {
+      const vec p(lo.x + (hi.x - lo.x) * unit(rng), lo.y + (hi.y - lo.y) * unit(rng),
+                  lo.z + (hi.z - lo.z) * unit(rng));
+      expectClosestLikeBruteForce(tree, scan, p, unbounded);
+      const vec centre = (lo + hi) * 0.5f;
+      const std::vector<rayHit> expected = bruteHits(scan, p, centre - p, unbounded);
+      rayHit hit;
+      ASSERT_EQ(tree.firstHit(p, centre - p, unbounded, hit), !expected.empty());
+      if (!expected.empty()) {
+        EXPECT_EQ(hit.t, expected.front().t);
+      }
+    }
+  }
 }
