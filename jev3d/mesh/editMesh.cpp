@@ -15,8 +15,6 @@ namespace {
 constexpr uint32_t NONE = 0xFFFFFFFFu;
 }
 
-// ---------------------------------------------------------------- reading lists
-
 void editMesh::getFV(unsigned int f, unsigned int* out) const {
   const face& r = fStore[f];
   for (unsigned int i = 0; i < r.fvNum; ++i) out[i] = fvStore[r.fvBase + i].vertId;
@@ -31,8 +29,6 @@ void editMesh::getVE(unsigned int v, unsigned int* out) const {
   const vert& r = vStore[v];
   for (unsigned int i = 0; i < r.veNum; ++i) out[i] = veStore[r.veBase + i];
 }
-
-// ---------------------------------------------------------------- construction
 
 unsigned int editMesh::addVertex() { return addVertex(vert()); }
 
@@ -175,8 +171,6 @@ unsigned int editMesh::cloneFace(unsigned int f, bool reserve) {
   return g;
 }
 
-// ---------------------------------------------------------------- sizing
-
 namespace {
 template <class T>
 void cloneRange(const std::vector<T>& s, unsigned int first, unsigned int count,
@@ -270,8 +264,6 @@ void editMesh::nullify() {
   trees.vertexTree.reset();
 }
 
-// ---------------------------------------------------------------- compaction
-
 namespace {
 // Keeps the records whose flag lacks the dead bit, in order, with their flags and (when
 // sized like the store) their colours; map gets old id -> new id, NONE for dropped ones.
@@ -363,8 +355,6 @@ bool editMesh::compactEdges(std::vector<unsigned int>& map) {
   veInvalid = true;
   return true;
 }
-
-// ---------------------------------------------------------------- deletion
 
 void editMesh::deleteFace(unsigned int f) {
   if (isFaceDeleted(f)) return;
@@ -547,8 +537,6 @@ unsigned int editMesh::deleteUnreferencedVertices() {
   return count;
 }
 
-// ---------------------------------------------------------------- normals
-
 namespace {
 inline bool faceNormalOf(const editMesh& m, unsigned int f, point3<float>& n) {
   const editMesh::face& r = m.F(f);
@@ -651,8 +639,6 @@ void editMesh::flipNormals() {
   for (vert& v : vStore) v.normal = -v.normal;
   for (face& f : fStore) f.normal = -f.normal;
 }
-
-// ---------------------------------------------------------------- selection
 
 void editMesh::selectVert(unsigned int v) {
   if (isVertSelected(v) || isVertDeleted(v)) return;
@@ -796,8 +782,6 @@ void editMesh::updateSelVertPosNorSum() {
   updateSelVertNorSum();
 }
 
-// ---------------------------------------------------------------- stale flags, render state
-
 void editMesh::clearEVEF(bool release) {
   evefInvalid = true;
   if (release) clearEdgeBuffers(true);
@@ -875,8 +859,6 @@ void editMesh::computeBBox() {
   }
   bboxDirty = false;
 }
-
-// ---------------------------------------------------------------- lookups
 
 unsigned int editMesh::findSharedEdgeFromVertices(unsigned int a, unsigned int b) const {
   if (a >= vn()) return maxValue;
@@ -962,8 +944,6 @@ const std::vector<unsigned int>& editMesh::getAdiacentFaces(unsigned int v) {
   adjacentFaces.erase(std::unique(adjacentFaces.begin(), adjacentFaces.end()), adjacentFaces.end());
   return adjacentFaces;
 }
-
-// ---------------------------------------------------------------- aux stores, stats
 
 unsigned int editMesh::addAuxFloatData(const std::string& name) {
   auxFloat.items.push_back(std::make_unique<auxStore<float>>());

@@ -118,7 +118,7 @@ class editMesh {
   struct faceWEdgeRecord {
     uint32_t faceId;
     uint32_t vertId;
-    uint32_t user;  // left unset by the face makers; free for an operation's own use
+    uint32_t user;  // 0 from the face makers; free for an operation's own use
     uint16_t localIndex;
     uint16_t zero;
   };
@@ -136,7 +136,7 @@ class editMesh {
   virtual unsigned int getChunkVertexLimit() const { return chunkVertexLimit; }
   void setMaxValue(unsigned int v) { maxValue = v; }
 
-  // ---- counts (array sizes, deleted elements included)
+  // Counts (array sizes, deleted elements included)
   unsigned int vn() const { return unsigned(vStore.size()); }
   unsigned int en() const { return unsigned(eStore.size()); }
   unsigned int fn() const { return unsigned(fStore.size()); }
@@ -157,7 +157,7 @@ class editMesh {
   void setDelVen(unsigned int n) { delVen = n; }
   void setDelEfn(unsigned int n) { delEfn = n; }
 
-  // ---- records, unchecked
+  // Records, unchecked
   vert& V(unsigned int v) { return vStore[v]; }
   const vert& V(unsigned int v) const { return vStore[v]; }
   edge& E(unsigned int e) { return eStore[e]; }
@@ -180,7 +180,7 @@ class editMesh {
   void resizeEdgeColorData(unsigned int n) { edgeColors.resize(n, edgeColor); }
   std::vector<MATH::point2<float>>& UV() { return uvStore; }
 
-  // ---- adjacency, unchecked
+  // Adjacency, unchecked
   unsigned int fV(unsigned int f, unsigned int i) const {
     return fvStore[fStore[f].fvBase + i].vertId;
   }
@@ -239,7 +239,7 @@ class editMesh {
     a = fV(f, 0), b = fV(f, t + 1), c = fV(f, t + 2);
   }
 
-  // ---- checked validity: in range and not deleted
+  // Checked validity: in range and not deleted
   bool isVertexValid(unsigned int v) const {
     return v < vn() && v < vFlag.size() && !isVertDeleted(v);
   }
@@ -250,7 +250,7 @@ class editMesh {
     return f < fn() && f < fFlag.size() && !isFaceDeleted(f);
   }
 
-  // ---- flags: the enum forms test or change one bit, the byte forms a whole mask
+  // Flags: the enum forms test or change one bit, the byte forms a whole mask
   void setVertFlag(unsigned int v, VERT_STATE_T b) { vFlag[v] |= uint8_t(b); }
   void unsetVertFlag(unsigned int v, VERT_STATE_T b) { vFlag[v] &= uint8_t(~uint8_t(b)); }
   bool getVertFlag(unsigned int v, VERT_STATE_T b) const { return vFlag[v] & uint8_t(b); }
@@ -287,7 +287,7 @@ class editMesh {
   std::vector<unsigned char>& edgeFlags() { return eFlag; }
   std::vector<unsigned char>& faceFlags() { return fFlag; }
 
-  // ---- construction. Adds grow the flag stores with the element; the new element is
+  // Construction. Adds grow the flag stores with the element; the new element is
   // neither selected nor deleted. A vertex's VE range means nothing until computeVE.
   unsigned int addVertex();
   unsigned int addVertex(const MATH::point3<float>& pos);
@@ -320,7 +320,7 @@ class editMesh {
   // A new face with a copy of f's corners and normal; returns its id.
   unsigned int cloneFace(unsigned int f, bool reserve = false);
 
-  // ---- store sizing. allocate reserves n; expand reserves size + n and returns the old
+  // Store sizing. allocate reserves n; expand reserves size + n and returns the old
   // size; resize sets the size.
   void allocateVertexArray(unsigned int n) { vStore.reserve(n); }
   void allocateEdgeArray(unsigned int n) { eStore.reserve(n); }
@@ -376,7 +376,7 @@ class editMesh {
   // Release every store and zero every counter; trees are destroyed.
   void nullify();
 
-  // ---- bulk rebuilds
+  // Bulk rebuilds
   // Edges from the live faces, edge ids in order of first appearance (face order, then
   // corner order), smaller vertex id first; EF filled in the same order. Edge flags are
   // reset (selection, pins and deletion marks are lost) and VE is marked stale. Nothing
@@ -403,7 +403,7 @@ class editMesh {
   // Append edges with no faces (flags 0).
   void addWireEdges(const std::vector<edge>& wires);
 
-  // ---- compaction. map receives old id -> new id, 0xFFFFFFFF for dropped elements.
+  // Compaction. map receives old id -> new id, 0xFFFFFFFF for dropped elements.
   // Deleted counters stay as they are: reset them with setDelVn and kin.
   // Vertices: FV of live faces and, with valid edges, both ends of live edges rewritten.
   bool compactVertices(std::vector<unsigned int>& map);
@@ -415,7 +415,7 @@ class editMesh {
   bool compactEdges(std::vector<unsigned int>& map);
   bool compactEdges();
 
-  // ---- deletion. Elements keep their records and ids; flags and counters change.
+  // Deletion. Elements keep their records and ids; flags and counters change.
   void deleteFace(unsigned int f);
   // Also removes f from the EF list of each of its edges (faces of 3 or more corners).
   void deleteFaceUpdatingEdges(unsigned int f);
@@ -439,7 +439,7 @@ class editMesh {
   unsigned int deleteIsolatedVertices();
   unsigned int deleteUnreferencedVertices();
 
-  // ---- normals
+  // Normals
   // Unnormalised (1 - 0) x (2 - 1) of the first three corners of each live face; a face
   // with a corner out of range or fewer than 3 corners keeps its normal.
   void computeFaceNormals();
@@ -479,7 +479,7 @@ class editMesh {
     p.x = float(p.x * y), p.y = float(p.y * y), p.z = float(p.z * y);
   }
 
-  // ---- selection. Selecting a face or an edge selects its vertices; deselecting one
+  // Selection. Selecting a face or an edge selects its vertices; deselecting one
   // deselects a vertex only when no edge at it has a selected face (needs VE and EF).
   void selectFace(unsigned int f);
   void deselectFace(unsigned int f);
@@ -510,7 +510,7 @@ class editMesh {
   void updateSelVertNorSum();
   void updateSelVertPosNorSum();
 
-  // ---- stale flags
+  // Stale flags
   void invalidateVE() { veInvalid = true; }
   void invalidateEVEF() { evefInvalid = true; }
   void setNeedUpdateEVEF() { evefInvalid = true; }
@@ -522,7 +522,7 @@ class editMesh {
   bool hasVC() const { return hasVertexColors; }
   void setHasVC(bool b) { hasVertexColors = b; }
 
-  // ---- render state, read by the render cache
+  // Render state, read by the render cache
   void hideSelectedFaces();
   void hideUnselectedFaces();
   void showAllFaces();
@@ -536,7 +536,7 @@ class editMesh {
   // leave render validity as it is. Linkable, initially false.
   SYSTEM::fieldBase<bool> invalidationGuard;
 
-  // ---- bounding box over live vertices
+  // Bounding box over live vertices
   void computeBBox();
   // Also tells the spatial indexes that positions moved.
   void updateBBox() {
@@ -547,7 +547,7 @@ class editMesh {
   const MATH::point3<float>& getBBoxMin() const { return bboxMin; }
   const MATH::point3<float>& getBBoxMax() const { return bboxMax; }
 
-  // ---- lookups, maxValue when nothing is found
+  // Lookups, maxValue when nothing is found
   // The edge joining a and b (either order), through a's VE list.
   unsigned int findSharedEdgeFromVertices(unsigned int a, unsigned int b) const;
   // Corner index of v in f.
@@ -563,7 +563,7 @@ class editMesh {
   // Live faces around v (each once), through VE and EF; the result is kept in the mesh.
   const std::vector<unsigned int>& getAdiacentFaces(unsigned int v);
 
-  // ---- topology operations (editMeshExtrude.cpp, editMeshCut.cpp, editMeshSubdivide.cpp,
+  // Topology operations (editMeshExtrude.cpp, editMeshCut.cpp, editMeshSubdivide.cpp,
   // editMeshPrimitives.cpp). Face lists name live faces; an empty list means the selected
   // faces, and the forms taking a non-const list fill an empty one with them. Unless
   // said otherwise an operation ends by rebuilding edges (edge ids change,
@@ -714,7 +714,7 @@ class editMesh {
   void makeCircle(const MATH::point3<float>& centre, const MATH::point3<float>& normal,
                   float radius, unsigned int segments, bool filled = true);
 
-  // ---- aux stores: named per-vertex (or any) arrays owned by the mesh
+  // Aux stores: named per-vertex (or any) arrays owned by the mesh
   unsigned int addAuxFloatData(const std::string& name);
   unsigned int addAuxUintData(const std::string& name);
   unsigned int addAuxUcharData(const std::string& name);
@@ -728,7 +728,7 @@ class editMesh {
   unsigned int auxUintDataNum() const { return unsigned(auxUint.items.size()); }
   unsigned int auxUcharDataNum() const { return unsigned(auxUchar.items.size()); }
 
-  // ---- diagnostics
+  // Diagnostics
   // Counts of every store, one per line.
   void printStats(std::ostream& out) const;
   void printStats() const;
@@ -743,7 +743,7 @@ class editMesh {
   // Bytes held by the stores (capacity), for memory reports.
   size_t memoryUsage() const;
 
-  // ---- spatial index (built by the spatial-index code)
+  // Spatial index (built by the spatial-index code)
   // Build the face index (live faces, polygons as fans from corner 0) or the vertex index
   // (live vertices), destroying the old one first. leafSize is the most triangles or
   // vertices in a leaf, clamped to [1, 16].
@@ -756,7 +756,7 @@ class editMesh {
   const aabbtreeEditMeshFaceWrap<float>* getFABBTree() const;
   const aabbtreeEditMeshVertWrap<float>* getVABBTree() const;
 
-  // ---- colours (as u32 words, red lowest)
+  // Colours (as u32 words, red lowest)
   CORE::color faceColor = CORE::color::fromU32(0xFFFFFFFFu);
   CORE::color faceSelectionColor = CORE::color::fromU32(0x4679ACE4u);
   CORE::color edgeColor = CORE::color::fromU32(0xFF7FFF7Fu);
@@ -777,7 +777,7 @@ class editMesh {
   unsigned int vertexColorLayer = 0;  // 0 or 1: the layer vCol addresses
   MESH_COLOR_DISPLAY_STATE colorDisplayState = MESH_COLOR_NONE;
 
-  // ---- render cache state (GL-free bookkeeping; the renderer owns the chunks)
+  // Render cache state (GL-free bookkeeping; the renderer owns the chunks)
   bool renderFlag = true;
   // Chunk lists belong to the renderer that filled them: a copy starts without chunks.
   struct chunkList : std::vector<renderChunk*> {
