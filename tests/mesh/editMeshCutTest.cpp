@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <string>
 
 #include "jev3d/mesh/editMesh.h"
 #include "mesh/topologyChecks.h"
@@ -180,4 +181,33 @@ TEST(editMeshFlatten, projectsOntoTheMeanPlane) {
   ASSERT_MESH_VALID(tilted);
   const p3 n = tilted.fNor(0);
   for (unsigned v = 1; v < 4; ++v) EXPECT_NEAR((tilted.vPos(v) - tilted.vPos(0)) * n, 0.f, 1e-5f);
+}
+
+TEST(editMeshClosingSequence, dropsPinsAndEdgeSelectionButKeepsWireEdges) {
+  using op = void (*)(editMesh&);
+  const std::vector<std::pair<const char*, op>> ops = {
+      {"extrudeVertices", [](editMesh& m) { m.extrudeVertices({0}); }},
+      {"extrudeEdges", [](editMesh& m) { m.extrudeEdges({0}); }},
+      {"refine", [](editMesh& m) { m.refine(); }},
+      {"midpointTriangulate", [](editMesh& m) { m.midpointTriangulate(); }},
+      {"mirrorMesh", [](editMesh& m) { m.mirrorMesh(0, p3(1.f, 0.f, 0.f)); }},
+      {"loopCut", [](editMesh& m) { m.loopCut(0u, 1u); }},
+  };
+  for (const auto& [name, run] : ops) {
+    editMesh m;
+    makeGrid(m, 2, 2);
+    const unsigned a = m.addVertex(9.f, 9.f, 0.f), b = m.addVertex(9.f, 8.f, 0.f);
+    m.addEdge(a, b);
+    finishMesh(m);
+    for (unsigned e = 0; e < 4; ++e) m.pinEdge(e);
+    m.selectEdge(5);
+    run(m);
+    EXPECT_MESH_VALID(m) << name;
+    unsigned pins = 0;
+    for (unsigned e = 0; e < m.en(); ++e) pins += m.isEdgePinned(e);
+    EXPECT_EQ(pins, 0u) << name;
+    EXPECT_EQ(m.countWireEdges(), 1u) << name;
+    // a loop cut selects the loop it made; the others leave no edge selected
+    EXPECT_EQ(m.getSelEn(), std::string(name) == "loopCut" ? 2u : 0u) << name;
+  }
 }
