@@ -1,5 +1,6 @@
 #include <algorithm>
 
+#include "jev3d/io/internal/largeArray.h"
 #include "jev3d/mesh/editMesh.h"
 #include "jev3d/mesh/internal/faceStoreRebuild.h"
 #include "jev3d/mesh/internal/topologyTools.h"
@@ -137,7 +138,7 @@ stepPoints computeStepPoints(const editMesh& m, const std::vector<uint8_t>& in, 
 // closing normals.
 void appendStepVertices(editMesh& m, const stepPoints& s) {
   std::vector<editMesh::vert>& vs = m.vertStore();
-  vs.reserve(vs.size() + s.pos.size());
+  IO::reserveLarge(vs, vs.size() + s.pos.size());
   for (const point3<float>& p : s.pos) {
     editMesh::vert r;
     r.pos = p;
@@ -189,7 +190,7 @@ void quadStep(editMesh& m, bool selectedOnly, bool smooth, bool keepWire, SYSTEM
     corners += in[f] ? 4 * m.fVNum(f) : 2 * m.fVNum(f);
     pieces += in[f] ? m.fVNum(f) - 1 : 0;
   }
-  m.allocateFaceArray(unsigned(nf + pieces));
+  IO::reserveLarge(m.faceStore(), nf + pieces);
   appendStepVertices(m, s);
   auto edgePointOfSide = [&](uint32_t k) -> uint32_t {
     const uint32_t e = sides[k];
@@ -289,7 +290,7 @@ void editMesh::midpointTriangulate(bool selectedOnly, bool centreVertex, SYSTEM:
     corners += in[f] ? 6 * fVNum(f) + 3 : 2 * fVNum(f);
     pieces += in[f] ? 2 * fVNum(f) : 0;
   }
-  allocateFaceArray(unsigned(nf + pieces));
+  IO::reserveLarge(fStore, nf + pieces);
   appendStepVertices(*this, s);
   auto pointOfSide = [&](uint32_t k) -> uint32_t {
     const uint32_t e = sides[k];
@@ -357,8 +358,8 @@ void editMesh::triangulate(SYSTEM::callBack* cb) {
   std::vector<face> faces;
   std::vector<faceWEdgeRecord> corners;
   std::vector<unsigned char> flags;
-  faces.reserve(tris);
-  corners.reserve(size_t(tris) * 3);
+  IO::reserveLarge(faces, tris);
+  IO::reserveLarge(corners, size_t(tris) * 3);
   flags.reserve(tris);
   constexpr unsigned char KEEP = uint8_t(FACE_STATE_T::SELECTED);
   for (uint32_t f = 0; f < fn(); ++f) {

@@ -1,11 +1,13 @@
 #include "jev3d/mesh/internal/faceStoreRebuild.h"
 
+#include "jev3d/io/internal/largeArray.h"
+
 namespace JEV {
 namespace MESH {
 namespace INTERNAL {
 
 faceStoreRebuild::faceStoreRebuild(editMesh& m, size_t cornerHint) : m(m), oldFn(m.fn()) {
-  fv.reserve(cornerHint);
+  IO::reserveLarge(fv, cornerHint);
 }
 
 void faceStoreRebuild::copyUpTo(uint32_t f) {
