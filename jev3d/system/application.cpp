@@ -79,8 +79,8 @@ class messageScope {
   messageScope(const messageScope&) = delete;
   messageScope& operator=(const messageScope&) = delete;
 
-  GUI::widget* below(float x, float y) const {
-    return gui ? gui->getWidgetBelowMouse(x, y) : nullptr;
+  GUI::widget* below(float px, float py) const {
+    return gui ? gui->getWidgetBelowMouse(px, py) : nullptr;
   }
   // The widget at this message's position.
   GUI::widget* belowNow() const { return below(x, y); }
@@ -302,6 +302,7 @@ bool application::createJEVWindowStep1(winMain* win, windowProcedure procedure) 
   win->hWnd = hWnd;
   p.setUserData(hWnd, win);
   win->hDC = hWnd;
+  win->tickWindow = hWnd;
 
   bool recreate = false;
   RENDERING::renderer* device = win->device;
@@ -379,6 +380,7 @@ void application::eraseWin(winMain* win) {
     p.destroyWindow(win->hWnd);
   }
   windows.erase(win->hWnd);
+  win->tickWindow = 0;
   win->hDC = 0;
   win->hWnd = 0;
 }

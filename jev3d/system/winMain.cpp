@@ -50,22 +50,22 @@ void winMain::setGui(windowGui* layer) {
 
 void winMain::tickUPS() {
   ++updateTick;
-  current().postMessage(hWnd, PLATFORM::WM_TICK_UPDATE, 0, 0);
+  current().postMessage(tickWindow, PLATFORM::WM_TICK_UPDATE, 0, 0);
 }
 
 void winMain::tickFPS() {
   ++frameTick;
-  current().postMessage(hWnd, PLATFORM::WM_TICK_FRAME, 0, 0);
+  current().postMessage(tickWindow, PLATFORM::WM_TICK_FRAME, 0, 0);
 }
 
 void winMain::tickUPSLessMsg() {
   ++updateTick;
-  if (updateNeeded.cV()) current().postMessage(hWnd, PLATFORM::WM_TICK_UPDATE, 0, 0);
+  if (updateNeeded.cV()) current().postMessage(tickWindow, PLATFORM::WM_TICK_UPDATE, 0, 0);
 }
 
 void winMain::tickFPSLessMsg() {
   ++frameTick;
-  if (renderNeeded.cV()) current().postMessage(hWnd, PLATFORM::WM_TICK_FRAME, 0, 0);
+  if (renderNeeded.cV()) current().postMessage(tickWindow, PLATFORM::WM_TICK_FRAME, 0, 0);
 }
 
 void winMain::onPreferredUPSChange() {

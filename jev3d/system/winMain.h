@@ -216,6 +216,8 @@ class winMain : public winBase {
   std::atomic<int32_t> frameTick{0};
   int32_t lastUpdateTick = 0;
   std::atomic<int32_t> updateTick{0};
+  // The handle the tick threads post to: hWnd, published for them.
+  std::atomic<PLATFORM::windowHandle> tickWindow{0};
   mutex callbackMutex;
   mutex absoluteCallbackMutex;
   std::list<inputEventDelegate> absoluteCallbacks[EVENT_TYPE_COUNT];
