@@ -153,6 +153,7 @@ bool readAscii(const mappedFile& file, std::vector<T>& positions, std::vector<T>
   size_t inRun = 0, facets = 0;
   const size_t recordsStart = size_t(std::find(file.data(), file.end(), '\n') - file.data()) + 1;
   auto flush = [&]() {
+    if (inRun == 0) return;
     std::memcpy(growBy(normals, 3 * inRun), runNormals, 12 * inRun);
     std::memcpy(growBy(positions, 9 * inRun), runPositions, 36 * inRun);
     inRun = 0;
