@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cmath>
 #include <thread>
 
 #include "support/fileBytes.h"
@@ -330,6 +331,36 @@ TEST(ioPly, progressRunsFromOneToAHundredInBothHalves) {
   recordingCallBack failing;
   EXPECT_FALSE(ioPly::readPlyFromFile(dir.file("none.ply"), positions, v, triangles, t, &failing));
   EXPECT_EQ(failing.values, (std::vector<float>{1.0f, 100.0f}));
+}
+
+}  // namespace
+
+namespace {
+
+TEST(ioPly, polygonsOfMoreThan255CornersTakeAnIntCount) {
+  tempDir dir;
+  plyPolygonMesh disc;
+  for (unsigned i = 0; i < 300; ++i) {
+    const float a = float(i) * 6.2831853f / 300;
+    disc.positions.push_back({std::cos(a), std::sin(a), 0});
+    disc.colours.push_back({uint8_t(i), 0, 0, 255});
+    disc.corners.push_back(i);
+  }
+  disc.cornerCounts = {300};
+  for (const bool binary : {false, true}) {
+    ASSERT_TRUE(ioPly::writePlyPolygonsToFile(dir.file("disc.ply"), disc, binary));
+    EXPECT_NE(readBytes(dir.file("disc.ply")).find("property list int int vertex_indices"),
+              std::string::npos);
+    plyPolygonMesh again;
+    ASSERT_TRUE(ioPly::readPlyPolygonsFromFile(dir.file("disc.ply"), again));
+    EXPECT_EQ(again.positions, disc.positions);
+    EXPECT_EQ(again.colours, disc.colours);
+    EXPECT_EQ(again.cornerCounts, disc.cornerCounts);
+    EXPECT_EQ(again.corners, disc.corners);
+  }
+  // Corner counts that do not add up to the corners are refused.
+  disc.cornerCounts = {299};
+  EXPECT_FALSE(ioPly::writePlyPolygonsToFile(dir.file("bad.ply"), disc, true));
 }
 
 }  // namespace
