@@ -2,8 +2,10 @@
 
 #include <charconv>
 #include <cstdint>
+#include <cstring>
 #include <limits>
 #include <system_error>
+#include <type_traits>
 
 // Token-level number parsing and printing for the text forms of the mesh files. Parsers
 // take [p, end), skip leading blanks, and return the position after the number, or null
@@ -27,18 +29,66 @@ inline const char* skipToken(const char* p, const char* end) {
 
 inline bool endsToken(const char* p, const char* end) { return p == end || isBlank(*p); }
 
+// A float from plain decimal text ("-12.5", "1.234567e+00") by one exact double operation:
+// with at most 19 digits forming a mantissa below 2^53 and a power of ten up to 22, the
+// double is correctly rounded, and rounding it to float is too unless it lies exactly half
+// way between two floats. False for every other text, which then goes to from_chars.
+inline bool parseShortFloat(const char*& p, const char* end, float& value) {
+  static const double powers[] = {1e0,  1e1,  1e2,  1e3,  1e4,  1e5,  1e6,  1e7,
+                                  1e8,  1e9,  1e10, 1e11, 1e12, 1e13, 1e14, 1e15,
+                                  1e16, 1e17, 1e18, 1e19, 1e20, 1e21, 1e22};
+  const char* q = p;
+  const bool negative = q != end && *q == '-';
+  if (negative) ++q;
+  uint64_t mantissa = 0;
+  int digits = 0, exponent = 0;
+  for (; q != end && unsigned(*q - '0') < 10u; ++q, ++digits)
+    mantissa = mantissa * 10 + unsigned(*q - '0');
+  if (q != end && *q == '.') {
+    for (++q; q != end && unsigned(*q - '0') < 10u; ++q, ++digits, --exponent)
+      mantissa = mantissa * 10 + unsigned(*q - '0');
+  }
+  if (digits == 0 || digits > 19) return false;
+  if (q != end && (*q == 'e' || *q == 'E')) {
+    ++q;
+    const bool down = q != end && *q == '-';
+    if (q != end && (*q == '-' || *q == '+')) ++q;
+    int e = 0, n = 0;
+    for (; q != end && unsigned(*q - '0') < 10u && n < 4; ++q, ++n) e = e * 10 + (*q - '0');
+    if (n == 0) return false;
+    exponent += down ? -e : e;
+  }
+  if (!endsToken(q, end) || mantissa > (uint64_t(1) << 53) || exponent < -22 || exponent > 22)
+    return false;
+  const double d =
+      exponent < 0 ? double(mantissa) / powers[-exponent] : double(mantissa) * powers[exponent];
+  uint64_t bits;
+  std::memcpy(&bits, &d, sizeof bits);
+  // Half way between two floats: the 29 bits below float precision read 1000...0.
+  if ((bits & 0x1fffffffu) == 0x10000000u) return false;
+  value = negative ? -float(d) : float(d);
+  p = q;
+  return true;
+}
+
 // Floating point of type T (float or double), correctly rounded; a leading '+' is allowed.
 template <class T>
 inline const char* parseReal(const char* p, const char* end, T& value) {
   p = skipBlanks(p, end);
   if (p != end && *p == '+') ++p;
   if (p == end) return nullptr;
+  if constexpr (std::is_same_v<T, float>) {
+    if (parseShortFloat(p, end, value)) return p;
+  }
   const auto r = std::from_chars(p, end, value);
   if (r.ec == std::errc::result_out_of_range) {
-    // Too large or too small for T: saturate the way strtof does rather than fail.
+    // Too large or too small for T: infinity or (nearly) zero, as strtof gives, not a failure.
     double wide = 0;
-    if (std::from_chars(p, end, wide).ec != std::errc()) return nullptr;
-    value = T(wide);
+    const auto w = std::from_chars(p, end, wide);
+    if (w.ec != std::errc() && w.ec != std::errc::result_out_of_range) return nullptr;
+    const double most = double(std::numeric_limits<T>::max());
+    const T infinity = std::numeric_limits<T>::infinity();
+    value = wide > most ? infinity : wide < -most ? -infinity : T(wide);
   } else if (r.ec != std::errc()) {
     return nullptr;
   }
