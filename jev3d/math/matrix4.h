@@ -1,10 +1,13 @@
 #pragma once
 
+#include <array>
 #include <cmath>
 #include <cstring>
 #include <limits>
+#include <string>
 #include <vector>
 
+#include "jev3d/math/internal/xmlComponents.h"
 #include "jev3d/math/mathBase.h"
 #include "jev3d/math/matrix3.h"
 #include "jev3d/math/point3.h"
@@ -258,6 +261,29 @@ class matrix4 {
   // translation only the rotation is returned. Always true.
   static bool computeRigidMatchMatrix(matrix4& result, const std::vector<point3<T>>& a,
                                       const std::vector<point3<T>>& b, bool withTranslation = true);
+
+  // Appends an element named `element` to `node` with the sixteen elements in the
+  // attributes `names`, in element order; false if node is null. The file forms write a
+  // new file holding only that element. Narrow names are widened first.
+  bool saveToXML(IO::XML::xmlNode* node, const std::string& element,
+                 const std::array<std::string, 16>& names) const;
+  bool saveToXML(const std::string& file, const std::string& element,
+                 const std::array<std::string, 16>& names) const;
+  bool saveToXMLW(IO::XML::xmlNode* node, const std::wstring& element,
+                  const std::array<std::wstring, 16>& names) const;
+  bool saveToXMLW(const std::wstring& file, const std::wstring& element,
+                  const std::array<std::wstring, 16>& names) const;
+  // Reads the elements from the first child element named `element` of `node` (or at the
+  // top of the file); false if it is absent. A missing attribute leaves its element
+  // untouched.
+  bool openFromXML(const IO::XML::xmlNode* node, const std::string& element,
+                   const std::array<std::string, 16>& names);
+  bool openFromXML(const std::string& file, const std::string& element,
+                   const std::array<std::string, 16>& names);
+  bool openFromXMLW(const IO::XML::xmlNode* node, const std::wstring& element,
+                    const std::array<std::wstring, 16>& names);
+  bool openFromXMLW(const std::wstring& file, const std::wstring& element,
+                    const std::array<std::wstring, 16>& names);
 
   // memcmp of the whole objects: a total order of bytes, not of numbers.
   static int compareArrays(const matrix4& a, const matrix4& b) {

@@ -297,5 +297,56 @@ bool matrix4<T>::computeRigidMatchMatrix(matrix4& result, const std::vector<poin
   return true;
 }
 
+namespace internal {
+
+inline std::array<std::wstring, 16> widen(const std::array<std::string, 16>& names) {
+  std::array<std::wstring, 16> wide;
+  for (int i = 0; i < 16; ++i) wide[i] = widen(names[i]);
+  return wide;
+}
+
+}  // namespace internal
+
+template <class T>
+bool matrix4<T>::saveToXMLW(IO::XML::xmlNode* node, const std::wstring& element,
+                            const std::array<std::wstring, 16>& names) const {
+  return internal::saveComponents(node, element, names.data(), m, 16);
+}
+template <class T>
+bool matrix4<T>::saveToXMLW(const std::wstring& file, const std::wstring& element,
+                            const std::array<std::wstring, 16>& names) const {
+  return internal::saveComponentsToFile(file, element, names.data(), m, 16);
+}
+template <class T>
+bool matrix4<T>::openFromXMLW(const IO::XML::xmlNode* node, const std::wstring& element,
+                              const std::array<std::wstring, 16>& names) {
+  return internal::openComponents(node, element, names.data(), m, 16);
+}
+template <class T>
+bool matrix4<T>::openFromXMLW(const std::wstring& file, const std::wstring& element,
+                              const std::array<std::wstring, 16>& names) {
+  return internal::openComponentsFromFile(file, element, names.data(), m, 16);
+}
+template <class T>
+bool matrix4<T>::saveToXML(IO::XML::xmlNode* node, const std::string& element,
+                           const std::array<std::string, 16>& names) const {
+  return saveToXMLW(node, internal::widen(element), internal::widen(names));
+}
+template <class T>
+bool matrix4<T>::saveToXML(const std::string& file, const std::string& element,
+                           const std::array<std::string, 16>& names) const {
+  return saveToXMLW(internal::widen(file), internal::widen(element), internal::widen(names));
+}
+template <class T>
+bool matrix4<T>::openFromXML(const IO::XML::xmlNode* node, const std::string& element,
+                             const std::array<std::string, 16>& names) {
+  return openFromXMLW(node, internal::widen(element), internal::widen(names));
+}
+template <class T>
+bool matrix4<T>::openFromXML(const std::string& file, const std::string& element,
+                             const std::array<std::string, 16>& names) {
+  return openFromXMLW(internal::widen(file), internal::widen(element), internal::widen(names));
+}
+
 }  // namespace MATH
 }  // namespace JEV

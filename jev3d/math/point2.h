@@ -4,7 +4,10 @@
 #include <cstdlib>
 #include <cstring>
 #include <limits>
+#include <string>
 #include <type_traits>
+
+#include "jev3d/math/internal/xmlComponents.h"
 
 namespace JEV {
 namespace MATH {
@@ -142,6 +145,29 @@ class point2 {
   // to bary[3]. A degenerate triangle divides by zero.
   static void getBarycentrics(const point2& p, const point2& v0, const point2& v1, const point2& v2,
                               T bary[3]);
+
+  // Appends an element named `element` to `node`, the components in the attributes
+  // xName, yName; false if node is null. The file forms write a new file holding
+  // only that element. Narrow names are widened first.
+  bool saveToXML(IO::XML::xmlNode* node, const std::string& element, const std::string& xName,
+                 const std::string& yName) const;
+  bool saveToXML(const std::string& file, const std::string& element, const std::string& xName,
+                 const std::string& yName) const;
+  bool saveToXMLW(IO::XML::xmlNode* node, const std::wstring& element, const std::wstring& xName,
+                  const std::wstring& yName) const;
+  bool saveToXMLW(const std::wstring& file, const std::wstring& element, const std::wstring& xName,
+                  const std::wstring& yName) const;
+  // Reads the components from the first child element named `element` of `node` (or at
+  // the top of the file); false if it is absent. A missing attribute leaves its
+  // component untouched.
+  bool openFromXML(const IO::XML::xmlNode* node, const std::string& element,
+                   const std::string& xName, const std::string& yName);
+  bool openFromXML(const std::string& file, const std::string& element, const std::string& xName,
+                   const std::string& yName);
+  bool openFromXMLW(const IO::XML::xmlNode* node, const std::wstring& element,
+                    const std::wstring& xName, const std::wstring& yName);
+  bool openFromXMLW(const std::wstring& file, const std::wstring& element,
+                    const std::wstring& xName, const std::wstring& yName);
 
   // memcmp of the whole objects: a total order of bytes, not of numbers (0.0 != -0.0).
   static int compareArrays(const point2& a, const point2& b) {

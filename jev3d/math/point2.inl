@@ -56,5 +56,57 @@ void point2<T>::getBarycentrics(const point2& p, const point2& v0, const point2&
   bary[2] = T(b2);
 }
 
+template <class T>
+bool point2<T>::saveToXML(IO::XML::xmlNode* node, const std::string& element,
+                          const std::string& xName, const std::string& yName) const {
+  return internal::saveNamed(node, internal::widen(element), data(), internal::widen(xName),
+                             internal::widen(yName));
+}
+
+template <class T>
+bool point2<T>::saveToXML(const std::string& file, const std::string& element,
+                          const std::string& xName, const std::string& yName) const {
+  return internal::saveNamed(internal::widen(file), internal::widen(element), data(),
+                             internal::widen(xName), internal::widen(yName));
+}
+
+template <class T>
+bool point2<T>::saveToXMLW(IO::XML::xmlNode* node, const std::wstring& element,
+                           const std::wstring& xName, const std::wstring& yName) const {
+  return internal::saveNamed(node, element, data(), xName, yName);
+}
+
+template <class T>
+bool point2<T>::saveToXMLW(const std::wstring& file, const std::wstring& element,
+                           const std::wstring& xName, const std::wstring& yName) const {
+  return internal::saveNamed(file, element, data(), xName, yName);
+}
+
+template <class T>
+bool point2<T>::openFromXML(const IO::XML::xmlNode* node, const std::string& element,
+                            const std::string& xName, const std::string& yName) {
+  return internal::openNamed(node, internal::widen(element), data(), internal::widen(xName),
+                             internal::widen(yName));
+}
+
+template <class T>
+bool point2<T>::openFromXML(const std::string& file, const std::string& element,
+                            const std::string& xName, const std::string& yName) {
+  return internal::openNamed(internal::widen(file), internal::widen(element), data(),
+                             internal::widen(xName), internal::widen(yName));
+}
+
+template <class T>
+bool point2<T>::openFromXMLW(const IO::XML::xmlNode* node, const std::wstring& element,
+                             const std::wstring& xName, const std::wstring& yName) {
+  return internal::openNamed(node, element, data(), xName, yName);
+}
+
+template <class T>
+bool point2<T>::openFromXMLW(const std::wstring& file, const std::wstring& element,
+                             const std::wstring& xName, const std::wstring& yName) {
+  return internal::openNamed(file, element, data(), xName, yName);
+}
+
 }  // namespace MATH
 }  // namespace JEV

@@ -4,7 +4,10 @@
 #include <cstdlib>
 #include <cstring>
 #include <limits>
+#include <string>
 #include <type_traits>
+
+#include "jev3d/math/internal/xmlComponents.h"
 
 namespace JEV {
 namespace MATH {
@@ -158,6 +161,31 @@ class point3 {
   // triangle, then the longest edge, then (1, 0, 0, 0).
   void getBarycentrics(const point3& v0, const point3& v1, const point3& v2, const point3& v3,
                        T bary[4]) const;
+
+  // Appends an element named `element` to `node`, the components in the attributes
+  // xName, yName, zName; false if node is null. The file forms write a new file holding
+  // only that element. Narrow names are widened first.
+  bool saveToXML(IO::XML::xmlNode* node, const std::string& element, const std::string& xName,
+                 const std::string& yName, const std::string& zName) const;
+  bool saveToXML(const std::string& file, const std::string& element, const std::string& xName,
+                 const std::string& yName, const std::string& zName) const;
+  bool saveToXMLW(IO::XML::xmlNode* node, const std::wstring& element, const std::wstring& xName,
+                  const std::wstring& yName, const std::wstring& zName) const;
+  bool saveToXMLW(const std::wstring& file, const std::wstring& element, const std::wstring& xName,
+                  const std::wstring& yName, const std::wstring& zName) const;
+  // Reads the components from the first child element named `element` of `node` (or at
+  // the top of the file); false if it is absent. A missing attribute leaves its
+  // component untouched.
+  bool openFromXML(const IO::XML::xmlNode* node, const std::string& element,
+                   const std::string& xName, const std::string& yName, const std::string& zName);
+  bool openFromXML(const std::string& file, const std::string& element, const std::string& xName,
+                   const std::string& yName, const std::string& zName);
+  bool openFromXMLW(const IO::XML::xmlNode* node, const std::wstring& element,
+                    const std::wstring& xName, const std::wstring& yName,
+                    const std::wstring& zName);
+  bool openFromXMLW(const std::wstring& file, const std::wstring& element,
+                    const std::wstring& xName, const std::wstring& yName,
+                    const std::wstring& zName);
 
   // memcmp of the whole objects: a total order of bytes, not of numbers (0.0 != -0.0).
   static int compareArrays(const point3& a, const point3& b) {

@@ -147,5 +147,67 @@ void point3<T>::getBarycentrics(const point3& v0, const point3& v1, const point3
   for (int k = 0; k < 4; ++k) bary[k] = T(out[k]);
 }
 
+template <class T>
+bool point3<T>::saveToXML(IO::XML::xmlNode* node, const std::string& element,
+                          const std::string& xName, const std::string& yName,
+                          const std::string& zName) const {
+  return internal::saveNamed(node, internal::widen(element), data(), internal::widen(xName),
+                             internal::widen(yName), internal::widen(zName));
+}
+
+template <class T>
+bool point3<T>::saveToXML(const std::string& file, const std::string& element,
+                          const std::string& xName, const std::string& yName,
+                          const std::string& zName) const {
+  return internal::saveNamed(internal::widen(file), internal::widen(element), data(),
+                             internal::widen(xName), internal::widen(yName),
+                             internal::widen(zName));
+}
+
+template <class T>
+bool point3<T>::saveToXMLW(IO::XML::xmlNode* node, const std::wstring& element,
+                           const std::wstring& xName, const std::wstring& yName,
+                           const std::wstring& zName) const {
+  return internal::saveNamed(node, element, data(), xName, yName, zName);
+}
+
+template <class T>
+bool point3<T>::saveToXMLW(const std::wstring& file, const std::wstring& element,
+                           const std::wstring& xName, const std::wstring& yName,
+                           const std::wstring& zName) const {
+  return internal::saveNamed(file, element, data(), xName, yName, zName);
+}
+
+template <class T>
+bool point3<T>::openFromXML(const IO::XML::xmlNode* node, const std::string& element,
+                            const std::string& xName, const std::string& yName,
+                            const std::string& zName) {
+  return internal::openNamed(node, internal::widen(element), data(), internal::widen(xName),
+                             internal::widen(yName), internal::widen(zName));
+}
+
+template <class T>
+bool point3<T>::openFromXML(const std::string& file, const std::string& element,
+                            const std::string& xName, const std::string& yName,
+                            const std::string& zName) {
+  return internal::openNamed(internal::widen(file), internal::widen(element), data(),
+                             internal::widen(xName), internal::widen(yName),
+                             internal::widen(zName));
+}
+
+template <class T>
+bool point3<T>::openFromXMLW(const IO::XML::xmlNode* node, const std::wstring& element,
+                             const std::wstring& xName, const std::wstring& yName,
+                             const std::wstring& zName) {
+  return internal::openNamed(node, element, data(), xName, yName, zName);
+}
+
+template <class T>
+bool point3<T>::openFromXMLW(const std::wstring& file, const std::wstring& element,
+                             const std::wstring& xName, const std::wstring& yName,
+                             const std::wstring& zName) {
+  return internal::openNamed(file, element, data(), xName, yName, zName);
+}
+
 }  // namespace MATH
 }  // namespace JEV

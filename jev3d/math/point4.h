@@ -4,9 +4,12 @@
 #include <cstdlib>
 #include <cstring>
 #include <limits>
+#include <string>
 #include <type_traits>
 
 #include "jev3d/math/point3.h"
+
+#include "jev3d/math/internal/xmlComponents.h"
 
 namespace JEV {
 namespace MATH {
@@ -132,6 +135,36 @@ class point4 {
   }
   // Per-axis extremes of count points, starting from the first; count 0 gives zeros.
   static void computeExtremes(int count, const point4* points, point4& min, point4& max);
+
+  // Appends an element named `element` to `node`, the components in the attributes
+  // xName, yName, zName, wName; false if node is null. The file forms write a new file holding
+  // only that element. Narrow names are widened first.
+  bool saveToXML(IO::XML::xmlNode* node, const std::string& element, const std::string& xName,
+                 const std::string& yName, const std::string& zName,
+                 const std::string& wName) const;
+  bool saveToXML(const std::string& file, const std::string& element, const std::string& xName,
+                 const std::string& yName, const std::string& zName,
+                 const std::string& wName) const;
+  bool saveToXMLW(IO::XML::xmlNode* node, const std::wstring& element, const std::wstring& xName,
+                  const std::wstring& yName, const std::wstring& zName,
+                  const std::wstring& wName) const;
+  bool saveToXMLW(const std::wstring& file, const std::wstring& element, const std::wstring& xName,
+                  const std::wstring& yName, const std::wstring& zName,
+                  const std::wstring& wName) const;
+  // Reads the components from the first child element named `element` of `node` (or at
+  // the top of the file); false if it is absent. A missing attribute leaves its
+  // component untouched.
+  bool openFromXML(const IO::XML::xmlNode* node, const std::string& element,
+                   const std::string& xName, const std::string& yName, const std::string& zName,
+                   const std::string& wName);
+  bool openFromXML(const std::string& file, const std::string& element, const std::string& xName,
+                   const std::string& yName, const std::string& zName, const std::string& wName);
+  bool openFromXMLW(const IO::XML::xmlNode* node, const std::wstring& element,
+                    const std::wstring& xName, const std::wstring& yName, const std::wstring& zName,
+                    const std::wstring& wName);
+  bool openFromXMLW(const std::wstring& file, const std::wstring& element,
+                    const std::wstring& xName, const std::wstring& yName, const std::wstring& zName,
+                    const std::wstring& wName);
 
   // memcmp of the whole objects: a total order of bytes, not of numbers (0.0 != -0.0).
   static int compareArrays(const point4& a, const point4& b) {
