@@ -5,6 +5,8 @@
 #include <limits>
 #include <vector>
 
+#include "jev3d/math/internal/byteOrdered.h"
+#include "jev3d/math/internal/elementwise.h"
 #include "jev3d/math/mathBase.h"
 #include "jev3d/math/point3.h"
 
@@ -19,7 +21,8 @@ class matrix4;
 // of this class give the column-vector form, the transpose of matrix4's. Full for float
 // and double; int has the constructors, setIdentity and indexOf.
 template <class T>
-class matrix3 {
+class matrix3 : public internal::byteOrdered<matrix3<T>>,
+                public internal::elementwise<matrix3<T>, T, 9> {
  public:
   // false builds the identity, true the zero matrix.
   explicit matrix3(bool zero = false) { zero ? setZero() : setIdentity(); }
@@ -85,43 +88,6 @@ class matrix3 {
       for (int c = 0; c < 3; ++c) out[r + c * 3] = m[c + r * 3];
   }
 
-  matrix3 operator+(const matrix3& b) const {
-    matrix3 r(*this);
-    return r += b;
-  }
-  matrix3 operator-(const matrix3& b) const {
-    matrix3 r(*this);
-    return r -= b;
-  }
-  matrix3 operator-() const { return *this * T(-1); }
-  matrix3& operator+=(const matrix3& b) {
-    for (int i = 0; i < 9; ++i) m[i] += b.m[i];
-    return *this;
-  }
-  matrix3& operator-=(const matrix3& b) {
-    for (int i = 0; i < 9; ++i) m[i] -= b.m[i];
-    return *this;
-  }
-  matrix3 operator*(T s) const {
-    matrix3 r(*this);
-    return r *= s;
-  }
-  matrix3& operator*=(T s) {
-    for (T& v : m) v *= s;
-    return *this;
-  }
-  // Division by a scalar; exactly 0 gives the largest T in every element.
-  matrix3 operator/(T s) const {
-    matrix3 r(*this);
-    return r /= s;
-  }
-  matrix3& operator/=(T s) {
-    if (s == T(0)) {
-      for (T& v : m) v = std::numeric_limits<T>::max();
-      return *this;
-    }
-    return *this *= T(1) / s;
-  }
   // The ordinary product this·b; with row-vector points, p·(A·B) applies A first.
   matrix3 operator*(const matrix3& b) const {
     matrix3 r(true);
@@ -242,17 +208,6 @@ class matrix3 {
   // A matrix4 with this in its upper-left block and identity elsewhere.
   matrix4<T> toMatrix4() const;
 
-  // memcmp of the whole objects: a total order of bytes, not of numbers.
-  static int compareArrays(const matrix3& a, const matrix3& b) {
-    return std::memcmp(a.m, b.m, sizeof a.m);
-  }
-  bool operator==(const matrix3& b) const { return compareArrays(*this, b) == 0; }
-  bool operator!=(const matrix3& b) const { return compareArrays(*this, b) != 0; }
-  bool operator<(const matrix3& b) const { return compareArrays(*this, b) < 0; }
-  bool operator<=(const matrix3& b) const { return compareArrays(*this, b) <= 0; }
-  bool operator>(const matrix3& b) const { return compareArrays(*this, b) > 0; }
-  bool operator>=(const matrix3& b) const { return compareArrays(*this, b) >= 0; }
-
   // this·v with v a column.
   point3<T> operator*(const point3<T>& v) const {
     return point3<T>(m[0] * v.x + m[1] * v.y + m[2] * v.z, m[3] * v.x + m[4] * v.y + m[5] * v.z,
@@ -268,10 +223,6 @@ template <class T>
 inline point3<T> operator*(const point3<T>& p, const matrix3<T>& a) {
   return point3<T>(p.x * a[0] + p.y * a[3] + p.z * a[6], p.x * a[1] + p.y * a[4] + p.z * a[7],
                    p.x * a[2] + p.y * a[5] + p.z * a[8]);
-}
-template <class T>
-inline matrix3<T> operator*(T s, const matrix3<T>& a) {
-  return a * s;
 }
 
 using matrix3i = matrix3<int>;

@@ -7,6 +7,8 @@
 #include <string>
 #include <vector>
 
+#include "jev3d/math/internal/byteOrdered.h"
+#include "jev3d/math/internal/elementwise.h"
 #include "jev3d/math/internal/xmlComponents.h"
 #include "jev3d/math/mathBase.h"
 #include "jev3d/math/matrix3.h"
@@ -22,7 +24,8 @@ namespace MATH {
 // Full for float and double; int has the constructors, setZero, getNorm, the Jacobi
 // pair, getRowsNumber and operator[].
 template <class T>
-class matrix4 {
+class matrix4 : public internal::byteOrdered<matrix4<T>>,
+                public internal::elementwise<matrix4<T>, T, 16> {
  public:
   // false builds the identity, true the zero matrix.
   explicit matrix4(bool zero = false) { zero ? setZero() : setIdentity(); }
@@ -80,42 +83,6 @@ class matrix4 {
   point3<T> getTranslateVector() const { return point3<T>(m[12], m[13], m[14]); }
   point3<T> getScaleVector() const { return point3<T>(m[0], m[5], m[10]); }
 
-  matrix4 operator+(const matrix4& b) const {
-    matrix4 r(*this);
-    return r += b;
-  }
-  matrix4 operator-(const matrix4& b) const {
-    matrix4 r(*this);
-    return r -= b;
-  }
-  matrix4& operator+=(const matrix4& b) {
-    for (int i = 0; i < 16; ++i) m[i] += b.m[i];
-    return *this;
-  }
-  matrix4& operator-=(const matrix4& b) {
-    for (int i = 0; i < 16; ++i) m[i] -= b.m[i];
-    return *this;
-  }
-  matrix4 operator*(T s) const {
-    matrix4 r(*this);
-    return r *= s;
-  }
-  matrix4& operator*=(T s) {
-    for (T& v : m) v *= s;
-    return *this;
-  }
-  // Division by a scalar; exactly 0 gives the largest T in every element.
-  matrix4 operator/(T s) const {
-    matrix4 r(*this);
-    return r /= s;
-  }
-  matrix4& operator/=(T s) {
-    if (s == T(0)) {
-      for (T& v : m) v = std::numeric_limits<T>::max();
-      return *this;
-    }
-    return *this *= T(1) / s;
-  }
   // The ordinary product this·b; with row-vector points, p·(A·B) applies A first.
   matrix4 operator*(const matrix4& b) const {
     matrix4 r(true);
@@ -285,17 +252,6 @@ class matrix4 {
   bool openFromXMLW(const std::wstring& file, const std::wstring& element,
                     const std::array<std::wstring, 16>& names);
 
-  // memcmp of the whole objects: a total order of bytes, not of numbers.
-  static int compareArrays(const matrix4& a, const matrix4& b) {
-    return std::memcmp(a.m, b.m, sizeof a.m);
-  }
-  bool operator==(const matrix4& b) const { return compareArrays(*this, b) == 0; }
-  bool operator!=(const matrix4& b) const { return compareArrays(*this, b) != 0; }
-  bool operator<(const matrix4& b) const { return compareArrays(*this, b) < 0; }
-  bool operator<=(const matrix4& b) const { return compareArrays(*this, b) <= 0; }
-  bool operator>(const matrix4& b) const { return compareArrays(*this, b) > 0; }
-  bool operator>=(const matrix4& b) const { return compareArrays(*this, b) >= 0; }
-
  private:
   T m[16];
 };
@@ -322,10 +278,6 @@ inline point4<T> operator*(const point4<T>& p, const matrix4<T>& a) {
 template <class T>
 inline point4<T>& operator*=(point4<T>& p, const matrix4<T>& a) {
   return p = p * a;
-}
-template <class T>
-inline matrix4<T> operator*(T s, const matrix4<T>& a) {
-  return a * s;
 }
 
 using matrix4i = matrix4<int>;

@@ -7,6 +7,7 @@
 #include <string>
 #include <type_traits>
 
+#include "jev3d/math/internal/byteOrdered.h"
 #include "jev3d/math/internal/xmlComponents.h"
 
 namespace JEV {
@@ -15,7 +16,7 @@ namespace MATH {
 // A two-component value: a position in the plane or a texture coordinate. Plain layout
 // x, y. Instantiated for int, float and double.
 template <class T>
-class point2 {
+class point2 : public internal::byteOrdered<point2<T>> {
  public:
   T x = T(0);
   T y = T(0);
@@ -168,17 +169,6 @@ class point2 {
                     const std::wstring& xName, const std::wstring& yName);
   bool openFromXMLW(const std::wstring& file, const std::wstring& element,
                     const std::wstring& xName, const std::wstring& yName);
-
-  // memcmp of the whole objects: a total order of bytes, not of numbers (0.0 != -0.0).
-  static int compareArrays(const point2& a, const point2& b) {
-    return std::memcmp(&a, &b, sizeof(point2));
-  }
-  bool operator==(const point2& b) const { return compareArrays(*this, b) == 0; }
-  bool operator!=(const point2& b) const { return compareArrays(*this, b) != 0; }
-  bool operator<(const point2& b) const { return compareArrays(*this, b) < 0; }
-  bool operator<=(const point2& b) const { return compareArrays(*this, b) <= 0; }
-  bool operator>(const point2& b) const { return compareArrays(*this, b) > 0; }
-  bool operator>=(const point2& b) const { return compareArrays(*this, b) >= 0; }
 };
 
 template <class T>

@@ -7,6 +7,7 @@
 #include <string>
 #include <type_traits>
 
+#include "jev3d/math/internal/byteOrdered.h"
 #include "jev3d/math/internal/xmlComponents.h"
 
 namespace JEV {
@@ -19,7 +20,7 @@ class point4;
 // products. Plain layout (x, y, z and nothing else) so that arrays of points can be
 // handed to files and renderers as they are. Instantiated for int, float and double.
 template <class T>
-class point3 {
+class point3 : public internal::byteOrdered<point3<T>> {
  public:
   T x = T(0);
   T y = T(0);
@@ -186,17 +187,6 @@ class point3 {
   bool openFromXMLW(const std::wstring& file, const std::wstring& element,
                     const std::wstring& xName, const std::wstring& yName,
                     const std::wstring& zName);
-
-  // memcmp of the whole objects: a total order of bytes, not of numbers (0.0 != -0.0).
-  static int compareArrays(const point3& a, const point3& b) {
-    return std::memcmp(&a, &b, sizeof(point3));
-  }
-  bool operator==(const point3& b) const { return compareArrays(*this, b) == 0; }
-  bool operator!=(const point3& b) const { return compareArrays(*this, b) != 0; }
-  bool operator<(const point3& b) const { return compareArrays(*this, b) < 0; }
-  bool operator<=(const point3& b) const { return compareArrays(*this, b) <= 0; }
-  bool operator>(const point3& b) const { return compareArrays(*this, b) > 0; }
-  bool operator>=(const point3& b) const { return compareArrays(*this, b) >= 0; }
 };
 
 template <class T>

@@ -9,6 +9,7 @@
 
 #include "jev3d/math/point3.h"
 
+#include "jev3d/math/internal/byteOrdered.h"
 #include "jev3d/math/internal/xmlComponents.h"
 
 namespace JEV {
@@ -17,7 +18,7 @@ namespace MATH {
 // A four-component value: a homogeneous position or a colour. Plain layout x, y, z, w.
 // Instantiated for int, float and double.
 template <class T>
-class point4 {
+class point4 : public internal::byteOrdered<point4<T>> {
  public:
   T x = T(0);
   T y = T(0);
@@ -165,17 +166,6 @@ class point4 {
   bool openFromXMLW(const std::wstring& file, const std::wstring& element,
                     const std::wstring& xName, const std::wstring& yName, const std::wstring& zName,
                     const std::wstring& wName);
-
-  // memcmp of the whole objects: a total order of bytes, not of numbers (0.0 != -0.0).
-  static int compareArrays(const point4& a, const point4& b) {
-    return std::memcmp(&a, &b, sizeof(point4));
-  }
-  bool operator==(const point4& b) const { return compareArrays(*this, b) == 0; }
-  bool operator!=(const point4& b) const { return compareArrays(*this, b) != 0; }
-  bool operator<(const point4& b) const { return compareArrays(*this, b) < 0; }
-  bool operator<=(const point4& b) const { return compareArrays(*this, b) <= 0; }
-  bool operator>(const point4& b) const { return compareArrays(*this, b) > 0; }
-  bool operator>=(const point4& b) const { return compareArrays(*this, b) >= 0; }
 
  private:
   double squaredLengthD() const {

@@ -1,9 +1,10 @@
 #pragma once
 
 #include <cmath>
-#include <cstring>
 #include <limits>
 
+#include "jev3d/math/internal/byteOrdered.h"
+#include "jev3d/math/internal/elementwise.h"
 #include "jev3d/math/matrix3.h"
 #include "jev3d/math/matrix4.h"
 #include "jev3d/math/point3.h"
@@ -15,7 +16,8 @@ namespace MATH {
 // product is Hamilton's, so (a·b).rotate(v) is a.rotate(b.rotate(v)). Full for float and
 // double; int has the constants and the two rotation-matrix conversions.
 template <class T>
-class quaternion {
+class quaternion : public internal::byteOrdered<quaternion<T>>,
+                   public internal::elementwise<quaternion<T>, T, 4> {
  public:
   T w = T(1);
   T x = T(0);
@@ -36,34 +38,15 @@ class quaternion {
   T& operator[](int i) { return (&w)[i]; }
   const T& operator[](int i) const { return (&w)[i]; }
   point3<T> vec() const { return point3<T>(x, y, z); }
+  T* data() { return &w; }
+  const T* data() const { return &w; }
 
-  quaternion operator+(const quaternion& b) const {
-    return quaternion(w + b.w, x + b.x, y + b.y, z + b.z);
-  }
-  quaternion operator-(const quaternion& b) const {
-    return quaternion(w - b.w, x - b.x, y - b.y, z - b.z);
-  }
-  quaternion operator-() const { return quaternion(-w, -x, -y, -z); }
-  quaternion& operator+=(const quaternion& b) { return *this = *this + b; }
-  quaternion& operator-=(const quaternion& b) { return *this = *this - b; }
   // Hamilton product in storage order.
   quaternion operator*(const quaternion& b) const {
     return quaternion(w * b.w - x * b.x - y * b.y - z * b.z, w * b.x + x * b.w + y * b.z - z * b.y,
                       w * b.y - x * b.z + y * b.w + z * b.x, w * b.z + x * b.y - y * b.x + z * b.w);
   }
   quaternion& operator*=(const quaternion& b) { return *this = *this * b; }
-  quaternion operator*(T s) const { return quaternion(w * s, x * s, y * s, z * s); }
-  quaternion& operator*=(T s) { return *this = *this * s; }
-  // Division by a scalar; exactly 0 gives the largest T in every element.
-  quaternion operator/(T s) const {
-    if (s == T(0)) {
-      const T big = std::numeric_limits<T>::max();
-      return quaternion(big, big, big, big);
-    }
-    return *this * (T(1) / s);
-  }
-  quaternion& operator/=(T s) { return *this = *this / s; }
-
   T dot(const quaternion& b) const { return w * b.w + x * b.x + y * b.y + z * b.z; }
   T squaredNorm() const { return dot(*this); }
   // Length, taken in double.
@@ -128,20 +111,7 @@ class quaternion {
   void decomposeSwingTimesTwist(const point3<T>& axis, quaternion& swing, quaternion& twist) const;
   // this = twist·swing, with swing as in decomposeSwingTimesTwist.
   void decomposeTwistTimesSwing(const point3<T>& axis, quaternion& twist, quaternion& swing) const;
-
-  // memcmp of the whole objects: a total order of bytes, not of numbers.
-  static int compareArrays(const quaternion& a, const quaternion& b) {
-    return std::memcmp(&a, &b, sizeof(quaternion));
-  }
-  bool operator==(const quaternion& b) const { return compareArrays(*this, b) == 0; }
-  bool operator!=(const quaternion& b) const { return compareArrays(*this, b) != 0; }
-  bool operator<(const quaternion& b) const { return compareArrays(*this, b) < 0; }
 };
-
-template <class T>
-inline quaternion<T> operator*(T s, const quaternion<T>& q) {
-  return q * s;
-}
 
 using quaternionf = quaternion<float>;
 using quaterniond = quaternion<double>;

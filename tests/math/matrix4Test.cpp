@@ -10,6 +10,9 @@
 
 using namespace JEV::MATH;
 
+static_assert(sizeof(matrix3f) == 9 * sizeof(float) && sizeof(matrix4d) == 16 * sizeof(double));
+static_assert(std::is_trivially_copyable_v<matrix4f> && std::is_standard_layout_v<matrix4f>);
+
 namespace {
 
 template <class T>
@@ -71,6 +74,16 @@ TEST(matrix4, homogeneousDivisionAndItsZeroRule) {
 TEST(matrix4, zeroRules) {
   const matrix4f m = matrix4f::getTranslate(1, 2, 3) / 0.0f;
   for (int i = 0; i < 16; ++i) EXPECT_EQ(m[i], FLT_MAX);
+  matrix4f n = matrix4f::getScale(2, 4, 8);
+  n /= 0.0f;
+  EXPECT_EQ(n[1], FLT_MAX);
+  const quaternionf q = quaternionf(1, 2, 3, 4) / 0.0f;
+  EXPECT_EQ(q, quaternionf(FLT_MAX, FLT_MAX, FLT_MAX, FLT_MAX));
+  EXPECT_EQ(-matrix4f::getScale(2, 4, 8) + matrix4f::getScale(2, 4, 8) * 2.0f,
+            matrix4f::getScale(2, 4, 8) - matrix4f(true) + matrix4f(true) * 2.0f);
+  const matrix4f half = matrix4f::getScale(2, 4, 8) / 2.0f;
+  EXPECT_EQ(half.getScaleVector(), point3f(1, 2, 4));
+  EXPECT_EQ(half(3, 3), 0.5f);
   matrix4d singular = matrix4d::getScale(1, 0, 2);
   EXPECT_TRUE(singular.getInverse() == matrix4d::ZERO());
   singular.setInverse();
