@@ -5,8 +5,8 @@
 
 namespace JEVMESH {
 
-bool commandLine::parse(const std::vector<std::string>& words, const std::vector<optionSpec>& specs,
-                        std::string& error) {
+bool commandLine::parse(const std::vector<std::string>& words,
+                        const std::vector<optionSpec>& accepted, std::string& error) {
   bool optionsEnded = false;
   for (size_t i = 0; i < words.size(); ++i) {
     const std::string& w = words[i];
@@ -18,21 +18,21 @@ bool commandLine::parse(const std::vector<std::string>& words, const std::vector
       optionsEnded = true;
       continue;
     }
-    const optionSpec* spec = nullptr;
-    for (const auto& s : specs)
-      if (s.name == w) spec = &s;
-    if (!spec) {
+    const optionSpec* known = nullptr;
+    for (const auto& s : accepted)
+      if (s.name == w) known = &s;
+    if (!known) {
       error = "unknown option " + w;
       return false;
     }
-    if (i + spec->values >= words.size()) {
-      error = "option " + w + " needs " + std::to_string(spec->values) +
-              (spec->values == 1 ? " value" : " values");
+    if (i + known->values >= words.size()) {
+      error = "option " + w + " needs " + std::to_string(known->values) +
+              (known->values == 1 ? " value" : " values");
       return false;
     }
     auto& out = options[w];
-    out.assign(words.begin() + long(i) + 1, words.begin() + long(i + 1 + spec->values));
-    i += spec->values;
+    out.assign(words.begin() + long(i) + 1, words.begin() + long(i + 1 + known->values));
+    i += known->values;
   }
   return true;
 }

@@ -19,7 +19,7 @@ class commandLine {
  public:
   // False, with a one-line reason in `error`, for an unknown option or one missing its
   // values.
-  bool parse(const std::vector<std::string>& words, const std::vector<optionSpec>& specs,
+  bool parse(const std::vector<std::string>& words, const std::vector<optionSpec>& accepted,
              std::string& error);
 
   const std::vector<std::string>& positional() const { return args; }
