@@ -26,6 +26,8 @@ struct borderSide {
   uint32_t a, b;                // the face walks a -> b
   uint32_t a2, b2;              // their copies
   uint32_t copyEdge;            // the edge the face moves to
+  uint32_t slot = 0;            // index in the copy's EF of the wall or cap
+  bool first = true;            // the first region face of its group on the edge
   bool outside;                 // the edge keeps a live face outside the region's group
   uint32_t keptRecord = NO_ID;  // the face the old edge gets in place of the region face
   uint32_t keptCorner = 0;
@@ -124,28 +126,42 @@ unsigned int extrudeGroups(editMesh& m, const std::vector<unsigned int>& faces,
     }
   }
 
-  // the copied edges, each with its region face and a slot for the wall or cap
+  // the copied edges, one per border edge and group, with the group's faces on it and a
+  // slot for the wall or cap; where several faces of a group meet on a non-manifold edge
+  // they stay together on one copy, and only the first of them gets a wall
   const bool secondSlot = mode != regionMode::DETACH;
+  std::stable_sort(sides.begin(), sides.end(), [](const borderSide& x, const borderSide& y) {
+    return x.edge != y.edge ? x.edge < y.edge : x.group < y.group;
+  });
   m.expandEdgeArray(unsigned(sides.size()));
   m.expandEFArray(unsigned(sides.size() * 2));
-  for (borderSide& s : sides) {
+  for (size_t i = 0; i < sides.size();) {
+    size_t j = i + 1;
+    while (j < sides.size() && sides[j].edge == sides[i].edge && sides[j].group == sides[i].group)
+      ++j;
+    const borderSide& s = sides[i];
     const uint32_t v0 = m.eV(s.edge, 0), v1 = m.eV(s.edge, 1);
     editMesh::edge copy(v0 == s.a ? s.a2 : s.b2, v1 == s.b ? s.b2 : s.a2);
     copy.efBase = m.efn();
-    copy.efNum = 1;
-    m.efRecords().emplace_back(s.face, s.corner & 63u);
+    copy.efNum = uint32_t(std::min<size_t>(j - i, editMesh::MAX_FACES_ON_EDGE - 1));
+    for (size_t k = i; k < j; ++k) {
+      if (k - i < copy.efNum) m.efRecords().emplace_back(sides[k].face, sides[k].corner & 63u);
+      sides[k].copyEdge = m.en();
+      sides[k].slot = copy.efNum;
+      sides[k].first = k == i;
+    }
     if (secondSlot) m.efRecords().emplace_back(maxValue & (editMesh::EF_LIMIT - 1), 0);
     m.edgeStore().push_back(copy);
-    s.copyEdge = m.en() - 1;
+    i = j;
   }
   m.checkMeshState();
   for (const borderSide& s : sides)
-    if (m.isEdgePinned(s.edge)) m.pinEdge(s.copyEdge);
+    if (s.first && m.isEdgePinned(s.edge)) m.pinEdge(s.copyEdge);
 
   auto fillSecondSlot = [&](const borderSide& s, uint32_t f, uint32_t corner) {
     editMesh::edge& r = m.E(s.copyEdge);
-    m.EF(r.efBase + 1) = editMesh::edgeFaceRecord(f, corner & 63u);
-    r.efNum = 2;
+    m.EF(r.efBase + s.slot) = editMesh::edgeFaceRecord(f, corner & 63u);
+    r.efNum = s.slot + 1;
   };
 
   unsigned int caps = 0;
@@ -154,6 +170,7 @@ unsigned int extrudeGroups(editMesh& m, const std::vector<unsigned int>& faces,
     // wall a b b' a': against the outside along a -> b, against the region along b' -> a'
     std::map<uint32_t, std::vector<editMesh::edgeFaceRecord>> upright;  // copy -> its faces
     for (borderSide& s : sides) {
+      if (!s.first) continue;
       const uint32_t w = m.addQuadFace(s.a, s.b, s.b2, s.a2);
       s.keptRecord = w;
       s.keptCorner = 1;
@@ -175,6 +192,7 @@ unsigned int extrudeGroups(editMesh& m, const std::vector<unsigned int>& faces,
     std::multimap<uint32_t, uint32_t> from;  // a' -> side
     for (uint32_t i = 0; i < sides.size(); ++i) from.emplace(sides[i].a2, i);
     std::vector<uint8_t> used(sides.size(), 0);
+    for (uint32_t i = 0; i < sides.size(); ++i) used[i] = !sides[i].first;
     std::vector<uint32_t> loop, ids;
     for (uint32_t start = 0; start < sides.size(); ++start) {
       if (used[start]) continue;
@@ -236,7 +254,7 @@ unsigned int extrudeGroups(editMesh& m, const std::vector<unsigned int>& faces,
   }
   for (const borderSide& s : sides) {
     const editMesh::edge& r = m.E(s.copyEdge);
-    if (secondSlot && r.efNum < 2) m.setDelEfn(m.getDelEfn() + 1);  // an unused cap slot
+    if (secondSlot && s.first && r.efNum <= s.slot) m.setDelEfn(m.getDelEfn() + 1);  // unused
   }
 
   // the region moves to the copies; interior edges follow their faces

@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 
+#include <algorithm>
+
 #include "jev3d/mesh/editMesh.h"
 #include "mesh/topologyChecks.h"
 #include "support/meshes.h"
@@ -191,6 +193,39 @@ TEST(editMeshExtractRegion, cappedPiecesAreBothClosed) {
   ASSERT_MESH_VALID(g);
   EXPECT_TRUE(consistentlyOriented(g));
   EXPECT_EQ(borderEdges(g), 4u);  // the right cell alone is open
+}
+
+// Two region faces on an edge of three faces used to get a copied edge and a wall each:
+// two edges joined the same copies, and a later extraction broke the EF lists.
+TEST(editMeshExtrudeRegion, facesMeetingOnANonManifoldEdgeShareOneCopy) {
+  editMesh m;
+  makeFan(m, 3);
+  finishMesh(m);
+  std::vector<unsigned> fins{0, 2};
+  m.extrudeRegion(fins);
+  ASSERT_MESH_VALID(m);
+  EXPECT_EQ(m.fn(), 3u + 5u);  // one wall on the shared edge, two on each other side
+  const unsigned a2 = m.fV(0, 0), b2 = m.fV(0, 1);
+  EXPECT_EQ(m.fV(2, 0), a2);
+  EXPECT_EQ(m.fV(2, 1), b2);
+  unsigned copies = 0;
+  for (unsigned e = 0; e < m.en(); ++e)
+    if (!m.edgeIsDeleted(e) && std::min(m.eV(e, 0), m.eV(e, 1)) == std::min(a2, b2) &&
+        std::max(m.eV(e, 0), m.eV(e, 1)) == std::max(a2, b2)) {
+      ++copies;
+      EXPECT_EQ(m.eFNum(e), 3u);  // both fins and the wall
+    }
+  EXPECT_EQ(copies, 1u);
+  EXPECT_EQ(m.eFNum(m.findSharedEdgeFromVertices(0, 1)), 2u);  // the third fin and the wall
+
+  std::vector<unsigned> all{0, 2, 1};
+  m.extractRegion(all);
+  EXPECT_MESH_VALID(m);
+  editMesh capped;
+  makeFan(capped, 3);
+  finishMesh(capped);
+  capped.extractCappedRegion(fins);
+  EXPECT_MESH_VALID(capped);
 }
 
 TEST(editMeshExtrudeEdges, borderChainGrowsAStrip) {
