@@ -308,12 +308,11 @@ bool editMesh::compactVertices(std::vector<unsigned int>& map) {
       if (id < nv) id = map[id];
     }
   }
+  // deleted edges too: VE may still list them at their live ends
   if (en() > 0 && !evefInvalid) {
-    for (unsigned int e = 0; e < en(); ++e) {
-      if (edgeIsDeleted(e)) continue;
-      for (uint32_t& id : eStore[e].v)
-        if (id < nv) id = map[id];
-    }
+    for (edge& r : eStore)
+      for (uint32_t& id : r.v)
+        if (id < nv) id = map[id] < vn() ? map[id] : maxValue;
   }
   bboxDirty = true;
   return true;

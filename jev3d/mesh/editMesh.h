@@ -405,7 +405,8 @@ class editMesh {
 
   // Compaction. map receives old id -> new id, 0xFFFFFFFF for dropped elements.
   // Deleted counters stay as they are: reset them with setDelVn and kin.
-  // Vertices: FV of live faces and, with valid edges, both ends of live edges rewritten.
+  // Vertices: FV of live faces and, with valid edges, the ends of every edge rewritten (an
+  // end on a dropped vertex becomes maxValue), so VE stays valid.
   bool compactVertices(std::vector<unsigned int>& map);
   bool compactVertices();
   // Faces: EF face ids rewritten when edges are valid; FV itself is not compacted.

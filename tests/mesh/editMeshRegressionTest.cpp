@@ -16,6 +16,28 @@ TEST(editMeshRegression, computeEdgesDoubledWireEdgesOfAMeshWithoutFaces) {
   EXPECT_MESH_VALID(m);
 }
 
+// Deleting a vertex deletes its edges, but the VE lists of their other ends keep them;
+// compacting the vertices left those edges naming the old ids.
+TEST(editMeshRegression, compactVerticesKeepsVEListsOfDeletedEdgesTrue) {
+  editMesh m;
+  testMeshes::makeGrid(m, 2, 2);
+  testMeshes::finishMesh(m);
+  m.deleteVertex(0);
+  m.compactVertices();
+  ASSERT_EQ(m.vn(), 8u);
+  EXPECT_MESH_VALID(m);
+  // vertex 1 became 0; its edge to the dropped vertex is deleted but still listed there
+  bool listed = false;
+  for (unsigned i = 0; i < m.vENum(0); ++i) {
+    const unsigned e = m.vE(0, i);
+    if (!m.edgeIsDeleted(e)) continue;
+    listed = true;
+    EXPECT_TRUE(m.eV(e, 0) == 0 || m.eV(e, 1) == 0);
+    EXPECT_TRUE(m.eV(e, 0) == m.getMaxValue() || m.eV(e, 1) == m.getMaxValue());
+  }
+  EXPECT_TRUE(listed);
+}
+
 namespace {
 
 using namespace testMeshes;
