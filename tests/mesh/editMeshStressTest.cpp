@@ -74,7 +74,7 @@ struct stressRun {
   }
 
   void start() {
-    switch (pick(9)) {
+    switch (pick(13)) {
       case 0:
         makeGrid(m, 2 + pick(3), 2 + pick(2), coin());
         trace = "grid";
@@ -110,12 +110,31 @@ struct stressRun {
         m.makeTorus(coin(), false, coin(), 4, 3, 2.f, 0.5f);
         trace = "torus";
         break;
+      case 8:
+        m.makeCone(3 + pick(3), 1.f, 2.f, coin() ? 0.f : 0.5f);
+        trace = "primitive cone";
+        break;
+      case 9:
+        m.makeCylinder(3 + pick(3), 1 + pick(2));
+        trace = "primitive cylinder";
+        break;
+      case 10:
+        if (coin())
+          m.makeDodecahedron();
+        else
+          m.makeOctahedron();
+        trace = "primitive polyhedron";
+        break;
+      case 11:
+        m.makeCircle(p3(), p3(0.f, 0.f, 1.f), 1.f, 3 + pick(5), coin());
+        trace = "primitive circle";
+        break;
       default:
         m.makeCube();
         trace = "primitive cube";
         break;
     }
-    if (trace != "torus" && trace != "primitive cube") finishMesh(m);
+    if (trace.compare(0, 9, "primitive") != 0 && trace != "torus") finishMesh(m);
   }
 
   static std::string text(const std::vector<unsigned>& ids) {
@@ -134,7 +153,7 @@ struct stressRun {
     const std::vector<unsigned> polys = polygons();
     const bool small = m.fn() < FACE_BUDGET;
     std::string name;
-    switch (pick(22)) {
+    switch (pick(25)) {
       case 0: {
         std::vector<unsigned> f = someOf(polys, 4);
         if (f.empty()) break;
@@ -257,7 +276,14 @@ struct stressRun {
       }
       case 15:
         if (!small) break;
-        m.makeSolid(real(0.05f, 0.3f), 1 + pick(2), coin(), coin());
+        if (coin()) {
+          m.makeSolid(real(0.05f, 0.3f), 1 + pick(2), coin(), coin());
+        } else {
+          // a thickness per vertex, the list cut short at random
+          std::vector<float> t(pick(m.vn() + 1));
+          for (float& x : t) x = real(0.f, 0.3f);
+          m.makeSolid(t, 1 + pick(2), coin(), coin());
+        }
         name = "makeSolid";
         break;
       case 16: {
@@ -288,14 +314,32 @@ struct stressRun {
       }
       case 17: {
         // Squeeze deleted elements out, then rebuild what compaction leaves stale.
-        m.compactFaces();
-        m.compactVertices();
-        m.setDelFn(0);
-        m.setDelVn(0);
-        m.computeEdges(coin());
-        m.computeVE();
-        m.setDelEn(0);
-        name = "compact";
+        if (coin()) {
+          m.compactFaces();
+          m.compactVertices();
+          m.setDelFn(0);
+          m.setDelVn(0);
+          m.computeEdges(coin());
+          m.computeVE();
+          m.setDelEn(0);
+          name = "compact and rebuild";
+        } else {
+          // Compaction alone patches what it renumbers; only VE needs a rebuild after edges.
+          switch (pick(3)) {
+            case 0:
+              m.compactFaces();
+              name = "compactFaces";
+              break;
+            case 1:
+              m.compactVertices();
+              name = "compactVertices";
+              break;
+            default:
+              if (m.compactEdges()) m.computeVE();
+              name = "compactEdges";
+              break;
+          }
+        }
         break;
       }
       case 18:
@@ -347,6 +391,52 @@ struct stressRun {
         }
         break;
       }
+      case 21: {
+        // Edge and vertex deletions take their faces with them.
+        const std::vector<unsigned> e = liveEdgeIds();
+        if (e.empty()) break;
+        const unsigned d = e[pick(unsigned(e.size()))];
+        const unsigned v = m.eV(d, coin());
+        switch (pick(4)) {
+          case 0:
+            name = "deleteEdge" + text({d});
+            m.deleteEdge(d);
+            break;
+          case 1:
+            name = "deleteEdgeGuarded" + text({d});
+            m.deleteEdgeGuarded(d);
+            break;
+          case 2:
+            name = "deleteVertex" + text({v});
+            m.deleteVertex(v);
+            break;
+          default:
+            name = "deleteVertexGuarded" + text({v});
+            m.deleteVertexGuarded(v);
+            break;
+        }
+        break;
+      }
+      case 22: {
+        const std::vector<unsigned> e = liveEdgeIds();
+        if (e.empty()) break;
+        const unsigned d = e[pick(unsigned(e.size()))];
+        name = "loopCut(a, b)" + text({m.eV(d, 0), m.eV(d, 1)});
+        m.loopCut(m.eV(d, 0), m.eV(d, 1));
+        break;
+      }
+      case 23:
+        if (coin()) {
+          if (coin())
+            m.deleteWireEdges();
+          else
+            m.deleteWireEdgesGuarded();
+          name = "deleteWireEdges";
+        } else {
+          m.deleteIsolatedVertices();
+          name = "deleteIsolatedVertices";
+        }
+        break;
       default: {
         const std::vector<unsigned> f = someOf(polys, 4);
         select(f);
