@@ -148,6 +148,33 @@ struct stressRun {
     for (unsigned f : faces) m.selectFace(f);
   }
 
+  // Trees the mesh still hands out must answer with live elements of the mesh as it is.
+  void queryTrees() {
+    const auto* ft = m.getFABBTree();
+    const auto* vt = m.getVABBTree();
+    const p3 o(real(-2.f, 3.f), real(-2.f, 3.f), real(-2.f, 3.f));
+    if (ft) {
+      JEV::MATH::closestPointHit c;
+      if (ft->closestPoint(o, 100.f, c)) {
+        EXPECT_TRUE(m.isFaceValid(c.face)) << trace;
+      }
+      JEV::MATH::rayHit r;
+      if (ft->firstHit(o, direction(), 10.f, r)) {
+        EXPECT_TRUE(m.isFaceValid(r.face)) << trace;
+      }
+    }
+    if (vt) {
+      unsigned v = 0;
+      float d2 = 0;
+      if (vt->nearest(o, 100.f, v, d2)) {
+        EXPECT_TRUE(m.isVertexValid(v)) << trace;
+      }
+      std::vector<unsigned> near;
+      vt->withinRadius(o, 1.5f, near);
+      for (unsigned w : near) EXPECT_TRUE(m.isVertexValid(w)) << trace;
+    }
+  }
+
   // One random edit; the name is added to the trace.
   void step() {
     const std::vector<unsigned> polys = polygons();
@@ -347,35 +374,11 @@ struct stressRun {
         m.computeVE(coin());
         name = "computeEdges/computeVE";
         break;
-      case 19: {
+      case 19:
         m.computeFABBTree(1 + pick(8));
         m.computeVABBTree(1 + pick(8));
-        const auto* ft = m.getFABBTree();
-        const auto* vt = m.getVABBTree();
-        const p3 o(real(-2.f, 3.f), real(-2.f, 3.f), real(-2.f, 3.f));
-        if (ft) {
-          JEV::MATH::closestPointHit c;
-          if (ft->closestPoint(o, 100.f, c)) {
-            EXPECT_TRUE(m.isFaceValid(c.face)) << trace;
-          }
-          JEV::MATH::rayHit r;
-          if (ft->firstHit(o, direction(), 10.f, r)) {
-            EXPECT_TRUE(m.isFaceValid(r.face)) << trace;
-          }
-        }
-        if (vt) {
-          unsigned v = 0;
-          float d2 = 0;
-          if (vt->nearest(o, 100.f, v, d2)) {
-            EXPECT_TRUE(m.isVertexValid(v)) << trace;
-          }
-          std::vector<unsigned> near;
-          vt->withinRadius(o, 1.5f, near);
-          for (unsigned w : near) EXPECT_TRUE(m.isVertexValid(w)) << trace;
-        }
         name = "spatial trees";
         break;
-      }
       case 20: {
         editMesh part;
         ASSERT_TRUE(m.subset(&part, someOf(polys, 5))) << trace;
@@ -460,6 +463,7 @@ TEST(editMeshStress, randomEditSequencesKeepTheInvariants) {
     for (unsigned s = 0; s < 25; ++s) {
       run.step();
       if (::testing::Test::HasFatalFailure()) return;
+      run.queryTrees();
       ASSERT_MESH_VALID(run.m) << "seed " << seed << ": " << run.trace;
     }
   }
