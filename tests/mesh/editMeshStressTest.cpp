@@ -39,11 +39,12 @@ struct stressRun {
     return d.x == 0 && d.y == 0 && d.z == 0 ? p3(0.f, 0.f, 1.f) : d;
   }
 
-  // Live faces of at least three corners: the ones the topology operations take.
+  // Live faces with corners, degenerate ones of one or two corners included: operations
+  // take any live face.
   std::vector<unsigned> polygons() const {
     std::vector<unsigned> out;
     for (unsigned f = 0; f < m.fn(); ++f)
-      if (!m.isFaceDeleted(f) && m.fVNum(f) >= 3) out.push_back(f);
+      if (!m.isFaceDeleted(f) && m.fVNum(f) >= 1) out.push_back(f);
     return out;
   }
   std::vector<unsigned> someOf(const std::vector<unsigned>& all, unsigned most) {
