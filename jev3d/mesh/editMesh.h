@@ -566,7 +566,8 @@ class editMesh {
 
   // Topology operations (editMeshExtrude.cpp, editMeshCut.cpp, editMeshSubdivide.cpp,
   // editMeshPrimitives.cpp). Face lists name live faces; an empty list means the selected
-  // faces, and the forms taking a non-const list fill an empty one with them. Unless
+  // faces, and the forms taking a non-const list fill an empty one with them. Extrusion
+  // and extraction leave out faces of fewer than three corners. Unless
   // said otherwise an operation ends by rebuilding edges (edge ids change,
   // edge selection and pins are lost, wire edges are kept), VE and unit normals.
 

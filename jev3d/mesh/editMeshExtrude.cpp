@@ -298,6 +298,11 @@ unsigned int extrudeList(editMesh& m, std::vector<unsigned int>& list, bool each
   m.checkMeshState();
   std::vector<unsigned int> faces = resolveFaceList(m, list);
   if (list.empty()) list = faces;
+  // A face of one or two corners has no area to move and no border to raise a wall on:
+  // its degenerate walls would duplicate edges.
+  faces.erase(
+      std::remove_if(faces.begin(), faces.end(), [&](unsigned int f) { return m.fVNum(f) < 3; }),
+      faces.end());
   if (faces.empty()) return 0;
   std::vector<uint32_t> groupOf(m.fn(), NO_ID);
   for (unsigned int f : faces) groupOf[f] = eachFace ? f : 0;

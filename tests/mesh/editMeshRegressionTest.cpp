@@ -146,3 +146,23 @@ TEST(editMeshRegression, extrudeRegionLeftInteriorEdgesBehindNextToALingeringDel
       EXPECT_GE(m.eV(e, 1), 8u);
     }
 }
+
+TEST(editMeshRegression, extrudingAOneCornerFaceMadeDuplicateEdges) {
+  // A wall raised on a one-corner face repeated its corner: a later split added an edge
+  // beside an existing one, and an extraction then broke the face lists on the edges.
+  editMesh m;
+  makeDegenerateFaces(m);
+  makeCube(m);
+  finishMesh(m);
+  const unsigned faces = m.fn(), vertices = m.vn();
+  std::vector<unsigned int> degenerate = {0, 1};
+  m.extrudeFaces(degenerate);
+  ASSERT_MESH_VALID(m);
+  EXPECT_EQ(m.fn(), faces);
+  EXPECT_EQ(m.vn(), vertices);
+  std::vector<unsigned int> mixed = {0, 2};
+  m.extractRegion(mixed);
+  ASSERT_MESH_VALID(m);
+  EXPECT_EQ(m.fVNum(0), 1u);
+  EXPECT_GT(m.vn(), vertices);  // the triangle moved onto copies of its corners
+}
