@@ -186,6 +186,9 @@ TEST_F(jevmesh, badInputAndBadUsageHaveTheirOwnStatus) {
   EXPECT_EQ(run("subdivide " + good + " " + dir.file("o.ply") + " --scheme loop").status, 2);
   EXPECT_EQ(run("mirror " + good + " " + dir.file("o.ply") + " --face 0 --normal 1 0").status, 2);
   EXPECT_EQ(run("convert " + good).status, 2);
+  const runResult both = run("triangulate " + good + " " + dir.file("o.ply") + " --ascii --binary");
+  EXPECT_EQ(both.status, 2);
+  EXPECT_EQ(both.err.rfind("jevmesh triangulate: ", 0), 0u) << both.err;
   EXPECT_EQ(run("explode " + good).status, 2);
   EXPECT_EQ(run("info " + dir.file("mesh.obj")).status, 2);
 

@@ -50,8 +50,6 @@ int load(const commandLine& line, const std::string& path, editMesh& mesh) {
 }
 
 int save(const commandLine& line, const std::string& path, const editMesh& mesh) {
-  if (line.has("--ascii") && line.has("--binary"))
-    return usageError("convert", "--ascii and --binary exclude each other");
   progressBar bar("writing", quiet(line));
   std::string error;
   if (!saveMesh(path, mesh, line.has("--ascii"), error, bar.reporter()))

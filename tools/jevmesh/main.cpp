@@ -51,7 +51,13 @@ int main(int argc, char** argv) {
     specs.push_back({"--quiet", 0});
     commandLine line;
     std::string error;
-    if (!line.parse(words, specs, error)) {
+    bool parsed = line.parse(words, specs, error);
+    // Checked before any file is read, so a bad pair costs nothing.
+    if (parsed && line.has("--ascii") && line.has("--binary")) {
+      error = "--ascii and --binary exclude each other";
+      parsed = false;
+    }
+    if (!parsed) {
       std::fprintf(stderr, "jevmesh %s: %s (see 'jevmesh %s --help')\n", c.name, error.c_str(),
                    c.name);
       return EXIT_BAD_USAGE;
