@@ -3,6 +3,7 @@
 #include <cstdio>
 #include <iostream>
 
+#include "commandSupport.h"
 #include "jev3d/mesh/editMesh.h"
 #include "meshFiles.h"
 #include "meshReport.h"
@@ -13,60 +14,6 @@ namespace JEVMESH {
 using JEV::MESH::editMesh;
 
 namespace {
-
-int usageError(const char* name, const std::string& message) {
-  std::fprintf(stderr, "jevmesh %s: %s (see 'jevmesh %s --help')\n", name, message.c_str(), name);
-  return EXIT_BAD_USAGE;
-}
-
-int fileError(const std::string& path, const std::string& message) {
-  std::fprintf(stderr, "jevmesh: %s: %s\n", path.c_str(), message.c_str());
-  return EXIT_BAD_INPUT;
-}
-
-bool quiet(const commandLine& line) { return line.has("--quiet"); }
-
-// Exactly `n` positional arguments, each file path given a known extension.
-bool checkFiles(const char* name, const commandLine& line, size_t n, int& status) {
-  if (line.positional().size() != n) {
-    status = usageError(name, "expected " + std::to_string(n) +
-                                  (n == 1 ? " file, got " : " files, got ") +
-                                  std::to_string(line.positional().size()));
-    return false;
-  }
-  for (const std::string& path : line.positional())
-    if (kindOfPath(path) == fileKind::UNKNOWN) {
-      status = usageError(name, "'" + path + "' is neither .ply nor .stl");
-      return false;
-    }
-  return true;
-}
-
-int load(const commandLine& line, const std::string& path, editMesh& mesh) {
-  progressBar bar("reading", quiet(line));
-  std::string error;
-  if (!loadMesh(path, mesh, error, bar.reporter())) return fileError(path, error);
-  return EXIT_OK;
-}
-
-int save(const commandLine& line, const std::string& path, const editMesh& mesh) {
-  progressBar bar("writing", quiet(line));
-  std::string error;
-  if (!saveMesh(path, mesh, line.has("--ascii"), error, bar.reporter()))
-    return fileError(path, error);
-  return EXIT_OK;
-}
-
-// Loads IN, applies `edit` and saves OUT; the edit returns an exit status.
-template <class Edit>
-int transform(const char* name, const commandLine& line, Edit edit) {
-  int status = EXIT_OK;
-  if (!checkFiles(name, line, 2, status)) return status;
-  editMesh mesh;
-  if ((status = load(line, line.positional()[0], mesh)) != EXIT_OK) return status;
-  if ((status = edit(mesh)) != EXIT_OK) return status;
-  return save(line, line.positional()[1], mesh);
-}
 
 int runInfo(const commandLine& line) {
   int status = EXIT_OK;
@@ -168,13 +115,6 @@ int runMake(const commandLine& line) {
   return usageError("make", "unknown shape '" + shape + "'");
 }
 
-const std::vector<optionSpec> writeOptions = {{"--ascii", 0}, {"--binary", 0}};
-
-std::vector<optionSpec> withWriteOptions(std::vector<optionSpec> specs) {
-  specs.insert(specs.end(), writeOptions.begin(), writeOptions.end());
-  return specs;
-}
-
 }  // namespace
 
 const std::vector<command>& allCommands() {
@@ -190,10 +130,10 @@ const std::vector<command>& allCommands() {
       {"convert", "IN OUT [--ascii|--binary]", "Convert between PLY and STL by extension.",
        "Keeps vertex normals and colours where the target holds them (PLY); STL takes\n"
        "the faces as triangles with their face normals.\n",
-       writeOptions, runConvert},
+       withWriteOptions(), runConvert},
       {"triangulate", "IN OUT [--ascii|--binary]", "Split every face into triangles.",
        "Each face of n corners becomes a fan of n - 2 triangles from its first corner.\n",
-       writeOptions, runTriangulate},
+       withWriteOptions(), runTriangulate},
       {"subdivide", "IN OUT --scheme catmull-clark|refine|midpoint -n N",
        "Subdivide every face N times (default: catmull-clark, once).",
        "  --scheme catmull-clark  smooth quads (Catmull-Clark)\n"
