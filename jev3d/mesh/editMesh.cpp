@@ -308,11 +308,12 @@ bool editMesh::compactVertices(std::vector<unsigned int>& map) {
       if (id < nv) id = map[id];
     }
   }
-  // deleted edges too: VE may still list them at their live ends
   if (en() > 0 && !evefInvalid) {
-    for (edge& r : eStore)
-      for (uint32_t& id : r.v)
-        if (id < nv) id = map[id] < vn() ? map[id] : maxValue;
+    for (unsigned int e = 0; e < en(); ++e) {
+      if (edgeIsDeleted(e)) continue;  // a deleted edge keeps its stale ids
+      for (uint32_t& id : eStore[e].v)
+        if (id < nv) id = map[id];
+    }
   }
   bboxDirty = true;
   return true;
@@ -351,7 +352,6 @@ bool editMesh::compactEdges(std::vector<unsigned int>& map) {
     uint32_t& id = veStore[r.veBase];
     if (id < ne) id = map[id];
   }
-  veInvalid = true;
   return true;
 }
 
@@ -713,6 +713,18 @@ void editMesh::selectEdge(unsigned int e) {
   ++selEn;
   for (unsigned int v : eStore[e].v)
     if (v < vn()) selectVert(v);
+}
+
+void editMesh::selectSharedEdges(unsigned int a, unsigned int b) {
+  if (a >= vn() || b >= vn()) return;
+  const vert& r = vStore[a];
+  if (size_t(r.veBase) + r.veNum > veStore.size()) return;
+  for (unsigned int i = 0; i < r.veNum; ++i) {
+    const unsigned int e = veStore[r.veBase + i];
+    if (e >= en() || edgeIsDeleted(e) || isEdgeSelected(e)) continue;
+    const edge& er = eStore[e];
+    if ((er.v[0] == a && er.v[1] == b) || (er.v[0] == b && er.v[1] == a)) selectEdge(e);
+  }
 }
 
 void editMesh::deselectEdge(unsigned int e) {

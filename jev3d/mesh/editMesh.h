@@ -360,11 +360,12 @@ class editMesh {
   const std::vector<edgeFaceRecord>& efRecords() const { return efStore; }
   const std::vector<unsigned int>& veRecords() const { return veStore; }
 
-  // Bring the three flag stores (or one) up to the element counts, new bytes 0.
+  // Size the three flag stores (or one) to the element counts, new bytes 0; a store
+  // longer than its elements loses its tail.
   void checkMeshState();
-  void computeVertexFlags() { growFlags(vFlag, vn()); }
-  void computeEdgeFlags() { growFlags(eFlag, en()); }
-  void computeFaceFlags() { growFlags(fFlag, fn()); }
+  void computeVertexFlags() { vFlag.resize(vn(), 0); }
+  void computeEdgeFlags() { eFlag.resize(en(), 0); }
+  void computeFaceFlags() { fFlag.resize(fn(), 0); }
 
   // release true frees the memory; false sets the sizes to 0 and keeps capacity.
   void clearVertexBuffers(bool release);
@@ -405,14 +406,16 @@ class editMesh {
 
   // Compaction. map receives old id -> new id, 0xFFFFFFFF for dropped elements.
   // Deleted counters stay as they are: reset them with setDelVn and kin.
-  // Vertices: FV of live faces and, with valid edges, the ends of every edge rewritten (an
-  // end on a dropped vertex becomes maxValue), so VE stays valid.
+  // Vertices: FV of live faces and, with valid edges, the ends of live edges rewritten;
+  // VE needs no change. Deleted edges keep their stale vertex ids.
   bool compactVertices(std::vector<unsigned int>& map);
   bool compactVertices();
   // Faces: EF face ids rewritten when edges are valid; FV itself is not compacted.
   bool compactFaces(std::vector<unsigned int>& map);
   bool compactFaces();
-  // Edges: false unless edges exist and are valid. VE is left stale (rebuild it).
+  // Edges: false unless edges exist and are valid. Only the first VE entry of each vertex
+  // is renamed and the VE flag is left as it was: VE cannot be trusted until the caller
+  // rebuilds it with computeVE.
   bool compactEdges(std::vector<unsigned int>& map);
   bool compactEdges();
 
@@ -486,6 +489,8 @@ class editMesh {
   void deselectFace(unsigned int f);
   void selectEdge(unsigned int e);
   void deselectEdge(unsigned int e);
+  // Selects every live edge joining vertices a and b, found through a's VE list.
+  void selectSharedEdges(unsigned int a, unsigned int b);
   void selectVert(unsigned int v);
   void deselectVert(unsigned int v);
   void selectAllFaces();
@@ -574,13 +579,17 @@ class editMesh {
   // Extrudes the faces as one region: each border edge of the region is doubled, the
   // region moves onto copies of its border vertices and a quad wall joins the two
   // loops. Nothing moves; the caller offsets the selected vertices. Edges are patched in
-  // place, so edge ids, selection and pins survive; a doubled edge copies the pin of its
-  // original. A region covering a closed part has no walls. The faces keep their ids
-  // and selection; their corners end up selected.
+  // place, so edge ids, selection and pins survive; the doubled edges start unpinned. A
+  // region covering a closed part has no walls. The faces keep their ids and selection.
+  // The selected bit moves from the region's old corners to its new ones directly:
+  // selVn and the sums are not touched (they stay right when the region is the face
+  // selection) and no normal is computed; the walls' normals are zero until the caller
+  // computes them.
   void extrudeRegion();
   void extrudeRegion(std::vector<unsigned int>& faces);
   // The same with every face extruded on its own: each face gets its own walls, even
-  // against a neighbour in the list.
+  // against a neighbour in the list. The selection is recounted and the walls get unit
+  // normals.
   void extrudeFaces();
   void extrudeFaces(std::vector<unsigned int>& faces);
   // Each listed edge gets a quad that continues the surface across it, joining the edge
@@ -609,13 +618,16 @@ class editMesh {
   // leaves both halves selected. Returns the new face, or maxValue when a or b is not a
   // corner of f or the two are neighbours.
   unsigned int splitFace(unsigned int f, unsigned int a, unsigned int b);
-  // Cuts the listed faces across their listed edges: each edge gets a midpoint (faces
-  // outside the list on that edge take it as an extra corner, so no crack opens), and
-  // each listed face with exactly two listed edges is split between their midpoints.
-  // The new loop of edges ends up the selection.
+  // Cuts the listed faces across their listed edges: vertex vn + i is the midpoint of
+  // edges[i] (deleted for an id that names no live edge or repeats one), each listed face
+  // is written anew with the midpoints of its sides, and one with exactly two of them is
+  // split between them (splitFace) and the edges joining them selected. Faces outside
+  // the list keep their corners. Ends with the closing rebuild, so the loop's edge
+  // selection goes with it and its vertices stay selected; face selection is kept.
   void loopCut(std::vector<unsigned int>& faces, std::vector<unsigned int>& edges);
   // The loop cut across the ring of quads through edge e (both ways until a face is not
-  // a quad, the mesh ends, or the ring closes).
+  // a quad, the mesh ends, or the ring closes); the faces where the ring stops are listed
+  // too, so they take the midpoint and no crack opens.
   void loopCut(unsigned int e);
   // The same through the edge joining vertices a and b; nothing when there is none.
   void loopCut(unsigned int a, unsigned int b);
@@ -650,10 +662,11 @@ class editMesh {
   void updateCatmullClarkFromMesh(const editMesh* base);
 
   // Adds a mirrored copy of the mesh across the plane through the centroid of face f
-  // with normal n (normalised here). Vertices within 1e-5 of the box diagonal of the
-  // plane are shared by both halves, and faces lying in the plane are deleted, so a
-  // half mesh open or capped on the plane becomes one closed piece. Mirrored faces run
-  // the other way round, so both halves face outward; they are not selected.
+  // with normal n (normalised here): every vertex v gets a reflected copy vn + v (normal
+  // negated) and every face f a copy fn + f on the copies, running the other way round so
+  // that both halves face outward. Copies of deleted elements stay deleted; the copies
+  // are not selected. Nothing is welded: vertices on the plane are doubled, and faces in
+  // the plane are doubled too (weld and drop them as a separate step when wanted).
   void mirrorMesh(unsigned int f, const MATH::point3<float>& n);
   // The same with the plane through the mean of the listed faces' centroids.
   void mirrorMesh(const std::vector<unsigned int>& faces, const MATH::point3<float>& n);

@@ -1,5 +1,6 @@
 #include <algorithm>
 #include <cmath>
+#include <limits>
 #include <map>
 
 #include "jev3d/mesh/editMesh.h"
@@ -81,34 +82,36 @@ unsigned int editMesh::splitFace(unsigned int f, unsigned int a, unsigned int b)
 
 void editMesh::loopCut(std::vector<unsigned int>& faces, std::vector<unsigned int>& edges) {
   ensureAdjacency(*this);
+  // V grows by one vertex per listed edge, so that edges[i] has vertex firstNew + i. An id
+  // naming no live edge, or an edge listed before, gets a deleted vertex in its place.
   const uint32_t firstNew = vn();
-  std::map<uint64_t, uint32_t> midpoint;
+  std::map<uint64_t, uint32_t> edgeOf, midpoint;
   expandVertexArray(unsigned(edges.size()));
   for (unsigned int e : edges) {
-    if (!isEdgeValid(e)) continue;
-    const uint32_t a = eV(e, 0), b = eV(e, 1);
-    if (midpoint.count(directedKey(a, b))) continue;
-    point3<float> nor = vNor(a) + vNor(b);
-    normalizeFast(nor);
-    const uint32_t m = addVertex((vPos(a) + vPos(b)) * 0.5f, nor);
-    midpoint[directedKey(a, b)] = m;
-    midpoint[directedKey(b, a)] = m;
+    const bool live = isEdgeValid(e);
+    const uint32_t a = live ? eV(e, 0) : 0, b = live ? eV(e, 1) : 0;
+    vert r;
+    if (live) r.pos = (vPos(a) + vPos(b)) * 0.5f;
+    const uint32_t m = addVertex(r);
+    if (!live || midpoint.count(directedKey(a, b))) {
+      setVertFlag(m, VERT_STATE_T::DELETED);
+      ++delVn;
+      continue;
+    }
+    edgeOf[directedKey(a, b)] = edgeOf[directedKey(b, a)] = e;
+    midpoint[directedKey(a, b)] = midpoint[directedKey(b, a)] = m;
   }
-  if (midpoint.empty()) return;
 
+  // only the listed faces take the midpoints
   std::vector<unsigned int> list;
+  std::vector<uint8_t> listed(fn(), 0);
   for (unsigned int f : faces)
-    if (isFaceValid(f)) list.push_back(f);
-  std::sort(list.begin(), list.end());
-  list.erase(std::unique(list.begin(), list.end()), list.end());
-  std::vector<uint8_t> done(fn(), 0);
+    if (isFaceValid(f) && !listed[f]) listed[f] = 1, list.push_back(f);
   size_t reserve = 0;
   for (unsigned int f : list) reserve += 2 * fVNum(f) + 5;
   expandFVArray(unsigned(reserve));
-
   std::vector<uint32_t> ring;
-  auto insertMidpoints = [&](uint32_t f) {
-    done[f] = 1;
+  for (unsigned int f : list) {
     const uint32_t n = fVNum(f);
     ring.clear();
     for (uint32_t i = 0; i < n; ++i) {
@@ -117,36 +120,23 @@ void editMesh::loopCut(std::vector<unsigned int>& faces, std::vector<unsigned in
       const auto it = midpoint.find(directedKey(a, b));
       if (it != midpoint.end()) ring.push_back(it->second);
     }
-    if (ring.size() == n) return;
-    const bool selected = isFaceSelected(f);
-    if (selected) selFvn += unsigned(ring.size()) - n;
+    if (isFaceSelected(f)) selFvn += unsigned(ring.size()) - n;
     makePolyFace(f, ring);
-  };
-  for (unsigned int f : list) insertMidpoints(f);
-  // faces outside the list on a cut edge take the midpoint too
-  for (unsigned int e : edges) {
-    if (!isEdgeValid(e)) continue;
-    for (uint32_t k = 0; k < eFNum(e); ++k) {
-      const uint32_t g = eF(e, k);
-      if (g < fn() && !done[g] && !isFaceDeleted(g)) insertMidpoints(g);
-    }
   }
+  // The rewritten faces no longer match EF: rebuild, so that splitFace patches the
+  // stores it finds and the new diagonals exist to be selected.
+  closeTopologyEdit(*this);
 
-  std::vector<std::pair<uint32_t, uint32_t>> cuts;
+  std::vector<uint32_t> at;
   for (unsigned int f : list) {
-    std::vector<uint32_t> at;
+    at.clear();
     for (uint32_t i = 0; i < fVNum(f); ++i)
-      if (fV(f, i) >= firstNew) at.push_back(i);
-    if (at.size() != 2 || at[1] - at[0] == 1 || (at[0] == 0 && at[1] == fVNum(f) - 1)) continue;
-    cuts.emplace_back(fV(f, at[0]), fV(f, at[1]));
-    splitAtCorners(*this, f, at[0], at[1], false);
+      if (fV(f, i) >= firstNew) at.push_back(fV(f, i));
+    if (at.size() != 2) continue;
+    if (splitFace(f, at[0], at[1]) == maxValue) continue;
+    selectSharedEdges(at[0], at[1]);
   }
   closeTopologyEdit(*this);
-  clearGeomSelectionState();
-  for (const auto& c : cuts) {
-    const unsigned int e = findSharedEdgeFromVertices(c.first, c.second);
-    if (e != maxValue) selectEdge(e);
-  }
 }
 
 void editMesh::loopCut(unsigned int e) {
@@ -177,6 +167,12 @@ void editMesh::loopCut(unsigned int e) {
     }
   }
   if (faces.empty()) return;
+  // the faces where the ring stops take the midpoint too, so that no crack opens
+  for (unsigned int c : edges)
+    for (uint32_t k = 0; k < eFNum(c); ++k) {
+      const uint32_t g = eF(c, k);
+      if (g < fn() && !isFaceDeleted(g) && !seen[g]) seen[g] = 1, faces.push_back(g);
+    }
   loopCut(faces, edges);
 }
 
@@ -203,62 +199,56 @@ void editMesh::mirrorMesh(const std::vector<unsigned int>& faces, const point3<f
   const point3<float> axis = n.getNormalized();
   if (count == 0 || axis.squaredNorm() == 0.f) return;
   centre *= 1.0f / float(count);
-  computeBBox();
-  const float eps = 1e-5f * (getBBoxMax() - getBBoxMin()).norm();
 
-  // reflected copies; vertices in the plane are shared by both halves
+  // Vertex v's copy is v + nv and face f's is f + nf. Deleted elements are copied too,
+  // still deleted, so that the ids stay parallel.
   const uint32_t nv = vn(), nf = fn();
-  std::vector<uint32_t> copy(nv, NO_ID);
-  std::vector<uint8_t> inPlane(nv, 0);
   expandVertexArray(nv);
   for (uint32_t v = 0; v < nv; ++v) {
-    if (isVertDeleted(v)) continue;
-    const float d = (vPos(v) - centre) * axis;
-    if (std::fabs(d) <= eps) {
-      inPlane[v] = 1;
-      copy[v] = v;
-      continue;
-    }
     vert r = V(v);
-    r.pos -= axis * (2.f * d);
+    r.pos -= axis * (2.f * ((r.pos - centre) * axis));
     r.normal = -r.normal;
-    copy[v] = addVertex(r);
+    addVertex(r);
+    if (isVertDeleted(v)) {
+      setVertFlag(nv + v, VERT_STATE_T::DELETED);
+      ++delVn;
+    }
   }
+  size_t corners = 0;
+  for (uint32_t f = 0; f < nf; ++f) corners += fVNum(f);
   expandFaceArray(nf);
+  expandFVArray(unsigned(corners));
   std::vector<uint32_t> ids;
   for (uint32_t f = 0; f < nf; ++f) {
-    if (isFaceDeleted(f)) continue;
     const uint32_t k = fVNum(f);
-    bool flat = k > 0, valid = true;
-    for (uint32_t i = 0; i < k; ++i) {
-      const uint32_t v = fV(f, i);
-      valid = valid && v < nv && copy[v] != NO_ID;
-      flat = flat && valid && inPlane[v];
-    }
-    if (flat) {  // lies in the plane: it would sit between the halves
-      deleteFace(f);
-      continue;
-    }
-    if (!valid || k == 0) continue;
     // reflection reverses the turn of the corners: list them backwards
     ids.resize(k);
-    for (uint32_t i = 0; i < k; ++i) ids[i] = copy[fV(f, (k - i) % k)];
-    const uint32_t g = addPolyFace(ids);
+    for (uint32_t i = 0; i < k; ++i) {
+      const uint32_t v = fV(f, (k - i) % k);
+      ids[i] = v < nv ? v + nv : v;
+    }
+    const uint32_t g = addFace(ids.data(), k);
     fNor(g) = -fNor(f);
+    if (isFaceDeleted(f)) {
+      setFaceFlag(g, FACE_STATE_T::DELETED);
+      ++delFn;
+      delFvn += k;
+    }
   }
   closeTopologyEdit(*this);
-  updateSelVertPosNorSum();
 }
 
 void editMesh::flatten(const std::vector<unsigned int>& faces, const point3<float>& n) {
   checkMeshState();
   std::vector<unsigned int> list;
   for (unsigned int f : faces)
-    if (isFaceValid(f) && fVNum(f) > 0) list.push_back(f);
+    if (isFaceValid(f)) list.push_back(f);
   if (list.empty()) return;
   point3<float> ref, meanNormal;
   for (unsigned int f : list) {
-    ref += faceCentroid(*this, f);
+    // a face without corners has no mean: it counts as the largest float on each axis
+    const float big = std::numeric_limits<float>::max();
+    ref += fVNum(f) == 0 ? point3<float>(big, big, big) : faceCentroid(*this, f);
     if (fVNum(f) >= 3)
       meanNormal += point3<float>::cross(F2VPOS(f, 1) - F2VPOS(f, 0), F2VPOS(f, 2) - F2VPOS(f, 1));
   }

@@ -58,7 +58,7 @@ bool sideOfFace(const editMesh& m, uint32_t e, const editMesh::edgeFaceRecord& r
 // patched in place: an old border edge keeps its id, flags and outside faces, and a copy
 // at the end of the store takes the region face. Returns the number of caps made.
 unsigned int extrudeGroups(editMesh& m, const std::vector<unsigned int>& faces,
-                           const std::vector<uint32_t>& groupOf, regionMode mode) {
+                           const std::vector<uint32_t>& groupOf, regionMode mode, bool eachFace) {
   ensureAdjacency(m);
   const uint32_t maxValue = m.getMaxValue();
   for (unsigned int f : faces)
@@ -154,9 +154,7 @@ unsigned int extrudeGroups(editMesh& m, const std::vector<unsigned int>& faces,
     m.edgeStore().push_back(copy);
     i = j;
   }
-  m.checkMeshState();
-  for (const borderSide& s : sides)
-    if (s.first && m.isEdgePinned(s.edge)) m.pinEdge(s.copyEdge);
+  m.checkMeshState();  // the copies start with flag 0: unpinned, unselected
 
   auto fillSecondSlot = [&](const borderSide& s, uint32_t f, uint32_t corner) {
     editMesh::edge& r = m.E(s.copyEdge);
@@ -178,6 +176,9 @@ unsigned int extrudeGroups(editMesh& m, const std::vector<unsigned int>& faces,
       upright[s.a2].emplace_back(w, 0);
       upright[s.b2].emplace_back(w, 2);
     }
+    // The upright edges a-a' of the walls: patching edges in place, nothing else would
+    // give the walls' sides an edge and an EF record, and the mesh would be inconsistent
+    // until the next rebuild.
     for (const auto& [k, c] : copyOf) {
       const auto it = upright.find(c);
       if (it == upright.end()) continue;
@@ -273,6 +274,17 @@ unsigned int extrudeGroups(editMesh& m, const std::vector<unsigned int>& faces,
   for (uint32_t e : border) m.unsetEdgeFlag(e, BORDER_MARK);
 
   m.checkMeshState();
+  if (mode == regionMode::WALLS && !eachFace) {
+    // The region's corners take the selected bit directly: selVn and the sums are left as
+    // they were (the copies coincide with the vertices they replace), and no normal is
+    // computed; the caller moves the selection and recomputes them.
+    for (unsigned int f : faces)
+      for (uint32_t i = 0; i < m.fVNum(f); ++i) m.setVertFlag(m.fV(f, i), VERT_STATE_T::SELECTED);
+    m.computeVE(true);
+    m.invalidateRenderData();
+    m.updateBBox();
+    return caps;
+  }
   m.computeVE(true);
   for (unsigned int f : faces)
     for (uint32_t i = 0; i < m.fVNum(f); ++i) m.setVertFlag(m.fV(f, i), VERT_STATE_T::SELECTED);
@@ -306,7 +318,7 @@ unsigned int extrudeList(editMesh& m, std::vector<unsigned int>& list, bool each
   if (faces.empty()) return 0;
   std::vector<uint32_t> groupOf(m.fn(), NO_ID);
   for (unsigned int f : faces) groupOf[f] = eachFace ? f : 0;
-  return extrudeGroups(m, faces, groupOf, mode);
+  return extrudeGroups(m, faces, groupOf, mode, eachFace);
 }
 
 }  // namespace

@@ -78,29 +78,62 @@ void capRing(editMesh& m, unsigned int segments, unsigned int ring, bool top) {
   m.addPolyFace(ids);
 }
 
+// Empties the vertex and face stores in place for a new shape: capacity, the aux stores,
+// UV and the vertex colour flag stay; edges of the old mesh go, since they would name
+// vertices the new one does not have.
+void restartShape(editMesh& m) {
+  m.resizeVertexData(0);
+  m.resizeFaceData(0);
+  m.resizeFVData(0);
+  m.setDelFvn(0);
+  m.clearEdgeBuffers(false);
+  m.clearGeomSelectionState();
+  m.clearAllFlags(false);
+  m.setDelVn(0);
+  m.setDelFn(0);
+}
+
+// The end of a whole-mesh build: edges of the faces alone (an old mesh's wire edges do
+// not belong to the shape), VE and unit normals.
+void closeShape(editMesh& m) {
+  m.checkMeshState();
+  m.computeEdges(false);
+  m.computeVE();
+  m.computeNormalizedFaceNormals();
+  m.computeNormalizedVertexNormals();
+  m.invalidateRenderData();
+  m.updateBBox();
+}
+
 }  // namespace
 
 void editMesh::makeCube() {
-  clear(false);
   resizeVertexData(8);
   resizeFaceData(6);
   clearGeomSelectionState();
-  fFlag.resize(6, 0);
-  vFlag.resize(8, 0);
+  // The records are reused where they stand: bytes that marked the old elements deleted
+  // would leave the cube's own elements deleted, so the flags start from 0.
+  fFlag.assign(6, 0);
+  vFlag.assign(8, 0);
   vFlag.resize(12, 0);  // the edge count goes to the vertex store: kept on purpose
-  for (unsigned int k = 0; k < 8; ++k)
+  delVn = delFn = 0;
+  for (unsigned int k = 0; k < 8; ++k) {
+    V(k) = vert();
     vPos(k) = point3<float>(k & 1 ? 1.f : -1.f, k & 2 ? 1.f : -1.f, k & 4 ? 1.f : -1.f);
+  }
+  // makeQuadFace appends the corners and counts whatever a reused face held as dead
   makeQuadFace(0, 0, 2, 3, 1);  // z = -1
   makeQuadFace(1, 4, 5, 7, 6);  // z = 1
   makeQuadFace(2, 0, 1, 5, 4);  // y = -1
   makeQuadFace(3, 2, 6, 7, 3);  // y = 1
   makeQuadFace(4, 0, 4, 6, 2);  // x = -1
   makeQuadFace(5, 1, 3, 7, 5);  // x = 1
-  closeTopologyEdit(*this);
+  for (unsigned int f = 0; f < 6; ++f) F(f).chunkId = 0;
+  closeShape(*this);
 }
 
 void editMesh::makeTetrahedron() {
-  clear(false);
+  restartShape(*this);
   const float s = float(1.0 / std::sqrt(3.0));
   addVertex(s, s, s);
   addVertex(s, -s, -s);
@@ -114,7 +147,7 @@ void editMesh::makeTetrahedron() {
 }
 
 void editMesh::makeOctahedron() {
-  clear(false);
+  restartShape(*this);
   for (int axis = 0; axis < 3; ++axis)
     for (float sign : {1.f, -1.f}) {
       point3<float> p;
@@ -128,7 +161,7 @@ void editMesh::makeOctahedron() {
 }
 
 void editMesh::makeDodecahedron() {
-  clear(false);
+  restartShape(*this);
   UV().clear();
   const double phi = (1.0 + std::sqrt(5.0)) / 2.0, inv = 1.0 / phi;
   const double scale = 1.0 / std::sqrt(3.0);
@@ -177,13 +210,13 @@ void editMesh::makeQuad() {
 
 void editMesh::makeQuad(const point3<float>& p0, const point3<float>& p1, const point3<float>& p2,
                         const point3<float>& p3) {
-  clear(false);
+  restartShape(*this);
   addQuadFace(addVertex(p0), addVertex(p1), addVertex(p2), addVertex(p3));
   closeTopologyEdit(*this);
 }
 
 void editMesh::makeCone(unsigned int segments, float radius, float height, float topRadius) {
-  clear(false);
+  restartShape(*this);
   segments = std::max(3u, segments);
   const double h = height * 0.5;
   if (topRadius == 0.f) {
@@ -200,7 +233,7 @@ void editMesh::makeCone(unsigned int segments, float radius, float height, float
 }
 
 void editMesh::makeCone(int segments, int stacks, int capRings) {
-  clear(false);
+  restartShape(*this);
   const unsigned int n = unsigned(std::max(3, segments));
   const unsigned int rows = unsigned(std::max(1, stacks));
   const unsigned int caps = unsigned(std::max(1, capRings));
@@ -227,7 +260,7 @@ void editMesh::makeTorus(unsigned int rings, unsigned int segments, float majorR
 
 void editMesh::makeTorus(bool triangles, bool append, bool selectNew, unsigned int rings,
                          unsigned int segments, float majorRadius, float minorRadius) {
-  if (!append) clear(false);
+  if (!append) restartShape(*this);
   rings = std::max(3u, rings);
   segments = std::max(3u, segments);
   const unsigned int base = vn(), firstFace = fn();
@@ -270,7 +303,7 @@ void editMesh::makeTorus(const point3<float>& centre, const point3<float>& axis,
 }
 
 void editMesh::makeCylinder(unsigned int segments, unsigned int stacks) {
-  clear(false);
+  restartShape(*this);
   segments = std::max(3u, segments);
   stacks = std::max(1u, stacks);
   std::vector<std::pair<double, double>> rows;
@@ -283,7 +316,7 @@ void editMesh::makeCylinder(unsigned int segments, unsigned int stacks) {
 }
 
 void editMesh::makeSphere(unsigned int rings, unsigned int segments) {
-  clear(false);
+  restartShape(*this);
   rings = std::max(2u, rings);
   segments = std::max(3u, segments);
   const unsigned int north = addVertex(0.f, 0.f, 1.f);
@@ -303,7 +336,7 @@ void editMesh::makeSphere(unsigned int rings, unsigned int segments) {
 
 void editMesh::makeCircle(const point3<float>& centre, const point3<float>& normal, float radius,
                           unsigned int segments, bool filled) {
-  clear(false);
+  restartShape(*this);
   segments = std::max(3u, segments);
   point3<float> z = normal;
   if (z.squaredNorm() == 0.f) z = point3<float>(0.f, 0.f, 1.f);

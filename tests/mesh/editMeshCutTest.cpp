@@ -77,17 +77,46 @@ TEST(editMeshLoopCut, ringAcrossAStripSelectsTheNewLoop) {
   ASSERT_MESH_VALID(m);
   EXPECT_EQ(liveFaces(m), 6u);
   EXPECT_EQ(m.vn(), 8u + 4u);
-  EXPECT_EQ(m.getSelFn(), 0u);
-  EXPECT_EQ(m.getSelEn(), 3u);
-  EXPECT_EQ(m.getSelVn(), 4u);
-  for (unsigned e = 0; e < m.en(); ++e) {
-    if (!m.isEdgeSelected(e)) continue;
-    EXPECT_FLOAT_EQ(m.vPos(m.eV(e, 0)).y, 0.5f);
-    EXPECT_FLOAT_EQ(m.vPos(m.eV(e, 1)).y, 0.5f);
+  // face 0's two halves stay selected; the loop was selected before the closing rebuild,
+  // which drops edge selection: its four vertices stay selected
+  EXPECT_EQ(m.getSelFn(), 2u);
+  EXPECT_EQ(m.getSelEn(), 0u);
+  EXPECT_EQ(m.getSelVn(), 8u);
+  for (unsigned v = 8; v < 12; ++v) {
+    EXPECT_TRUE(m.isVertSelected(v)) << v;
+    EXPECT_FLOAT_EQ(m.vPos(v).y, 0.5f);
   }
   EXPECT_NEAR(totalArea(m), 3.0, 1e-6);
   EXPECT_TRUE(consistentlyOriented(m));
   EXPECT_EQ(borderEdges(m), 8u + 2u);
+}
+
+TEST(editMeshLoopCut, listFormRewritesOnlyTheListedFaces) {
+  // strip of three quads, vertices 0..3 at y = 0 and 4..7 at y = 1
+  editMesh m;
+  makeGrid(m, 3, 1);
+  finishMesh(m);
+  m.selectFace(0);
+  const unsigned fvn = m.fvn(), delFvn = m.getDelFvn();
+  std::vector<unsigned> faces{0};
+  std::vector<unsigned> edges{m.findSharedEdgeFromVertices(0, 4),
+                              m.findSharedEdgeFromVertices(1, 5)};
+  m.loopCut(faces, edges);
+  ASSERT_MESH_VALID(m);
+  EXPECT_EQ(m.vn(), 8u + 2u);  // one vertex per listed edge, in list order
+  EXPECT_FLOAT_EQ(m.vPos(8).x, 0.f);
+  EXPECT_FLOAT_EQ(m.vPos(9).x, 1.f);
+  EXPECT_EQ(m.fn(), 4u);
+  EXPECT_EQ(m.fVNum(1), 4u);  // its neighbour keeps the side 1-5 whole
+  // face 0 written anew with 6 corners (its 4 dead), then split: the new face starts as
+  // a copy of all 6 at the end of FV, and each half leaves 2 of its 6 unused
+  EXPECT_EQ(m.fvn(), fvn + 6u + 6u);
+  EXPECT_EQ(m.getDelFvn(), delFvn + 4u + 2u + 2u);
+  EXPECT_EQ(m.getSelFn(), 2u);
+  EXPECT_EQ(m.getSelEn(), 0u);
+  EXPECT_EQ(m.getSelVn(), 6u);
+  EXPECT_TRUE(m.isVertSelected(8) && m.isVertSelected(9));
+  EXPECT_TRUE(consistentlyOriented(m));
 }
 
 TEST(editMeshLoopCut, closedRingOnATorusStaysClosed) {
@@ -97,7 +126,8 @@ TEST(editMeshLoopCut, closedRingOnATorusStaysClosed) {
   m.loopCut(m.findSharedEdgeFromVertices(0, 6));  // along a ring of the tube
   ASSERT_MESH_VALID(m);
   EXPECT_EQ(liveFaces(m), 48u + 6u);
-  EXPECT_EQ(m.getSelEn(), 6u);
+  EXPECT_EQ(m.getSelEn(), 0u);
+  EXPECT_EQ(m.getSelVn(), 6u);
   EXPECT_TRUE(closedAndOriented(m));
   EXPECT_NEAR(signedVolume(m), volume, 1e-4);
 }
@@ -114,22 +144,54 @@ TEST(editMeshLoopCut, ringEndingAtATriangleLeavesNoCrack) {
   EXPECT_TRUE(closedAndOriented(m));
   EXPECT_NEAR(signedVolume(m), 8.0, 1e-5);
   EXPECT_EQ(liveFaces(m), 6u + 1u + 3u);
-  EXPECT_EQ(m.getSelEn(), 3u);
+  EXPECT_EQ(m.getSelEn(), 0u);
+  EXPECT_EQ(m.getSelVn(), 4u);  // the loop's midpoints
 }
 
-TEST(editMeshMirror, halfBoxDoublesIntoOneClosedBox) {
+TEST(editMeshMirror, copiesEveryVertexAndFaceWithoutWelding) {
   editMesh m;
   m.makeCube();
   m.selectFace(5);  // x = 1
+  const unsigned fvn = m.fvn(), delFvn = m.getDelFvn();
   m.mirrorMesh(5, p3(2.f, 0.f, 0.f));
   ASSERT_MESH_VALID(m);
-  EXPECT_TRUE(m.isFaceDeleted(5));  // it lay in the plane, between the halves
-  EXPECT_EQ(liveFaces(m), 10u);
-  EXPECT_EQ(m.vn(), 12u);  // the four corners in the plane are shared
-  EXPECT_TRUE(closedAndOriented(m));
+  // nothing is shared or deleted: the face in the plane and its four corners are doubled
+  EXPECT_EQ(m.vn(), 16u);
+  EXPECT_EQ(m.fn(), 12u);
+  EXPECT_EQ(liveFaces(m), 12u);
+  EXPECT_EQ(m.getDelFn(), 0u);
+  EXPECT_EQ(m.fvn(), fvn + 24u);
+  EXPECT_EQ(m.getDelFvn(), delFvn);
+  for (unsigned v = 0; v < 8; ++v) {
+    EXPECT_FLOAT_EQ(m.vPos(8 + v).x, 2.f - m.vPos(v).x) << v;
+    EXPECT_EQ(m.vPos(8 + v).y, m.vPos(v).y);
+  }
+  // face f's copy is 6 + f, on the copies of its corners, in the other turn
+  for (unsigned f = 0; f < 6; ++f)
+    for (unsigned i = 0; i < 4; ++i) EXPECT_EQ(m.fV(6 + f, i), 8 + m.fV(f, (4 - i) % 4));
+  EXPECT_TRUE(closedAndOriented(m));  // two closed boxes touching on x = 1
   EXPECT_NEAR(signedVolume(m), 16.0, 1e-4);
-  EXPECT_EQ(m.getSelFn(), 0u);
-  for (unsigned v = 8; v < 12; ++v) EXPECT_FLOAT_EQ(m.vPos(v).x, 3.f);
+  // the copies are not selected; the original selection stays
+  EXPECT_EQ(m.getSelFn(), 1u);
+  EXPECT_TRUE(m.isFaceSelected(5));
+  EXPECT_FALSE(m.isFaceSelected(11));
+  EXPECT_EQ(m.getSelVn(), 4u);
+}
+
+TEST(editMeshMirror, deletedElementsAreCopiedDeleted) {
+  editMesh m;
+  makeGrid(m, 2, 1);
+  finishMesh(m);
+  m.deleteFace(0);
+  const unsigned nv = m.vn();
+  m.mirrorMesh(1, p3(0.f, 1.f, 0.f));
+  ASSERT_MESH_VALID(m);
+  EXPECT_EQ(m.vn(), 2 * nv);
+  EXPECT_EQ(m.fn(), 4u);
+  EXPECT_TRUE(m.isFaceDeleted(2));
+  EXPECT_FALSE(m.isFaceDeleted(3));
+  EXPECT_EQ(m.getDelFn(), 2u);
+  EXPECT_EQ(liveFaces(m), 2u);
 }
 
 TEST(editMeshMirror, openHalfAcrossASelectionOfFaces) {
@@ -207,7 +269,6 @@ TEST(editMeshClosingSequence, dropsPinsAndEdgeSelectionButKeepsWireEdges) {
     for (unsigned e = 0; e < m.en(); ++e) pins += m.isEdgePinned(e);
     EXPECT_EQ(pins, 0u) << name;
     EXPECT_EQ(m.countWireEdges(), 1u) << name;
-    // a loop cut selects the loop it made; the others leave no edge selected
-    EXPECT_EQ(m.getSelEn(), std::string(name) == "loopCut" ? 2u : 0u) << name;
+    EXPECT_EQ(m.getSelEn(), 0u) << name;
   }
 }

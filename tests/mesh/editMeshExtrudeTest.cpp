@@ -61,6 +61,12 @@ TEST(editMeshExtrudeRegion, oneFaceGetsFourWallsAndKeepsItsFlags) {
   EXPECT_EQ(m.getSelVn(), 4u + 2u);
   for (unsigned i = 0; i < 4; ++i) EXPECT_TRUE(m.isVertSelected(m.fV(4, i)));
   for (unsigned v : {5u, 6u, 9u, 10u}) EXPECT_FALSE(m.isVertSelected(v));
+  // the doubled sides start unpinned: only the two old edges carry pins
+  unsigned pins = 0;
+  for (unsigned e = 0; e < m.en(); ++e) pins += m.isEdgePinned(e);
+  EXPECT_EQ(pins, 2u);
+  // no normal is computed: the walls start with none
+  for (unsigned f = fn; f < m.fn(); ++f) EXPECT_EQ(m.fNor(f), p3()) << f;
 
   m.deselectEdge(picked);
   moveSelection(m, p3(0.f, 0.f, 1.f));
@@ -112,6 +118,31 @@ TEST(editMeshExtrudeRegion, stripSharesItsInteriorEdges) {
   EXPECT_EQ(borderEdges(tray), 8u);
   EXPECT_TRUE(consistentlyOriented(tray));
   EXPECT_NEAR(totalArea(tray), 3.0 + 8.0, 1e-5);
+}
+
+TEST(editMeshExtrudeRegion, listedFacesTakeSelectedCornersWithoutCounting) {
+  editMesh m;
+  makeGrid(m, 3, 3);
+  finishMesh(m);
+  m.selectFace(0);  // corners 0, 1, 5, 4; 5 is shared with the region below
+  const unsigned selVn = m.getSelVn();
+  const p3 sum = m.getSelVertSum();
+  std::vector<unsigned> centre{4};
+  m.extrudeRegion(centre);
+  // the region's new corners carry the bit, its old ones lost it, the counters stand
+  for (unsigned i = 0; i < 4; ++i) EXPECT_TRUE(m.isVertSelected(m.fV(4, i)));
+  for (unsigned v : {5u, 6u, 9u, 10u}) EXPECT_FALSE(m.isVertSelected(v));
+  EXPECT_EQ(m.getSelVn(), selVn);
+  EXPECT_EQ(m.getSelVertSum(), sum);
+  EXPECT_FALSE(m.isFaceSelected(4));
+  EXPECT_EQ(m.getSelFn(), 1u);
+  // the caller that wants counters for the bits recounts them
+  unsigned bits = 0;
+  for (unsigned v = 0; v < m.vn(); ++v) bits += m.isVertSelected(v);
+  EXPECT_EQ(bits, 4u + 3u);
+  m.setSelVn(bits);
+  m.updateSelVertPosNorSum();
+  ASSERT_MESH_VALID(m);
 }
 
 TEST(editMeshExtrudeRegion, closedMeshHasNoWalls) {
@@ -203,6 +234,7 @@ TEST(editMeshExtrudeRegion, facesMeetingOnANonManifoldEdgeShareOneCopy) {
   finishMesh(m);
   std::vector<unsigned> fins{0, 2};
   m.extrudeRegion(fins);
+  recountVertexSelection(m);
   ASSERT_MESH_VALID(m);
   EXPECT_EQ(m.fn(), 3u + 5u);  // one wall on the shared edge, two on each other side
   const unsigned a2 = m.fV(0, 0), b2 = m.fV(0, 1);

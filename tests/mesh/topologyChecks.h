@@ -59,6 +59,15 @@ inline bool consistentlyOriented(const editMesh& m) {
   return true;
 }
 
+// What a caller of extrudeRegion on a list other than the face selection does: that
+// call sets vertex bits without counting them, so selVn and the sums are recounted.
+inline void recountVertexSelection(editMesh& m) {
+  unsigned bits = 0;
+  for (unsigned v = 0; v < m.vn(); ++v) bits += !m.isVertDeleted(v) && m.isVertSelected(v);
+  m.setSelVn(bits);
+  m.updateSelVertPosNorSum();
+}
+
 inline bool near(const p3& a, const p3& b, float tol = 1e-5f) { return (a - b).norm() <= tol; }
 
 }  // namespace topologyChecks

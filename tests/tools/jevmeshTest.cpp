@@ -166,6 +166,36 @@ TEST_F(jevmesh, mirrorAddsAReflectedCopy) {
   EXPECT_EQ(run("mirror " + path + " " + out + " --face 7 --normal 1 0 0").status, 1);
 }
 
+TEST_F(jevmesh, mirrorWeldsOnlyWhenAsked) {
+  // The cube mirrored across its face x = 1: a plain copy doubles the four vertices and
+  // the face on the plane; --weld shares them and drops that face on both sides.
+  JEV::MESH::editMesh m;
+  m.makeCube();
+  const std::string path = writePly(m, "cube.ply");
+  const std::string out = dir.file("mirrored.ply");
+  const unsigned onPlane = [&] {
+    for (unsigned f = 0; f < m.fn(); ++f) {
+      bool all = true;
+      for (unsigned i = 0; i < 4; ++i) all = all && m.vPos(m.fV(f, i)).x == 1.f;
+      if (all) return f;
+    }
+    return 0u;
+  }();
+  const std::string args = " --face " + std::to_string(onPlane) + " --normal 1 0 0";
+  ASSERT_EQ(run("mirror " + path + " " + out + args).status, 0);
+  runResult r = run("info " + out);
+  EXPECT_EQ(field(r.out, "vertices"), "16");
+  EXPECT_EQ(field(r.out, "faces"), "12 (12 quads)");
+  EXPECT_EQ(field(r.out, "components"), "2");
+  ASSERT_EQ(run("mirror " + path + " " + out + args + " --weld").status, 0);
+  r = run("info " + out);
+  EXPECT_EQ(field(r.out, "vertices"), "12");
+  EXPECT_EQ(field(r.out, "faces"), "10 (10 quads)");
+  EXPECT_EQ(field(r.out, "boundary loops"), "0");
+  EXPECT_EQ(field(r.out, "bounding box"), "(-1, -1, -1) - (3, 1, 1)");
+  EXPECT_EQ(field(r.out, "volume"), "16");
+}
+
 TEST_F(jevmesh, badInputAndBadUsageHaveTheirOwnStatus) {
   JEV::MESH::editMesh m;
   testMeshes::makeSphere(m, 6, 8);

@@ -61,6 +61,50 @@ int runSubdivide(const commandLine& line) {
   });
 }
 
+// Joins the halves that mirrorMesh left apart: a copy lying on its original (within
+// 1e-5 of the box diagonal, so on the plane) is replaced by it, faces lying in the plane
+// are dropped on both sides, and the stores are compacted and rebuilt. vertices and
+// faces are the counts before mirroring: copy ids are theirs plus these.
+void weldMirrorSeam(editMesh& m, unsigned vertices, unsigned faces) {
+  using JEV::MESH::FACE_STATE_T;
+  using JEV::MESH::VERT_STATE_T;
+  m.computeBBox();
+  const float eps = 1e-5f * (m.getBBoxMax() - m.getBBoxMin()).norm();
+  std::vector<unsigned> to(m.vn());
+  for (unsigned v = 0; v < m.vn(); ++v) to[v] = v;
+  for (unsigned v = 0; v < vertices; ++v) {
+    const unsigned c = vertices + v;
+    if (m.isVertDeleted(v) || m.isVertDeleted(c)) continue;
+    if ((m.vPos(c) - m.vPos(v)).norm() > eps) continue;
+    to[c] = v;
+    m.setVertFlag(c, VERT_STATE_T::DELETED);
+    m.setDelVn(m.getDelVn() + 1);
+  }
+  for (unsigned f = 0; f < faces; ++f) {
+    const unsigned g = faces + f;
+    if (m.isFaceDeleted(g)) continue;
+    bool flat = m.fVNum(g) > 0;
+    for (unsigned i = 0; i < m.fVNum(g); ++i) {
+      const unsigned v = m.fV(g, i);
+      if (v >= m.vn()) continue;
+      flat = flat && to[v] != v;
+      m.F2W(g, i).vertId = to[v];
+    }
+    if (!flat) continue;
+    m.deleteFace(f);  // it would sit between the halves, doubled
+    m.deleteFace(g);
+  }
+  m.compactFaces();
+  m.compactVertices();
+  m.setDelVn(0);
+  m.setDelFn(0);
+  m.setDelFvn(0);
+  m.computeEdges(false);
+  m.computeVE();
+  m.computeNormalizedFaceNormals();
+  m.computeNormalizedVertexNormals();
+}
+
 int runMirror(const commandLine& line) {
   if (!line.has("--face") || !line.has("--normal"))
     return usageError("mirror", "--face and --normal are required");
@@ -72,10 +116,13 @@ int runMirror(const commandLine& line) {
     if (!commandLine::toFloat(line.values("--normal")[size_t(i)], normal[i]))
       return usageError("mirror", "--normal takes three numbers");
   if (normal.squaredNorm() == 0.f) return usageError("mirror", "--normal must not be zero");
+  const bool weld = line.has("--weld");
   return transform("mirror", line, [&](editMesh& mesh) {
     if (!mesh.isFaceValid(unsigned(face)))
       return fileError(line.positional()[0], "has no face " + std::to_string(face));
+    const unsigned vertices = mesh.vn(), faces = mesh.fn();
     mesh.mirrorMesh(unsigned(face), normal);
+    if (weld) weldMirrorSeam(mesh, vertices, faces);
     return int(EXIT_OK);
   });
 }
@@ -141,11 +188,14 @@ const std::vector<command>& allCommands() {
        "  --scheme midpoint       triangles through edge midpoints\n"
        "  -n N                    number of steps, 0 to 10\n",
        withWriteOptions({{"--scheme", 1}, {"-n", 1}}), runSubdivide},
-      {"mirror", "IN OUT --face F --normal X Y Z",
+      {"mirror", "IN OUT --face F --normal X Y Z [--weld]",
        "Add a mirrored copy across the plane through face F's centre.",
+       "Every vertex and face is copied, so the halves meet without sharing vertices.\n"
        "  --face F            the face whose barycentre the plane passes through\n"
-       "  --normal X Y Z      the plane's normal (need not be unit length)\n",
-       withWriteOptions({{"--face", 1}, {"--normal", 3}}), runMirror},
+       "  --normal X Y Z      the plane's normal (need not be unit length)\n"
+       "  --weld              join the halves: vertices on the plane are shared, faces\n"
+       "                      lying in the plane are dropped\n",
+       withWriteOptions({{"--face", 1}, {"--normal", 3}, {"--weld", 0}}), runMirror},
       {"make", "SHAPE OUT [--segments N]", "Write a generated mesh.",
        "  SHAPE               cube, tetrahedron, octahedron, dodecahedron, sphere, torus,\n"
        "                      cylinder or cone\n"
