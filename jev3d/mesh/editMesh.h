@@ -633,9 +633,12 @@ class editMesh {
   void loopCut(unsigned int a, unsigned int b);
 
   // One Catmull-Clark step over all live faces: each face of k corners becomes k quads,
-  // with boundary rules on open borders. Old vertices keep their ids and move; edge
-  // points follow (in edge order), then face points (in face order). Quads of selected
-  // faces are selected. keepWire keeps edges without faces.
+  // written with makeQuadFace: the first keeps the face's id, the others are new faces
+  // at the end; FV keeps the old corners as dead entries (delFvn grows by k). Every
+  // border vertex takes 0.75 of itself and 0.125 of each border neighbour. Old vertices
+  // keep their ids and move; edge points follow (in edge order), then face points (in
+  // face order). Selection is cleared, then the quads of selected faces are selected.
+  // keepWire keeps edges without faces. The same holds for the forms below.
   void catmullClarkSubdivideVE(bool keepWire = true, SYSTEM::callBack* cb = nullptr);
   // The step on the selected faces only: vertices on the selection border stay, edge
   // points there are midpoints, and unselected faces on those edges take them as
@@ -648,7 +651,8 @@ class editMesh {
   // Splits each face (or each selected face) by its edge midpoints: a triangle becomes
   // four, a polygon of k corners k corner triangles around the polygon of its midpoints,
   // which is fanned from a centre vertex (centreVertex) or from its first midpoint.
-  // Unselected faces on split edges take the midpoints as corners.
+  // Triangles are written with makeTriFace, as the quads of the steps above. Unselected
+  // faces on split edges take the midpoints as corners (makePolyFace).
   void midpointTriangulate(bool selectedOnly = false, bool centreVertex = true,
                            SYSTEM::callBack* cb = nullptr);
   // Every live face as the fan of triangles from its corner 0; faces of fewer than 3

@@ -2,7 +2,6 @@
 
 #include "jev3d/io/internal/largeArray.h"
 #include "jev3d/mesh/editMesh.h"
-#include "jev3d/mesh/internal/faceStoreRebuild.h"
 #include "jev3d/mesh/internal/topologyTools.h"
 
 namespace JEV {
@@ -126,10 +125,10 @@ stepPoints computeStepPoints(const editMesh& m, const std::vector<uint8_t>& in, 
       const float n = float(r.valence);
       s.moved[v] =
           p * ((n - 2.f) / n) + r.faces * (1.f / (float(r.facesIn) * n)) + r.ends * (1.f / (n * n));
-    } else if (r.border == 2) {
+    } else {
+      // every boundary vertex, a corner where several borders meet included
       s.moved[v] = p * 0.75f + r.borderEnds * 0.125f;
     }
-    // a corner where more than two border edges meet stays
   }
   return s;
 }
@@ -147,27 +146,54 @@ void appendStepVertices(editMesh& m, const stepPoints& s) {
   m.checkMeshState();
 }
 
-// What was selected before a step, so that it can be selected again on the new geometry.
+// The faces selected before a step, so that their pieces can be selected on the new
+// geometry; the rest of the selection (vertices, edges) is cleared by the step.
 struct selectionMemo {
   std::vector<uint32_t> faces;  // old face ids
-  std::vector<uint32_t> verts;
   explicit selectionMemo(editMesh& m) {
     for (uint32_t f = 0; f < m.fn(); ++f)
       if (!m.isFaceDeleted(f) && m.isFaceSelected(f)) faces.push_back(f);
-    for (uint32_t v = 0; v < m.vn(); ++v)
-      if (!m.isVertDeleted(v) && m.isVertSelected(v)) verts.push_back(v);
     m.clearGeomSelectionState();
   }
-  // pieces[f] lists the faces that old face f became (f first).
+  // Old face f became f and the pieceCount[f] - 1 faces from pieceBase[f] on.
   void restore(editMesh& m, const std::vector<uint32_t>& pieceBase,
                const std::vector<uint32_t>& pieceCount) {
-    for (uint32_t v : verts) m.selectVert(v);
     for (uint32_t f : faces) {
       m.selectFace(f);
       for (uint32_t k = 1; k < pieceCount[f]; ++k) m.selectFace(pieceBase[f] + k - 1);
     }
   }
 };
+
+// Writes the pieces of one face with the face makers: the first piece repoints the face
+// itself (its old corners stay behind as dead entries), further pieces are new faces at
+// the end of the store with their corners at the end of FV.
+class pieceWriter {
+ public:
+  pieceWriter(editMesh& m, uint32_t f) : m(m), f(f) {}
+  void tri(uint32_t a, uint32_t b, uint32_t c) { m.makeTriFace(next(), a, b, c); }
+  void quad(uint32_t a, uint32_t b, uint32_t c, uint32_t d) { m.makeQuadFace(next(), a, b, c, d); }
+
+ private:
+  uint32_t next() {
+    if (first) {
+      first = false;
+      return f;
+    }
+    const uint32_t g = m.addFace();
+    m.fNor(g) = m.fNor(f);
+    return g;
+  }
+  editMesh& m;
+  uint32_t f;
+  bool first = true;
+};
+
+// Reserves room for the faces and corners a step appends.
+void reserveStep(editMesh& m, size_t faces, size_t corners) {
+  IO::reserveLarge(m.faceStore(), m.fn() + faces);
+  IO::reserveLarge(m.fvRecords(), m.fvn() + corners);
+}
 
 // One subdivision step into quads (Catmull-Clark or linear) over the faces of the set.
 void quadStep(editMesh& m, bool selectedOnly, bool smooth, bool keepWire, SYSTEM::callBack* cb) {
@@ -187,10 +213,11 @@ void quadStep(editMesh& m, bool selectedOnly, bool smooth, bool keepWire, SYSTEM
   const uint32_t nv = m.vn(), nf = m.fn();
   size_t corners = 0, pieces = 0;
   for (uint32_t f = 0; f < nf; ++f) {
+    if (m.isFaceDeleted(f)) continue;
     corners += in[f] ? 4 * m.fVNum(f) : 2 * m.fVNum(f);
     pieces += in[f] ? m.fVNum(f) - 1 : 0;
   }
-  IO::reserveLarge(m.faceStore(), nf + pieces);
+  reserveStep(m, pieces, corners);
   appendStepVertices(m, s);
   auto edgePointOfSide = [&](uint32_t k) -> uint32_t {
     const uint32_t e = sides[k];
@@ -199,10 +226,10 @@ void quadStep(editMesh& m, bool selectedOnly, bool smooth, bool keepWire, SYSTEM
   };
 
   std::vector<uint32_t> pieceBase(nf, 0), pieceCount(nf, 1);
-  faceStoreRebuild out(m, corners);
   std::vector<uint32_t> ring;
   for (uint32_t f = 0; f < nf; ++f) {
     if (m.isFaceDeleted(f)) continue;
+    // read the corners first: the first piece repoints the face
     const uint32_t n = m.fVNum(f), base = m.F2FVBASE(f);
     if (in[f]) {
       // corners and the points of the sides after them
@@ -216,11 +243,11 @@ void quadStep(editMesh& m, bool selectedOnly, bool smooth, bool keepWire, SYSTEM
         ring.push_back(p);
       }
       const uint32_t centre = nv + s.facePoint[f];
-      out.beginFace(f);
       pieceBase[f] = m.fn();
       pieceCount[f] = n;
+      pieceWriter out(m, f);
       for (uint32_t i = 0; i < n; ++i)
-        out.piece(ring[(2 * i + 2 * n - 1) % (2 * n)], ring[2 * i], ring[2 * i + 1], centre);
+        out.quad(ring[(2 * i + 2 * n - 1) % (2 * n)], ring[2 * i], ring[2 * i + 1], centre);
       continue;
     }
     // a face outside the set takes the points on its sides as corners
@@ -233,10 +260,9 @@ void quadStep(editMesh& m, bool selectedOnly, bool smooth, bool keepWire, SYSTEM
       const uint32_t p = edgePointOfSide(base + i);
       if (p != NO_ID) ring.push_back(p);
     }
-    out.beginFace(f);
-    out.piece(ring.data(), uint32_t(ring.size()));
+    m.makePolyFace(f, ring);
   }
-  out.finish();
+  m.checkMeshState();
   if (smooth)
     for (uint32_t v = 0; v < nv; ++v) m.vPos(v) = s.moved[v];
   report(cb, 70.f);
@@ -287,10 +313,11 @@ void editMesh::midpointTriangulate(bool selectedOnly, bool centreVertex, SYSTEM:
   const uint32_t nv = vn(), nf = fn();
   size_t corners = 0, pieces = 0;
   for (uint32_t f = 0; f < nf; ++f) {
+    if (isFaceDeleted(f)) continue;
     corners += in[f] ? 6 * fVNum(f) + 3 : 2 * fVNum(f);
     pieces += in[f] ? 2 * fVNum(f) : 0;
   }
-  IO::reserveLarge(fStore, nf + pieces);
+  reserveStep(*this, pieces, corners);
   appendStepVertices(*this, s);
   auto pointOfSide = [&](uint32_t k) -> uint32_t {
     const uint32_t e = sides[k];
@@ -299,8 +326,7 @@ void editMesh::midpointTriangulate(bool selectedOnly, bool centreVertex, SYSTEM:
   };
 
   std::vector<uint32_t> pieceBase(nf, 0), pieceCount(nf, 1);
-  faceStoreRebuild out(*this, corners);
-  std::vector<uint32_t> c, mid;
+  std::vector<uint32_t> c, mid, ring;
   for (uint32_t f = 0; f < nf; ++f) {
     if (isFaceDeleted(f)) continue;
     const uint32_t n = fVNum(f), base = F2FVBASE(f);
@@ -315,34 +341,32 @@ void editMesh::midpointTriangulate(bool selectedOnly, bool centreVertex, SYSTEM:
     }
     if (!in[f]) {
       if (std::all_of(mid.begin(), mid.end(), [](uint32_t p) { return p == NO_ID; })) continue;
-      std::vector<uint32_t> ring;
+      ring.clear();
       for (uint32_t i = 0; i < n; ++i) {
         ring.push_back(c[i]);
         if (mid[i] != NO_ID) ring.push_back(mid[i]);
       }
-      out.beginFace(f);
-      out.piece(ring.data(), uint32_t(ring.size()));
+      makePolyFace(f, ring);
       continue;
     }
-    out.beginFace(f);
     pieceBase[f] = fn();
+    pieceWriter out(*this, f);
     // the corner triangles, then the polygon of the midpoints
-    for (uint32_t i = 0; i < n; ++i) out.piece(c[i], mid[i], mid[(i + n - 1) % n]);
-    uint32_t pieces = n;
+    for (uint32_t i = 0; i < n; ++i) out.tri(c[i], mid[i], mid[(i + n - 1) % n]);
+    uint32_t made = n;
     if (n == 3) {
-      out.piece(mid[0], mid[1], mid[2]);
-      pieces += 1;
+      out.tri(mid[0], mid[1], mid[2]);
+      made += 1;
     } else if (s.facePoint[f] != NO_ID) {
       const uint32_t centre = nv + s.facePoint[f];
-      for (uint32_t i = 0; i < n; ++i) out.piece(mid[i], mid[(i + 1) % n], centre);
-      pieces += n;
+      for (uint32_t i = 0; i < n; ++i) out.tri(mid[i], mid[(i + 1) % n], centre);
+      made += n;
     } else {
-      for (uint32_t i = 1; i + 1 < n; ++i) out.piece(mid[0], mid[i], mid[i + 1]);
-      pieces += n - 2;
+      for (uint32_t i = 1; i + 1 < n; ++i) out.tri(mid[0], mid[i], mid[i + 1]);
+      made += n - 2;
     }
-    pieceCount[f] = pieces;
+    pieceCount[f] = made;
   }
-  out.finish();
   report(cb, 70.f);
   closeTopologyEdit(*this);
   memo.restore(*this, pieceBase, pieceCount);
