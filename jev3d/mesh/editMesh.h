@@ -536,6 +536,15 @@ class editMesh {
   void invalidateSelectedEdgeFlags();
   void invalidateSelectedFaceFlags();
   void invalidateRenderData();
+  // Ask the drawing thread to discard the render chunks (free their device data and
+  // build them again) or to delete them, at its next frame; safe from another thread.
+  // Nothing is asked while discardGuard reads true.
+  void needDiscardRenderChunks() {
+    if (!discardGuard.cV()) renderChunksDiscardPending = true;
+  }
+  void needDeleteRenderChunks() {
+    if (!discardGuard.cV()) renderChunksDeletePending = true;
+  }
   // Read by needDiscardRenderChunks and needDeleteRenderChunks. Linkable, initially false.
   SYSTEM::fieldBase<bool> discardGuard;
   // While it reads true, the hide calls, deleteFaces and the invalidate...Flags family
@@ -746,6 +755,14 @@ class editMesh {
   unsigned int auxFloatDataNum() const { return unsigned(auxFloat.items.size()); }
   unsigned int auxUintDataNum() const { return unsigned(auxUint.items.size()); }
   unsigned int auxUcharDataNum() const { return unsigned(auxUchar.items.size()); }
+
+  // Writes the live faces of three or more corners as polygons, with the live vertices
+  // renumbered in order, their normals, and their colours when the mesh has them; binary
+  // (big-endian) or ASCII PLY. False when the file cannot be written.
+  bool saveMeshToPly(const std::wstring& name, bool binary = true,
+                     SYSTEM::callBack* cb = nullptr) const;
+  bool saveMeshToPly(const std::string& name, bool binary = true,
+                     SYSTEM::callBack* cb = nullptr) const;
 
   // Diagnostics
   // Counts of every store, one per line.

@@ -5,9 +5,11 @@
 
 #include <limits>
 
+#include "jev3d/io/ply/ioPly.h"
 #include "jev3d/mesh/editMesh.h"
 #include "mesh/topologyChecks.h"
 #include "support/meshes.h"
+#include "support/tempDir.h"
 
 using JEV::MESH::editMesh;
 using namespace testMeshes;
@@ -157,4 +159,44 @@ TEST(editMeshFlattenCounts, aFaceWithoutCornersCountsAsTheLargestFloat) {
   // axis: the face is pushed to its z
   const float z = 0.5f * (0.25f + std::numeric_limits<float>::max());
   for (unsigned v = 0; v < 4; ++v) EXPECT_FLOAT_EQ(m.vPos(v).z, z) << v;
+}
+
+TEST(editMeshRenderRequests, areRaisedUnlessTheGuardReadsTrue) {
+  editMesh m;
+  m.needDiscardRenderChunks();
+  m.needDeleteRenderChunks();
+  EXPECT_TRUE(m.renderChunksDiscardPending);
+  EXPECT_TRUE(m.renderChunksDeletePending);
+  editMesh guarded;
+  guarded.discardGuard = true;
+  guarded.needDiscardRenderChunks();
+  guarded.needDeleteRenderChunks();
+  EXPECT_FALSE(guarded.renderChunksDiscardPending);
+  EXPECT_FALSE(guarded.renderChunksDeletePending);
+}
+
+TEST(editMeshSaveToPly, writesTheLiveFacesAndVertices) {
+  editMesh m;
+  makeGrid(m, 2, 2);
+  m.addVertex(9.f, 9.f, 9.f);
+  finishMesh(m);
+  m.deleteFace(0);
+  m.deleteVertex(9);
+  m.setHasVC(true);
+  m.vCol(4) = JEV::CORE::color::fromU32(0xFF0000FFu);
+  tempDir dir;
+  for (bool binary : {true, false}) {
+    const std::string path = dir.file(binary ? "grid.ply" : "grid-ascii.ply");
+    ASSERT_TRUE(m.saveMeshToPly(path, binary));
+    JEV::IO::PLY::plyPolygonMesh back;
+    ASSERT_TRUE(JEV::IO::PLY::ioPly::readPlyPolygonsFromFile(path, back));
+    EXPECT_EQ(back.positions.size(), 9u);
+    EXPECT_EQ(back.cornerCounts, (std::vector<unsigned>{4, 4, 4}));
+    ASSERT_EQ(back.corners.size(), 12u);
+    for (unsigned i = 0; i < 4; ++i) EXPECT_EQ(back.corners[i], m.fV(1, i));
+    ASSERT_EQ(back.colours.size(), 9u);
+    EXPECT_EQ(back.colours[4], m.vCol(4));
+    EXPECT_EQ(back.normals.size(), 9u);
+  }
+  EXPECT_FALSE(m.saveMeshToPly(dir.file("missing/dir/grid.ply")));
 }
