@@ -222,7 +222,7 @@ void dirtySet(winMain* win) {
 
 }  // namespace
 
-application::application() = default;
+application::application() { callBack::setInterprocessSender(sendProgressRecord); }
 
 application::application(const std::wstring&, const std::wstring& instanceName) {
   if (!instanceName.empty()) {
@@ -391,7 +391,29 @@ void application::updateWinMain(winMain* win) {
   win->lastUpdateTick = win->updateTick.load();
   win->updateCtx->updateUPSTime();
   win->update();
-  if (win->updateGui && win->gui) win->gui->update();
+  if (win->updateGui && win->gui) {
+    win->gui->update();
+  } else {
+    drainInput(win);
+  }
+}
+
+void application::drainInput(winMain* win) {
+  inputContext* ctx = win->getInputContext();
+  if (!ctx) return;
+  windowGui* gui = win->getGui();
+  inputContext::eventQueue queued;
+  if (gui) gui->waitGuiMutex(INFINITE);
+  queued.swap(ctx->events);
+  if (gui) gui->releaseGuiMutex();
+  for (const auto& [type, e] : queued) {
+    if (type < 0 || type >= EVENT_TYPE_COUNT) continue;
+    // a copy: a handler may register or unregister handlers
+    win->absoluteCallbackMutex.wait(INFINITE);
+    const std::list<inputEventDelegate> handlers = win->absoluteCallbacks[type];
+    win->absoluteCallbackMutex.release();
+    for (const inputEventDelegate& d : handlers) d.invoke(static_cast<void*>(e.get()));
+  }
 }
 
 void application::drawWinMain(winMain* win) {
@@ -602,6 +624,10 @@ std::int64_t application::windowProc(winMain* win, windowHandle hWnd, unsigned m
         messageScope s(win, hWnd, msg, wParam, lParam);
         GUI::widget* target = s.focusedOrBelow();
         if (wParam < 65536) s.ctx.keys[wParam] = down;
+        // The lock keys toggle on each press; a held key's repeats (bit 30) do not.
+        const bool firstPress = down && !(lParam & (std::int64_t(1) << 30));
+        if (firstPress && wParam == VK_CAPITAL) s.ctx.capsLockOn = !s.ctx.capsLockOn;
+        if (firstPress && wParam == VK_NUMLOCK) s.ctx.numLockOn = !s.ctx.numLockOn;
         s.queueKey(down ? KEY_DOWN : KEY_UP, target, static_cast<int>(wParam), 0);
         if (!down && wParam == VK_MENU) {
           // AltGr delivers Ctrl and Alt together, and its Ctrl release can be lost.

@@ -72,6 +72,9 @@ class application {
   void eraseWin(winMain* win);
   void delegateCreateWindow(void* entry);
   void updateWinMain(winMain* win);
+  // The event schedule's work for a window whose widget layer does not run it: each
+  // queued event, in order, to the absolute handlers of its type, then the queue empties.
+  void drainInput(winMain* win);
   void drawWinMain(winMain* win);
 
   winMain* splashWindow = nullptr;

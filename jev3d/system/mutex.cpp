@@ -53,6 +53,8 @@ bool mutex::create(const std::wstring& n) {
   return true;
 }
 
+bool mutex::create(const std::string& n) { return create(IO::XML::utf8ToWstring(n)); }
+
 void mutex::destroy() {
   created = false;
   handleData* h = handle.exchange(nullptr);

@@ -31,6 +31,8 @@ class mutex {
   // Creates the lock; a lock created before is destroyed first. False on failure.
   bool create();
   bool create(const std::wstring& name);
+  // The same with a UTF-8 name.
+  bool create(const std::string& name);
   void destroy();
 
   // Waits up to `milliseconds` (INFINITE for ever) to own the lock. Returns

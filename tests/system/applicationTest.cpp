@@ -2,6 +2,7 @@
 
 #include <unistd.h>
 
+#include <algorithm>
 #include <atomic>
 #include <chrono>
 #include <thread>
@@ -293,4 +294,31 @@ TEST_F(applicationTest, aCleanWindowWithoutTickAlwaysPostsNothing) {
     waitFor([&] { return platform.postCount(WM_TICK_FRAME) > frames; });
     return true;
   });
+}
+
+// Without a widget layer nothing runs the event schedule: the window drains its queue at
+// each update, handing every event to the absolute handlers, so the queue cannot grow.
+TEST_F(applicationTest, withoutAWidgetLayerTheQueueIsDrainedEachUpdate) {
+  application app(L"", L"");
+  probeWindow win(&app, &device);
+  struct seen {
+    std::vector<EVENT_TYPE> types;
+    void on(const inputEvent* e) { types.push_back(e->type); }
+  } moves;
+  inputEventDelegate d(&moves, &seen::on);
+  win.registerAbsoluteInputEventCallBack(MOUSE_MOVE, d);
+  bool sent = false;
+  const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(5);
+  runUntil(app, platform, {&win}, [&] {
+    if (!isLive(app, &win)) return false;
+    if (!sent) {
+      sent = true;
+      for (int i = 0; i < 3; ++i)
+        platform.send(win.getHWnd(), WM_MOUSEMOVE, 0, makeLParam(10 + i, 20));
+      return false;
+    }
+    return win.getInputContext()->events.empty() || std::chrono::steady_clock::now() > deadline;
+  });
+  EXPECT_TRUE(win.getInputContext()->events.empty());
+  EXPECT_EQ(std::count(moves.types.begin(), moves.types.end(), MOUSE_MOVE), 3);
 }

@@ -26,6 +26,21 @@ TEST(mutex, neverCreatedFails) {
   EXPECT_FALSE(m.release());
 }
 
+TEST(mutex, narrowNameCreatesTheSameNamedLock) {
+  const std::wstring wide = uniqueName();
+  const std::string narrow(wide.begin(), wide.end());
+  mutex m(false);
+  ASSERT_TRUE(m.create(narrow));
+  EXPECT_EQ(m.getName(), wide);
+  EXPECT_EQ(m.wait(0), WAIT_OBJECT_0);
+  // the wide form of the name opens the same lock: another thread cannot take it
+  mutex other(wide);
+  unsigned long result = 0;
+  std::thread([&] { result = other.wait(0); }).join();
+  EXPECT_EQ(result, WAIT_TIMEOUT);
+  EXPECT_TRUE(m.release());
+}
+
 TEST(mutex, ownerMayTakeItAgain) {
   mutex m;
   ASSERT_EQ(m.wait(INFINITE), WAIT_OBJECT_0);

@@ -434,3 +434,39 @@ TEST_F(windowProcTest, quitHasNoEffectOnTheLoop) {
   });
   EXPECT_EQ(win.count("wndProcMsg 18 0 0"), 1);
 }
+
+TEST_F(windowProcTest, lockKeysToggleOnEachPressNotOnRepeats) {
+  run([&] {
+    const inputContext& ctx = *win.getInputContext();
+    EXPECT_FALSE(ctx.isCapsLockOn());
+    send(WM_KEYDOWN, VK_CAPITAL, 1);
+    EXPECT_TRUE(ctx.isCapsLockOn());
+    send(WM_KEYDOWN, VK_CAPITAL, 1 | (std::int64_t(1) << 30));  // held: a repeat
+    send(WM_KEYUP, VK_CAPITAL, 1);
+    EXPECT_TRUE(ctx.isCapsLockOn());
+    send(WM_KEYDOWN, VK_CAPITAL, 1);
+    send(WM_KEYUP, VK_CAPITAL, 1);
+    EXPECT_FALSE(ctx.isCapsLockOn());
+    EXPECT_FALSE(ctx.isNumLockOn());
+    send(WM_KEYDOWN, VK_NUMLOCK, 1);
+    EXPECT_TRUE(ctx.isNumLockOn());
+    EXPECT_FALSE(ctx.isCapsLockOn());
+  });
+}
+
+TEST_F(windowProcTest, theDefaultConstructorInstallsTheProgressSenderToo) {
+  struct plainApplication : application {
+    plainApplication() {}
+  };
+  callBack::setInterprocessSender(nullptr);
+  plainApplication plain;
+  progressReceiver receiver;
+  app.addCopyDataDelegate(makeDelegate(&receiver, &progressReceiver::onCopy));
+  run([&] {
+    callBack progress;
+    progress.setInterprocessCommunicationsHandle(reinterpret_cast<void*>(win.getHWnd()));
+    progress.setValue(25);
+  });
+  ASSERT_EQ(receiver.records.size(), 1u);
+  EXPECT_EQ(valueOf(receiver.records[0]), 25.0f);
+}
