@@ -95,7 +95,7 @@ const char* nextLine(const char* p, const char* end) {
 // Reads the ASCII form by token positions; `facet` receives each complete record as the
 // normal and three corners, with the offset reached. Returns the number of facets, or -1 for a file
 // with no line break or a number that does not parse.
-template <class F>
+template <bool parse, class F>
 long long scanAscii(const mappedFile& file, F&& facet) {
   const char* p = reinterpret_cast<const char*>(file.data());
   const char* end = p + file.size();
@@ -123,6 +123,7 @@ long long scanAscii(const mappedFile& file, F&& facet) {
       return true;
     };
     auto numbers = [&](float* v) {
+      if constexpr (!parse) return words(3);  // counting: the tokens' places are enough
       for (int i = 0; i < 3; ++i) {
         const char* q = TEXT::parseReal(p, end, v[i]);
         if (!q) {
@@ -146,31 +147,27 @@ long long scanAscii(const mappedFile& file, F&& facet) {
 template <class T>
 bool readAscii(const mappedFile& file, std::vector<T>& positions, std::vector<T>& normals,
                progress& report) {
-  const size_t size = file.size();
+  // One pass counts the facets, so that the arrays are reserved exactly and progress is
+  // the facet's index over the count.
+  const long long count = scanAscii<false>(file, [](const float*, size_t) {});
+  if (count < 0) return false;
+  reserveLarge(normals, size_t(count) * 3 * sizeof(float) / sizeof(T));
+  reserveLarge(positions, size_t(count) * 9 * sizeof(float) / sizeof(T));
   // Facets gather in a small run and move to the arrays together.
   constexpr size_t run = 512;
   float runNormals[3 * run], runPositions[9 * run];
   size_t inRun = 0, facets = 0;
-  const size_t recordsStart = size_t(std::find(file.data(), file.end(), '\n') - file.data()) + 1;
   auto flush = [&]() {
     if (inRun == 0) return;
     std::memcpy(growBy(normals, 3 * inRun), runNormals, 12 * inRun);
     std::memcpy(growBy(positions, 9 * inRun), runPositions, 36 * inRun);
     inRun = 0;
   };
-  const long long read = scanAscii(file, [&](const float* v, size_t offset) {
-    if (facets++ == 0) {
-      // Files repeat one layout: the first record's length tells how many follow. A
-      // record is at least 41 bytes, which bounds the guess by the file's size.
-      const size_t first = std::max<size_t>(offset - std::min(offset, recordsStart), 41);
-      const size_t guess = size / first + 16;
-      reserveLarge(normals, guess * 3 * sizeof(float) / sizeof(T));
-      reserveLarge(positions, guess * 9 * sizeof(float) / sizeof(T));
-    }
+  const long long read = scanAscii<true>(file, [&](const float* v, size_t) {
+    report.step(facets++, size_t(count), 0.0f, 100.0f);
     std::memcpy(runNormals + 3 * inRun, v, 12);
     std::memcpy(runPositions + 9 * inRun, v + 3, 36);
     if (++inRun == run) flush();
-    if (facets % progress::every == 0) report.step(offset, size, 0.0f, 100.0f, false);
   });
   flush();
   return read >= 0;
@@ -302,7 +299,7 @@ bool ioStl::readStlInfoFromFile(const std::string& name, unsigned int& vertices,
     vertices = 3 * faces;
     return true;
   }
-  const long long count = scanAscii(file, [](const float*, size_t) {});
+  const long long count = scanAscii<true>(file, [](const float*, size_t) {});
   if (count < 0) return false;
   faces = unsigned(count);
   vertices = faces / 3;

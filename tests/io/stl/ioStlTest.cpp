@@ -241,10 +241,31 @@ TEST(ioStl, progressReportsEveryFiveThousandFacets) {
     std::vector<float> p, n;
     ASSERT_TRUE(ioStl::readStlFromFile(dir.file("p.stl"), p, n, &reading));
     EXPECT_EQ(p, positions);
-    EXPECT_EQ(reading.values.front(), 1.0f);
-    EXPECT_EQ(reading.values.back(), 100.0f);
-    EXPECT_TRUE(std::is_sorted(reading.values.begin(), reading.values.end()));
+    EXPECT_EQ(reading.values, (std::vector<float>{1, 41, 83, 100}));
   }
+}
+
+TEST(ioStl, asciiReadProgressIsTheFacetIndexOverTheCount) {
+  // The first 5000 records carry long runs of blanks, so that the bytes read and the
+  // facets read part ways: progress follows the facets.
+  tempDir dir;
+  std::string text = "solid padded\n";
+  const std::string pad(600, ' ');
+  for (int f = 0; f < 12000; ++f) {
+    text += "facet normal 0 0 1" + std::string(f < 5000 ? pad : "") + "\nouter loop\n";
+    for (int k = 0; k < 3; ++k)
+      text += "vertex " + std::to_string(f) + " " + std::to_string(k) + " 0\n";
+    text += "endloop\nendfacet\n";
+  }
+  text += "endsolid padded\n";
+  const std::string path = dir.file("padded.stl");
+  writeBytes(path, text);
+  recordingCallBack reading;
+  std::vector<point3<float>> p, n;
+  ASSERT_TRUE(ioStl::readStlFromFile(path, p, n, &reading));
+  EXPECT_EQ(n.size(), 12000u);
+  EXPECT_EQ(p.capacity(), 36000u);  // reserved exactly from the counting pass
+  EXPECT_EQ(reading.values, (std::vector<float>{1, 41, 83, 100}));
 }
 
 }  // namespace
