@@ -707,7 +707,12 @@ class editMesh {
   // False for a null src or this mesh.
   bool clone(const editMesh* src);
 
-  // Primitive makers replace the whole mesh, centred on the origin, wound outward.
+  // Primitive makers replace the mesh's elements, centred on the origin, wound outward.
+  // They size the stores in place rather than clearing the mesh: capacity, the aux
+  // stores, UV (except for the dodecahedron) and the vertex colour flag stay. makeCube
+  // reuses the first 8 vertex and 6 face records and writes its quads with makeQuadFace,
+  // so FV keeps what it held and delFvn counts the corners the reused faces had; the
+  // others start from empty vertex, face and corner stores.
   // Cube [-1, 1]^3; tetrahedron, octahedron and dodecahedron on the unit sphere.
   void makeCube();
   void makeTetrahedron();
