@@ -89,6 +89,8 @@ class platform {
   virtual void setCursorPos(int x, int y) = 0;
   // The window of this process under a screen point, or 0.
   virtual windowHandle windowFromPoint(int x, int y) = 0;
+  // Whether a lock key (VK_CAPITAL, VK_NUMLOCK) is toggled on at the keyboard now.
+  virtual bool isKeyToggled(unsigned virtualKey) = 0;
 
   // A repeating timer; each expiry reaches `procedure` through the queue. Setting an id
   // that runs already restarts it.

@@ -249,6 +249,19 @@ bool scriptedPlatform::getCursorPos(int& x, int& y) {
   return true;
 }
 
+bool scriptedPlatform::isKeyToggled(unsigned virtualKey) {
+  std::lock_guard<std::mutex> g(lock);
+  return toggledKeys.count(virtualKey) != 0;
+}
+
+void scriptedPlatform::setKeyToggled(unsigned virtualKey, bool on) {
+  std::lock_guard<std::mutex> g(lock);
+  if (on)
+    toggledKeys.insert(virtualKey);
+  else
+    toggledKeys.erase(virtualKey);
+}
+
 void scriptedPlatform::setCursorPos(int x, int y) {
   std::lock_guard<std::mutex> g(lock);
   cursorX = x;

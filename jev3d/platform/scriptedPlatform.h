@@ -5,6 +5,7 @@
 #include <functional>
 #include <map>
 #include <mutex>
+#include <set>
 #include <string>
 #include <utility>
 #include <vector>
@@ -89,6 +90,9 @@ class scriptedPlatform : public platform {
   bool getCursorPos(int& x, int& y) override;
   void setCursorPos(int x, int y) override;
   windowHandle windowFromPoint(int x, int y) override;
+  bool isKeyToggled(unsigned virtualKey) override;
+  // The keyboard's lock state as a test scripts it.
+  void setKeyToggled(unsigned virtualKey, bool on);
   bool setTimer(windowHandle window, unsigned id, unsigned milliseconds,
                 timerProcedure procedure) override;
   bool killTimer(windowHandle window, unsigned id) override;
@@ -126,6 +130,7 @@ class scriptedPlatform : public platform {
   int waits = 0;
   int screenWidth = 1920;
   int screenHeight = 1080;
+  std::set<unsigned> toggledKeys;
   int cursorX = 0;
   int cursorY = 0;
 };

@@ -459,6 +459,14 @@ bool sdlPlatform::getCursorPos(int& x, int& y) {
   return true;
 }
 
+bool sdlPlatform::isKeyToggled(unsigned virtualKey) {
+  if (!d->ready) return false;
+  const SDL_Keymod mods = SDL_GetModState();
+  if (virtualKey == VK_CAPITAL) return (mods & KMOD_CAPS) != 0;
+  if (virtualKey == VK_NUMLOCK) return (mods & KMOD_NUM) != 0;
+  return false;
+}
+
 void sdlPlatform::setCursorPos(int x, int y) {
   if (d->ready) SDL_WarpMouseGlobal(x, y);
 }

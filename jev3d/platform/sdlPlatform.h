@@ -38,6 +38,7 @@ class sdlPlatform : public platform {
   void setForeground(windowHandle window) override;
   void setCursor(windowHandle window, cursorHandle cursor) override;
   bool getCursorPos(int& x, int& y) override;
+  bool isKeyToggled(unsigned virtualKey) override;
   void setCursorPos(int x, int y) override;
   windowHandle windowFromPoint(int x, int y) override;
   bool setTimer(windowHandle window, unsigned id, unsigned milliseconds,

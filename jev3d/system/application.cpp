@@ -624,10 +624,10 @@ std::int64_t application::windowProc(winMain* win, windowHandle hWnd, unsigned m
         messageScope s(win, hWnd, msg, wParam, lParam);
         GUI::widget* target = s.focusedOrBelow();
         if (wParam < 65536) s.ctx.keys[wParam] = down;
-        // The lock keys toggle on each press; a held key's repeats (bit 30) do not.
-        const bool firstPress = down && !(lParam & (std::int64_t(1) << 30));
-        if (firstPress && wParam == VK_CAPITAL) s.ctx.capsLockOn = !s.ctx.capsLockOn;
-        if (firstPress && wParam == VK_NUMLOCK) s.ctx.numLockOn = !s.ctx.numLockOn;
+        // Read from the keyboard on every key, so a lock set before the window had focus
+        // shows at the first key.
+        s.ctx.capsLockOn = p.isKeyToggled(VK_CAPITAL);
+        s.ctx.numLockOn = p.isKeyToggled(VK_NUMLOCK);
         s.queueKey(down ? KEY_DOWN : KEY_UP, target, static_cast<int>(wParam), 0);
         if (!down && wParam == VK_MENU) {
           // AltGr delivers Ctrl and Alt together, and its Ctrl release can be lost.
