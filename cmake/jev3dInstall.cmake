@@ -1,6 +1,9 @@
 # Installed and exported package: find_package(jev3d) gives jev3d::core and jev3d::jev3d.
 include(CMakePackageConfigHelpers)
 
+# Headers by folder, so new ones install without a list: every .h and .inl under jev3d/
+# except the internal/ folders, which hold what only the library's own sources include.
+# No installed header may include an internal/ one (the package test checks it).
 install(DIRECTORY ${PROJECT_SOURCE_DIR}/jev3d/
   DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/jev3d
   FILES_MATCHING PATTERN "*.h" PATTERN "*.inl"

@@ -1,6 +1,6 @@
 #include "jev3d/math/matrix3.h"
 
-#include "jev3d/math/matrix3.inl"
+#include "jev3d/math/internal/matrix3.inl"
 
 namespace JEV {
 namespace MATH {

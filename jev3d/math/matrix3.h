@@ -5,8 +5,8 @@
 #include <limits>
 #include <vector>
 
-#include "jev3d/math/internal/byteOrdered.h"
-#include "jev3d/math/internal/elementwise.h"
+#include "jev3d/math/byteOrdered.h"
+#include "jev3d/math/elementwise.h"
 #include "jev3d/math/mathBase.h"
 #include "jev3d/math/point3.h"
 
@@ -21,8 +21,7 @@ class matrix4;
 // of this class give the column-vector form, the transpose of matrix4's. Full for float
 // and double; int has the constructors, setIdentity and indexOf.
 template <class T>
-class matrix3 : public internal::byteOrdered<matrix3<T>>,
-                public internal::elementwise<matrix3<T>, T, 9> {
+class matrix3 : public byteOrdered<matrix3<T>>, public elementwise<matrix3<T>, T, 9> {
  public:
   // false builds the identity, true the zero matrix.
   explicit matrix3(bool zero = false) { zero ? setZero() : setIdentity(); }

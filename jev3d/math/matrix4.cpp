@@ -1,6 +1,6 @@
 #include "jev3d/math/matrix4.h"
 
-#include "jev3d/math/matrix4.inl"
+#include "jev3d/math/internal/matrix4.inl"
 
 namespace JEV {
 namespace MATH {

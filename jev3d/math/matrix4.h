@@ -7,15 +7,20 @@
 #include <string>
 #include <vector>
 
-#include "jev3d/math/internal/byteOrdered.h"
-#include "jev3d/math/internal/elementwise.h"
-#include "jev3d/math/internal/xmlComponents.h"
+#include "jev3d/math/byteOrdered.h"
+#include "jev3d/math/elementwise.h"
 #include "jev3d/math/mathBase.h"
 #include "jev3d/math/matrix3.h"
 #include "jev3d/math/point3.h"
 #include "jev3d/math/point4.h"
 
 namespace JEV {
+namespace IO {
+namespace XML {
+class xmlNode;
+}  // namespace XML
+}  // namespace IO
+
 namespace MATH {
 
 // A 4×4 matrix stored row by row: element (row, column) is m[column + row * 4]. Points
@@ -24,8 +29,7 @@ namespace MATH {
 // Full for float and double; int has the constructors, setZero, getNorm, the Jacobi
 // pair, getRowsNumber and operator[].
 template <class T>
-class matrix4 : public internal::byteOrdered<matrix4<T>>,
-                public internal::elementwise<matrix4<T>, T, 16> {
+class matrix4 : public byteOrdered<matrix4<T>>, public elementwise<matrix4<T>, T, 16> {
  public:
   // false builds the identity, true the zero matrix.
   explicit matrix4(bool zero = false) { zero ? setZero() : setIdentity(); }

@@ -1,6 +1,6 @@
 #include "jev3d/math/point2.h"
 
-#include "jev3d/math/point2.inl"
+#include "jev3d/math/internal/point2.inl"
 
 namespace JEV {
 namespace MATH {

@@ -7,16 +7,21 @@
 #include <string>
 #include <type_traits>
 
-#include "jev3d/math/internal/byteOrdered.h"
-#include "jev3d/math/internal/xmlComponents.h"
+#include "jev3d/math/byteOrdered.h"
 
 namespace JEV {
+namespace IO {
+namespace XML {
+class xmlNode;
+}  // namespace XML
+}  // namespace IO
+
 namespace MATH {
 
 // A two-component value: a position in the plane or a texture coordinate. Plain layout
 // x, y. Instantiated for int, float and double.
 template <class T>
-class point2 : public internal::byteOrdered<point2<T>> {
+class point2 : public byteOrdered<point2<T>> {
  public:
   T x = T(0);
   T y = T(0);

@@ -1,6 +1,6 @@
 #include "jev3d/math/point3.h"
 
-#include "jev3d/math/point3.inl"
+#include "jev3d/math/internal/point3.inl"
 
 namespace JEV {
 namespace MATH {

@@ -7,10 +7,15 @@
 #include <string>
 #include <type_traits>
 
-#include "jev3d/math/internal/byteOrdered.h"
-#include "jev3d/math/internal/xmlComponents.h"
+#include "jev3d/math/byteOrdered.h"
 
 namespace JEV {
+namespace IO {
+namespace XML {
+class xmlNode;
+}  // namespace XML
+}  // namespace IO
+
 namespace MATH {
 
 template <class T>
@@ -20,7 +25,7 @@ class point4;
 // products. Plain layout (x, y, z and nothing else) so that arrays of points can be
 // handed to files and renderers as they are. Instantiated for int, float and double.
 template <class T>
-class point3 : public internal::byteOrdered<point3<T>> {
+class point3 : public byteOrdered<point3<T>> {
  public:
   T x = T(0);
   T y = T(0);

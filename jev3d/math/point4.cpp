@@ -1,6 +1,6 @@
 #include "jev3d/math/point4.h"
 
-#include "jev3d/math/point4.inl"
+#include "jev3d/math/internal/point4.inl"
 
 namespace JEV {
 namespace MATH {

@@ -9,16 +9,21 @@
 
 #include "jev3d/math/point3.h"
 
-#include "jev3d/math/internal/byteOrdered.h"
-#include "jev3d/math/internal/xmlComponents.h"
+#include "jev3d/math/byteOrdered.h"
 
 namespace JEV {
+namespace IO {
+namespace XML {
+class xmlNode;
+}  // namespace XML
+}  // namespace IO
+
 namespace MATH {
 
 // A four-component value: a homogeneous position or a colour. Plain layout x, y, z, w.
 // Instantiated for int, float and double.
 template <class T>
-class point4 : public internal::byteOrdered<point4<T>> {
+class point4 : public byteOrdered<point4<T>> {
  public:
   T x = T(0);
   T y = T(0);

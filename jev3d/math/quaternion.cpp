@@ -1,6 +1,6 @@
 #include "jev3d/math/quaternion.h"
 
-#include "jev3d/math/quaternion.inl"
+#include "jev3d/math/internal/quaternion.inl"
 
 namespace JEV {
 namespace MATH {

@@ -3,8 +3,8 @@
 #include <cmath>
 #include <limits>
 
-#include "jev3d/math/internal/byteOrdered.h"
-#include "jev3d/math/internal/elementwise.h"
+#include "jev3d/math/byteOrdered.h"
+#include "jev3d/math/elementwise.h"
 #include "jev3d/math/matrix3.h"
 #include "jev3d/math/matrix4.h"
 #include "jev3d/math/point3.h"
@@ -16,8 +16,7 @@ namespace MATH {
 // product is Hamilton's, so (a·b).rotate(v) is a.rotate(b.rotate(v)). Full for float and
 // double; int has the constants and the two rotation-matrix conversions.
 template <class T>
-class quaternion : public internal::byteOrdered<quaternion<T>>,
-                   public internal::elementwise<quaternion<T>, T, 4> {
+class quaternion : public byteOrdered<quaternion<T>>, public elementwise<quaternion<T>, T, 4> {
  public:
   T w = T(1);
   T x = T(0);

@@ -3,6 +3,7 @@
 #include <cstdio>
 #include <cstdlib>
 
+#include "jev3d/io/internal/outputFile.h"
 #include "jev3d/io/internal/textNumbers.h"
 #include "jev3d/io/ply/internal/plyConvert.h"
 
@@ -11,6 +12,9 @@ namespace IO {
 namespace PLY {
 
 using namespace INTERNAL;
+
+plyWriter::plyWriter() : out(std::make_unique<outputFile>()) {}
+plyWriter::~plyWriter() = default;
 
 bool plyWriter::open(const std::string& path, int type, const std::vector<std::string>& names) {
   if (type != PLY_ASCII && type != PLY_BINARY_BE && type != PLY_BINARY_LE) {
@@ -25,7 +29,7 @@ bool plyWriter::open(const std::string& path, int type, const std::vector<std::s
     elements.push_back(e);
   }
   describing = writing = nullptr;
-  return out.open(path);
+  return out->open(path);
 }
 
 bool plyWriter::describeElement(const std::string& name, long long count) {
@@ -58,27 +62,27 @@ void plyWriter::describeProperty(const plyPropertyDescription& desc) {
 }
 
 bool plyWriter::headerComplete() {
-  out.put("ply\n");
-  out.put(fileType == PLY_ASCII       ? "format ascii 1.0\n"
-          : fileType == PLY_BINARY_BE ? "format binary_big_endian 1.0\n"
-                                      : "format binary_little_endian 1.0\n");
-  for (const std::string& c : comments) out.put("comment " + c + "\n");
-  for (const std::string& o : objInfo) out.put("obj_info " + o + "\n");
+  out->put("ply\n");
+  out->put(fileType == PLY_ASCII       ? "format ascii 1.0\n"
+           : fileType == PLY_BINARY_BE ? "format binary_big_endian 1.0\n"
+                                       : "format binary_little_endian 1.0\n");
+  for (const std::string& c : comments) out->put("comment " + c + "\n");
+  for (const std::string& o : objInfo) out->put("obj_info " + o + "\n");
   for (element& e : elements) {
     if (!e.described) continue;
-    out.put("element " + e.name + " " + std::to_string(e.count) + "\n");
+    out->put("element " + e.name + " " + std::to_string(e.count) + "\n");
     for (size_t k = 0; k < e.properties.size(); ++k) {
       const plyPropertyDescription& p = e.properties[k];
       if (p.isList) {
-        out.put(std::string("property list ") + plyTypeName(p.countFileType) + " " +
-                plyTypeName(p.fileType) + " " + e.names[k] + "\n");
+        out->put(std::string("property list ") + plyTypeName(p.countFileType) + " " +
+                 plyTypeName(p.fileType) + " " + e.names[k] + "\n");
       } else {
-        out.put(std::string("property ") + plyTypeName(p.fileType) + " " + e.names[k] + "\n");
+        out->put(std::string("property ") + plyTypeName(p.fileType) + " " + e.names[k] + "\n");
       }
     }
   }
-  out.put("end_header\n");
-  return out.flush();
+  out->put("end_header\n");
+  return out->flush();
 }
 
 bool plyWriter::putElementSetup(const std::string& name) {
@@ -124,18 +128,18 @@ void plyWriter::putValue(int type, int recordType, const unsigned char* src, boo
       using F = decltype(f);
       const F v = convert<F>(value);
       if (fileType == PLY_ASCII) {
-        char* p = out.reserve(40);
+        char* p = out->reserve(40);
         if constexpr (std::is_floating_point_v<F>) {
           p = TEXT::printReal(p, v);
         } else {
           p = TEXT::printInteger(p, v);
         }
         *p++ = last ? '\n' : ' ';
-        out.commit(p);
+        out->commit(p);
       } else {
         const bool swap = (fileType == PLY_BINARY_BE) != hostIsBigEndian;
         const F w = swap ? byteSwapped(v) : v;
-        out.put(&w, sizeof w);
+        out->put(&w, sizeof w);
       }
     });
   });
@@ -167,7 +171,7 @@ void plyWriter::putElements(size_t n) {
   }
 }
 
-bool plyWriter::close() { return out.close(); }
+bool plyWriter::close() { return out->close(); }
 
 }  // namespace PLY
 }  // namespace IO

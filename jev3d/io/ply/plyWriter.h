@@ -1,14 +1,16 @@
 #pragma once
 
 #include <cstddef>
+#include <memory>
 #include <string>
 #include <vector>
 
-#include "jev3d/io/internal/outputFile.h"
 #include "jev3d/io/ply/plyTypes.h"
 
 namespace JEV {
 namespace IO {
+class outputFile;
+
 namespace PLY {
 
 // The writing half of the element-and-property layer: a header of elements and
@@ -17,7 +19,8 @@ namespace PLY {
 // Values are written shortest-exact in ASCII, so reals read back unchanged.
 class plyWriter {
  public:
-  plyWriter() = default;
+  plyWriter();
+  ~plyWriter();
   plyWriter(const plyWriter&) = delete;
   plyWriter& operator=(const plyWriter&) = delete;
 
@@ -69,7 +72,8 @@ class plyWriter {
   void putValue(int fileType, int recordType, const unsigned char* src, bool last);
   void putCount(int fileType, unsigned count, bool last);
 
-  outputFile out;
+  // Behind a pointer: the buffered file is private to the library.
+  std::unique_ptr<outputFile> out;
   int fileType = 0;
   std::vector<element> elements;
   std::vector<std::string> comments;

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "jev3d/math/internal/xmlComponents.h"
 #include "jev3d/math/point4.h"
 
 namespace JEV {

@@ -4,7 +4,6 @@
 
 namespace JEV {
 namespace MATH {
-namespace internal {
 
 // The element-by-element arithmetic shared by the matrices and the quaternion, over the
 // N elements at D::data(). Hidden friends, so the class's own `*` overloads (products)
@@ -43,6 +42,5 @@ class elementwise {
   friend D operator/(D a, T s) { return a /= s; }
 };
 
-}  // namespace internal
 }  // namespace MATH
 }  // namespace JEV

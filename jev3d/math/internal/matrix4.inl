@@ -2,6 +2,7 @@
 
 #include <cmath>
 
+#include "jev3d/math/internal/xmlComponents.h"
 #include "jev3d/math/mathBase.h"
 #include "jev3d/math/matrix3.h"
 #include "jev3d/math/matrix4.h"

@@ -4,7 +4,6 @@
 
 namespace JEV {
 namespace MATH {
-namespace internal {
 
 // The comparisons of the value types: memcmp of the whole object, so that equal numbers
 // compare equal only with equal bits (0.0 and -0.0 differ) and `<` is an order of bytes,
@@ -22,6 +21,5 @@ class byteOrdered {
   friend bool operator>=(const D& a, const D& b) { return compareArrays(a, b) >= 0; }
 };
 
-}  // namespace internal
 }  // namespace MATH
 }  // namespace JEV
