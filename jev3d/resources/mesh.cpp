@@ -40,22 +40,7 @@ std::vector<MATH::point3<float>> areaWeightedNormals(
 
 }  // namespace
 
-mesh::mesh(RENDERING::renderer* render) : render(render) {}
-
-mesh::~mesh() { discard(); }
-
-bool mesh::cache() {
-  // The renderer's upload joins here with the OpenGL back end; there is none to call yet.
-  return isCached();
-}
-
-bool mesh::isCached() const { return !deviceNames.empty(); }
-
-bool mesh::discard() {
-  // The back end's discard lists take these names here, from whatever thread discards.
-  deviceNames.clear();
-  return true;
-}
+mesh::mesh(RENDERING::renderer* render) : deviceResource(render) {}
 
 bool mesh::clear() {
   discard();

@@ -1,38 +1,23 @@
 #pragma once
 
 #include <string>
-#include <utility>
 #include <vector>
 
 #include "jev3d/math/point2.h"
 #include "jev3d/math/point3.h"
-#include "jev3d/resources/resourceBase.h"
+#include "jev3d/resources/deviceResource.h"
 #include "jev3d/system/color.h"
 
 namespace JEV {
-namespace RENDERING {
-class renderer;
-}
-
 namespace MESH {
 
 // A triangle mesh held for drawing: indexed arrays in memory, with the device buffers
 // that the renderer makes of them. Read from PLY or STL on any thread; uploaded on the
 // drawing thread when a node first draws it.
-class mesh : public CORE::resourceBase {
+class mesh : public CORE::deviceResource {
  public:
   explicit mesh(RENDERING::renderer* render);
-  ~mesh() override;
-  mesh(const mesh&) = delete;
-  mesh& operator=(const mesh&) = delete;
 
-  // The upload is the renderer's: the OpenGL back end makes the vertex and index buffers
-  // and records their names with setDeviceNames, and its discard lists take them back.
-  // With no back end to make them, cache fails and the mesh stays in memory.
-  bool cache() override;
-  bool isCached() const override;
-  // Hands the device buffers back and keeps the arrays.
-  bool discard() override;
   // Hands the device buffers back and drops the arrays.
   bool clear() override;
 
@@ -58,15 +43,10 @@ class mesh : public CORE::resourceBase {
   // Corners of the axis-aligned box around the positions; both zero when empty.
   const MATH::point3<float>& getBoxMin() const { return boxMin; }
   const MATH::point3<float>& getBoxMax() const { return boxMax; }
-  RENDERING::renderer* getRender() const { return render; }
-
-  const std::vector<unsigned>& getDeviceNames() const { return deviceNames; }
-  void setDeviceNames(std::vector<unsigned> names) { deviceNames = std::move(names); }
 
  private:
   void computeBox();
 
-  RENDERING::renderer* render;
   std::vector<MATH::point3<float>> positions;
   std::vector<MATH::point3<float>> normals;
   std::vector<CORE::color> colours;
@@ -75,7 +55,6 @@ class mesh : public CORE::resourceBase {
   std::string textureName;
   MATH::point3<float> boxMin;
   MATH::point3<float> boxMax;
-  std::vector<unsigned> deviceNames;
 };
 
 }  // namespace MESH

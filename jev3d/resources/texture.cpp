@@ -8,22 +8,7 @@
 namespace JEV {
 namespace TEXTURE {
 
-texture::texture(RENDERING::renderer* render) : render(render) {}
-
-texture::~texture() { discard(); }
-
-bool texture::cache() {
-  // The renderer's upload joins here with the OpenGL back end; there is none to call yet.
-  return isCached();
-}
-
-bool texture::isCached() const { return !deviceNames.empty(); }
-
-bool texture::discard() {
-  // The back end's discard list takes these names here, from whatever thread discards.
-  deviceNames.clear();
-  return true;
-}
+texture::texture(RENDERING::renderer* render) : deviceResource(render) {}
 
 bool texture::clear() {
   discard();

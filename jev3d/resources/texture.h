@@ -1,17 +1,11 @@
 #pragma once
 
 #include <string>
-#include <utility>
-#include <vector>
 
 #include "jev3d/io/image/textureImage.h"
-#include "jev3d/resources/resourceBase.h"
+#include "jev3d/resources/deviceResource.h"
 
 namespace JEV {
-namespace RENDERING {
-class renderer;
-}
-
 namespace TEXTURE {
 
 // How a texture is sampled once on the device.
@@ -25,20 +19,10 @@ struct textureDescriptor {
 // A picture held in memory for drawing, with the device copy that the renderer makes of
 // it. The picture is decoded on any thread; the upload happens on the drawing thread when
 // a node first uses the texture.
-class texture : public CORE::resourceBase {
+class texture : public CORE::deviceResource {
  public:
   explicit texture(RENDERING::renderer* render);
-  ~texture() override;
-  texture(const texture&) = delete;
-  texture& operator=(const texture&) = delete;
 
-  // The upload with mipmaps is the renderer's: the OpenGL back end's cacheTexture makes
-  // the device names and records them with setDeviceNames, and its discard lists take
-  // them back. With no back end to make them, cache fails and the texture stays in memory.
-  bool cache() override;
-  bool isCached() const override;
-  // Hands the device names back and keeps the picture.
-  bool discard() override;
   // Hands the device names back and drops the picture.
   bool clear() override;
 
@@ -58,17 +42,10 @@ class texture : public CORE::resourceBase {
 
   const textureDescriptor& getParameters() const { return parameters; }
   void setParameters(const textureDescriptor& value) { parameters = value; }
-  RENDERING::renderer* getRender() const { return render; }
-
-  // The device's names for this texture, one a frame; empty when not on the device.
-  const std::vector<unsigned>& getDeviceNames() const { return deviceNames; }
-  void setDeviceNames(std::vector<unsigned> names) { deviceNames = std::move(names); }
 
  private:
-  RENDERING::renderer* render;
   IO::textureImage image;
   textureDescriptor parameters;
-  std::vector<unsigned> deviceNames;
 };
 
 }  // namespace TEXTURE
