@@ -1,6 +1,8 @@
 #include <gtest/gtest.h>
 
+#include <atomic>
 #include <string>
+#include <thread>
 
 #include "jev3d/resources/mtResourceStorage.h"
 #include "jev3d/resources/resourceBase.h"
@@ -12,7 +14,7 @@ namespace {
 
 // A resource that counts its uploads and knows whether it is "on the device".
 struct countingResource : CORE::resourceBase {
-  explicit countingResource(int* alive) : alive(alive) { ++*alive; }
+  explicit countingResource(std::atomic<int>* alive) : alive(alive) { ++*alive; }
   ~countingResource() override { --*alive; }
   bool cache() override {
     ++caches;
@@ -32,7 +34,7 @@ struct countingResource : CORE::resourceBase {
     return true;
   }
 
-  int* alive;
+  std::atomic<int>* alive;
   int caches = 0;
   int discards = 0;
   int clears = 0;
@@ -59,7 +61,8 @@ class countingStorage : public CORE::mtResourceStorage<resourcePointer> {
         });
   }
 
-  int alive = 0;
+  // Made outside the storage's lock, on the loading thread.
+  std::atomic<int> alive{0};
 };
 
 using instance =
@@ -160,7 +163,7 @@ TEST(sharedResource, loadingKeepsTakenNamesAndLeavesNothingOnFailure) {
   EXPECT_FALSE(s.load(L"", "a"));
   EXPECT_FALSE(s.load(L"A", ""));
   EXPECT_EQ(s.getEntryCount(), 0);
-  EXPECT_EQ(s.alive, 0);
+  EXPECT_EQ(s.alive.load(), 0);
   ASSERT_TRUE(s.load(L"A", "old"));
   countingResource* r = payload(s, L"A");
   EXPECT_FALSE(s.load(L"A", "new"));
@@ -174,7 +177,7 @@ TEST(sharedResource, loadingKeepsTakenNamesAndLeavesNothingOnFailure) {
   EXPECT_TRUE(s.load(L"A", "new", 0, true));
   EXPECT_EQ(payload(s, L"A"), r);
   EXPECT_EQ(user.getSharedResource()->data, "new");
-  EXPECT_EQ(s.alive, 1);
+  EXPECT_EQ(s.alive.load(), 1);
 }
 
 TEST(sharedResource, unknownNamesAndPositions) {
@@ -211,7 +214,7 @@ TEST(sharedResource, erasingTellsTheClientsThatTheNameIsGone) {
   EXPECT_EQ(user.getResourceId(), L"");
   // The storage held the last pointer to the server: it is gone, and with it the link.
   EXPECT_TRUE(user.isNull());
-  EXPECT_EQ(s.alive, 0);
+  EXPECT_EQ(s.alive.load(), 0);
   EXPECT_FALSE(s.isValid(L"A"));
 }
 
@@ -238,7 +241,7 @@ TEST(sharedResource, clearEmptiesTheStorageAndUnlinksEveryClient) {
   ASSERT_TRUE(b.connectToResourceStorage(L"B"));
   s.clear();
   EXPECT_EQ(s.getEntryCount(), 0);
-  EXPECT_EQ(s.alive, 0);
+  EXPECT_EQ(s.alive.load(), 0);
   EXPECT_TRUE(a.isNull());
   EXPECT_TRUE(b.isNull());
   // Clients are not told: the ids stay.
@@ -258,7 +261,7 @@ TEST(sharedResource, operationsByName) {
 }
 
 TEST(sharedResource, serversCompareByPointerAndBlock) {
-  int alive = 0;
+  std::atomic<int> alive{0};
   resourcePointer one(new countingResource(&alive));
   CORE::sharedResourceServer<resourcePointer> a(one);
   CORE::sharedResourceServer<resourcePointer> b(one);
@@ -270,4 +273,36 @@ TEST(sharedResource, serversCompareByPointerAndBlock) {
   EXPECT_EQ(empty.getPayload(), nullptr);
   // With no resource there is nothing to discard.
   empty.setMemoryManagement(0);
+}
+
+// Loading, linking, releasing and erasing from two threads at once, each with names of
+// its own, as init and job threads do: the storage stays whole. Run under
+// ThreadSanitizer too.
+TEST(sharedResource, twoThreadsLoadUseAndEraseThroughOneStorage) {
+  countingStorage s;
+  ASSERT_TRUE(s.load(L"shared", "s"));
+  constexpr int rounds = 300;
+  const auto work = [&s](const std::wstring& prefix) {
+    for (int i = 0; i < rounds; ++i) {
+      const std::wstring id = prefix + std::to_wstring(i);
+      EXPECT_TRUE(s.load(id, "x"));
+      instance user(&s);
+      EXPECT_TRUE(user.connectToResourceStorage(id));
+      use(user);
+      EXPECT_TRUE(s.isCached(id));
+      EXPECT_TRUE(user.disconnectToResourceStorage());
+      EXPECT_FALSE(s.isCached(id));  // policy 0: the last client took the device copy
+      if (i % 2 == 0) {
+        EXPECT_TRUE(s.erase(id));
+      }
+    }
+  };
+  std::thread first(work, L"a");
+  std::thread second(work, L"b");
+  first.join();
+  second.join();
+  EXPECT_EQ(s.getEntryCount(), 1 + rounds);
+  EXPECT_EQ(s.alive.load(), 1 + rounds);
+  EXPECT_TRUE(s.isValid(L"a1"));
+  EXPECT_FALSE(s.isValid(L"b2"));
 }
