@@ -3,6 +3,7 @@
 #include <string>
 #include <utility>
 
+#include "jev3d/io/xml/stringConversion.h"
 #include "jev3d/resources/mtStorage.h"
 #include "jev3d/resources/sharedResourceClient.h"
 #include "jev3d/resources/sharedResourceServer.h"
@@ -38,6 +39,10 @@ class mtResourceStorage : public mtStorage<SYSTEM::sharedPointer<sharedResourceS
   bool cache(const std::wstring& name);
   bool discard(const std::wstring& name);
   bool isCached(const std::wstring& name) const;
+  // Names in UTF-8.
+  bool cache(const std::string& name) { return cache(IO::XML::utf8ToWstring(name)); }
+  bool discard(const std::string& name) { return discard(IO::XML::utf8ToWstring(name)); }
+  bool isCached(const std::string& name) const { return isCached(IO::XML::utf8ToWstring(name)); }
 
   // Clears each resource and erases its entry; clients are not told, as the servers'
   // destructors unlink them.

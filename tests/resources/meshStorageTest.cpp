@@ -8,6 +8,7 @@
 #include "jev3d/io/ply/ioPly.h"
 #include "jev3d/io/stl/ioStl.h"
 #include "jev3d/resources/resourceInstance.h"
+#include "support/dataFiles.h"
 #include "support/fileBytes.h"
 #include "support/tempDir.h"
 
@@ -82,4 +83,33 @@ TEST(meshStorage, aFileThatDoesNotReadLeavesNothingAndKeepsTheOldMesh) {
   EXPECT_EQ(s.getEntry("square")->getPayload()->getTriangles().size(), 6u);
   s.getEntry("square")->getPayload()->clear();
   EXPECT_TRUE(s.getEntry("square")->getPayload()->getPositions().empty());
+}
+
+TEST(meshStorage, aRealScanLoadsWholeWithUnitNormalsInsideItsBox) {
+  JEV3D_REQUIRE_DATA("ply/stanford_bun_zipper.ply");
+  const std::string path = dataFile("ply/stanford_bun_zipper.ply");
+  unsigned vertices = 0;
+  unsigned faces = 0;
+  bool hasNormals = false, hasColours = false, reserved = false, hasCoordinates = false;
+  ASSERT_TRUE(IO::PLY::ioPly::readPlyInfoFromFile(path, vertices, faces, hasNormals, hasColours,
+                                                  reserved, hasCoordinates));
+  CORE::meshStorage s(nullptr);
+  testing::internal::CaptureStderr();  // the reader names the properties the scan lacks
+  ASSERT_TRUE(s.loadMeshFromFile(path, "bunny"));
+  testing::internal::GetCapturedStderr();
+  const MESH::mesh& m = *s.getEntry("bunny")->getPayload();
+  ASSERT_EQ(m.getPositions().size(), vertices);
+  ASSERT_EQ(m.getTriangles().size(), size_t(faces) * 3);
+  std::vector<bool> used(vertices, false);
+  for (unsigned v : m.getTriangles()) used[v] = true;
+  for (size_t v = 0; v < vertices; ++v) {
+    const point3<float>& p = m.getPositions()[v];
+    for (int c = 0; c < 3; ++c) {
+      EXPECT_GE(p[c], m.getBoxMin()[c]);
+      EXPECT_LE(p[c], m.getBoxMax()[c]);
+    }
+    if (used[v]) {
+      EXPECT_NEAR(m.getNormals()[v].norm(), 1.0f, 1e-4f) << v;
+    }
+  }
 }

@@ -254,10 +254,10 @@ TEST(sharedResource, operationsByName) {
   EXPECT_FALSE(s.cache(L"nothing"));
   EXPECT_FALSE(s.discard(L"nothing"));
   EXPECT_FALSE(s.isCached(L"nothing"));
-  EXPECT_TRUE(s.cache(L"A"));
+  EXPECT_TRUE(s.cache("A"));
   EXPECT_TRUE(s.isCached(L"A"));
-  EXPECT_TRUE(s.discard(L"A"));  // though the resource answered false
-  EXPECT_FALSE(s.isCached(L"A"));
+  EXPECT_TRUE(s.discard("A"));  // though the resource answered false
+  EXPECT_FALSE(s.isCached("A"));
 }
 
 TEST(sharedResource, serversCompareByPointerAndBlock) {
