@@ -1,8 +1,15 @@
 #pragma once
 
+#include <memory>
+
 #include "jev3d/fields/fieldBase.h"
 
 namespace JEV {
+namespace CORE {
+class meshStorage;
+class textureStorage;
+}  // namespace CORE
+
 namespace RENDERING {
 
 class renderer;
@@ -24,6 +31,9 @@ class renderingContext {
 
   renderer* getRenderer() const { return device; }
   audioRenderer* getAudioRenderer() const { return audio; }
+  // The window's resource storages, made with the context and shared by its copies.
+  CORE::meshStorage* getMeshStorage() const { return meshStorage.get(); }
+  CORE::textureStorage* getTextureStorage() const { return textureStorage.get(); }
 
   SYSTEM::fieldBase<int> windowX;
   SYSTEM::fieldBase<int> windowY;
@@ -33,6 +43,9 @@ class renderingContext {
  private:
   renderer* device;
   audioRenderer* audio;
+  // Shared, so that a copy uses the same storages; the last context to go drops them.
+  std::shared_ptr<CORE::meshStorage> meshStorage;
+  std::shared_ptr<CORE::textureStorage> textureStorage;
 };
 
 }  // namespace RENDERING
