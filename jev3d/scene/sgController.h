@@ -4,6 +4,7 @@
 
 #include "jev3d/resources/storage.h"
 #include "jev3d/scene/node.h"
+#include "jev3d/scene/pickRayNode.h"
 #include "jev3d/scene/shellNode.h"
 #include "jev3d/scene/trackballNode.h"
 #include "jev3d/system/sharedPointer.h"
@@ -41,6 +42,9 @@ class sgController {
   shellNode* addShellNode(const std::wstring& id);
   shellNode* addShellNode(const std::string& id);
 
+  // A pick ray on the window's mouse.
+  pickRayNode* addPickRayNode(const std::wstring& id);
+  pickRayNode* addPickRayNode(const std::string& id);
   // A trackball on the window's input and rendering contexts.
   CAM::trackballNode* addTrackballNode(const std::wstring& id);
   CAM::trackballNode* addTrackballNode(const std::string& id);
@@ -54,6 +58,14 @@ class sgController {
   const shellNode* getShellNode(const std::wstring& id) const { return getTyped<shellNode>(id); }
   const shellNode* getShellNode(const std::string& id) const { return getTyped<shellNode>(id); }
 
+  pickRayNode* getPickRayNode(const std::wstring& id) { return getTyped<pickRayNode>(id); }
+  pickRayNode* getPickRayNode(const std::string& id) { return getTyped<pickRayNode>(id); }
+  const pickRayNode* getPickRayNode(const std::wstring& id) const {
+    return getTyped<pickRayNode>(id);
+  }
+  const pickRayNode* getPickRayNode(const std::string& id) const {
+    return getTyped<pickRayNode>(id);
+  }
   CAM::trackballNode* getTrackballNode(const std::wstring& id) {
     return getTyped<CAM::trackballNode>(id);
   }
