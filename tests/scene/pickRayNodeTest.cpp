@@ -6,8 +6,7 @@
 #include <vector>
 
 #include "jev3d/scene/sgController.h"
-#include "system/windowTestSupport.h"
-#include "walkLog.h"
+#include "sceneTestSupport.h"
 
 using JEV::SG::node;
 using JEV::SG::pickRayNode;
@@ -26,19 +25,15 @@ struct notifyCounter {
   void bump() { ++count; }
 };
 
-class pickRayTest : public scriptedPlatformTest {
+class pickRayTest : public sceneWindowTest {
  protected:
   void SetUp() override {
-    scriptedPlatformTest::SetUp();
+    sceneWindowTest::SetUp();
     ray = scene.addPickRayNode("ray");
     ASSERT_NE(ray, nullptr);
   }
   size_t handlers(EVENT_TYPE type) { return win.getAbsoluteCallbacks(type).size(); }
 
-  strings log;
-  JEV::SYSTEM::application app{L"", L""};
-  probeWindow win{&app, &device};
-  sgController scene{&win};
   pickRayNode* ray = nullptr;
 };
 

@@ -6,7 +6,7 @@
 #include <limits>
 
 #include "jev3d/scene/sgController.h"
-#include "system/windowTestSupport.h"
+#include "sceneTestSupport.h"
 
 using JEV::MATH::matrix4;
 using JEV::SG::sgController;
@@ -38,10 +38,10 @@ void toPixels(const trackballNode& t, const point3f& p, int height, float& x, fl
   y = e.y / e.z * scale;
 }
 
-class trackballTest : public scriptedPlatformTest {
+class trackballTest : public sceneWindowTest {
  protected:
   void SetUp() override {
-    scriptedPlatformTest::SetUp();
+    sceneWindowTest::SetUp();
     win.getRenderingContext()->windowWidth = 400;
     win.getRenderingContext()->windowHeight = 200;
     ball = scene.addTrackballNode("ball");
@@ -57,9 +57,6 @@ class trackballTest : public scriptedPlatformTest {
     frame();
   }
 
-  JEV::SYSTEM::application app{L"", L""};
-  probeWindow win{&app, &device};
-  sgController scene{&win};
   trackballNode* ball = nullptr;
 };
 
