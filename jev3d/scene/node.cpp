@@ -12,11 +12,12 @@ namespace {
 // outermost walk ends, and the copies skip them.
 struct walkRecord {
   int depth = 0;
-  std::vector<const node*> destroyed;
+  std::vector<const node::linker*> destroyed;
 };
 thread_local walkRecord walks;
 
-bool destroyedInWalk(const node* n) {
+// Takes the linker, so that a slave can be checked before it is cast to a node.
+bool destroyedInWalk(const node::linker* n) {
   return !walks.destroyed.empty() &&
          std::find(walks.destroyed.begin(), walks.destroyed.end(), n) != walks.destroyed.end();
 }
@@ -36,9 +37,9 @@ void walkChildren(node* n, Visit visit) {
     __builtin_prefetch(reinterpret_cast<const char*>(slave) + 64);
   }
   for (node::linker* slave : children) {
+    if (destroyedInWalk(slave)) continue;
     // Every slave of a node is a node: addSlave refuses anything else.
     node* child = static_cast<node*>(slave);
-    if (destroyedInWalk(child)) continue;
     if (!child->disabled.cV()) visit(child);
   }
 }
