@@ -4,6 +4,7 @@
 #include <cmath>
 
 #include "jev3d/math/mathBase.h"
+#include "jev3d/math/matrix3.h"
 #include "jev3d/renderer/renderingContext.h"
 #include "jev3d/system/inputContext.h"
 #include "jev3d/system/winMain.h"
@@ -23,6 +24,8 @@ trackballNode::trackballNode(SYSTEM::winBase* w, SYSTEM::inputContext* in,
       distance(1.0f),
       orientation(quaternion<float>::IDENTITY()),
       fieldOfView(MATH::mathBase<float>::PI() / 4),
+      keepUp(false),
+      upAxis(point3f(0, 1, 0)),
       orbitSpeed(0.01f),
       zoomStep(1.1f),
       dragZoomRate(0.02f),
@@ -69,6 +72,11 @@ point3f trackballNode::getEye() const { return target.cV() - getForward() * dist
 void trackballNode::orbit(float dx, float dy) {
   const float length = std::sqrt(dx * dx + dy * dy);
   if (length == 0.0f) return;
+  const point3f up = upAxis.cV().getNormalized();
+  if (keepUp.cV() && up.norm() > 0.0f) {
+    orbitLevel(dx, dy, up);
+    return;
+  }
   // The model turns about the view-plane axis perpendicular to the drag, so that its
   // side facing the camera follows the pointer; the camera turns the other way about the
   // same axis through the target.
@@ -76,6 +84,27 @@ void trackballNode::orbit(float dx, float dy) {
   const point3f axis = point3f::cross(drag, getForward()).normalize();
   quaternion<float> turned = quaternion<float>(axis, -length * orbitSpeed.cV()) * orientation.cV();
   orientation = turned.normalize();
+}
+
+void trackballNode::orbitLevel(float dx, float dy, const point3f& up) {
+  // Stay this far (radians) from looking straight along the axis, where the heading
+  // would be lost.
+  const float margin = 0.001f;
+  const float pi = MATH::mathBase<float>::PI();
+  const point3f forward = getForward();
+  // The heading: the forward direction laid flat. Looking along the axis, it is taken
+  // from the right axis, which is flat then.
+  point3f heading = forward - up * (forward * up);
+  if (heading.norm() < 1e-6f) heading = point3f::cross(getRight(), up);
+  heading.normalize();
+  // Dragging up lowers the eye, so the view tilts towards the axis.
+  const float tilt = std::acos(std::max(-1.0f, std::min(1.0f, forward * up)));
+  const float newTilt = std::max(margin, std::min(pi - margin, tilt - dy * orbitSpeed.cV()));
+  heading = quaternion<float>(up, dx * orbitSpeed.cV()).rotate(heading);
+  const point3f newForward = heading * std::sin(newTilt) + up * std::cos(newTilt);
+  const point3f right = point3f::cross(up, newForward).normalize();
+  const point3f newUp = point3f::cross(newForward, right);
+  orientation = quaternion<float>(MATH::matrix3<float>(right, newUp, newForward, true)).normalize();
 }
 
 void trackballNode::pan(float dx, float dy) {

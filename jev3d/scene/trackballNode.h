@@ -34,6 +34,10 @@ namespace CAM {
 //   the pointer; the point of the model facing the camera follows the pointer. A drag of
 //   d pixels turns by d * orbitSpeed radians about the axis in the view plane
 //   perpendicular to the drag. Free rotation: circles with the pointer roll the view.
+//   With `keepUp` the orbit is a turntable instead: horizontal drags turn about
+//   `upAxis` through the target, vertical drags tilt the view up or down, stopping
+//   short of looking straight along the axis, and the horizon stays level (a roll left
+//   by free orbiting goes at the first such drag).
 // - middle drag pans: the target slides in the view plane so that points at the target's
 //   depth stay under the pointer (this needs the window's height and `fieldOfView`).
 // - right drag zooms: up zooms in, dragZoomRate wheel steps a pixel.
@@ -85,6 +89,10 @@ class trackballNode : public node {
   // The vertical view angle of the projection this camera is used with, in radians
   // (pi/4 at start): panning and fitting use it.
   SYSTEM::fieldBase<float> fieldOfView;
+  // Orbits as a turntable about upAxis when true; false at start.
+  SYSTEM::fieldBase<bool> keepUp;
+  // The world's up for keepUp; +y at start. A null axis makes the orbit free.
+  SYSTEM::fieldBase<MATH::point3<float>> upAxis;
   // Radians of orbit per pixel of drag; 0.01 at start.
   SYSTEM::fieldBase<float> orbitSpeed;
   // Distance ratio of one wheel step; 1.1 at start.
@@ -100,6 +108,8 @@ class trackballNode : public node {
   enum button { NO_BUTTON, LEFT, MIDDLE, RIGHT };
 
   void takeMouse();
+  // The keepUp orbit about the unit axis `up`.
+  void orbitLevel(float dx, float dy, const MATH::point3<float>& up);
   void onMouseWheel(const SYSTEM::inputEvent* e);
   void refreshMatrix();
 

@@ -254,3 +254,41 @@ TEST_F(trackballTest, writingAFieldRecomputesTheMatrixAndAsksForAFrame) {
   ball->reset();
   expectNear(ball->getEye(), point3f(0, 0, -1));
 }
+
+TEST_F(trackballTest, keepingUpOrbitsAsATurntableWithALevelHorizon) {
+  ball->keepUp = true;
+  // A horizontal drag turns about +y just as the free orbit does from a level view.
+  ball->orbit(100, 0);
+  const float s = std::sin(1.0f), c = std::cos(1.0f);
+  expectNear(ball->getEye(), point3f(-10 * s, 0, -10 * c));
+  // Mixed drags never roll the view: the right axis stays flat, up stays up.
+  ball->orbit(40, 30);
+  ball->orbit(-75, -60);
+  ball->orbit(20, 10);
+  EXPECT_NEAR(ball->getRight() * point3f(0, 1, 0), 0.0f, EPS);
+  EXPECT_GT(ball->getUp().y, 0.0f);
+  EXPECT_NEAR((ball->getEye() - ball->target.cV()).norm(), 10.0f, EPS);
+  // Tilting stops short of looking straight up the axis, and turns on from there.
+  ball->orbit(0, 1000);
+  EXPECT_GT(ball->getForward().y, 0.999f);
+  EXPECT_LT(ball->getForward().y, 1.0f);
+  EXPECT_GT(ball->getUp().norm(), 0.99f);
+  ball->orbit(30, -157);
+  EXPECT_NEAR(ball->getForward().y, std::cos(1.571f), 1e-3f);
+  EXPECT_NEAR(ball->getRight() * point3f(0, 1, 0), 0.0f, EPS);
+
+  // Another axis: +z up.
+  ball->upAxis = point3f(0, 0, 1);
+  ball->orbit(10, 5);
+  EXPECT_NEAR(ball->getRight() * point3f(0, 0, 1), 0.0f, EPS);
+  expectNear(toEye(*ball, ball->target.cV()), point3f(0, 0, 10));
+
+  // A roll left by free orbiting goes at the first level drag.
+  ball->upAxis = point3f(0, 1, 0);
+  ball->keepUp = false;
+  for (int i = 0; i < 8; ++i) ball->orbit(std::cos(i * PI / 4) * 40, std::sin(i * PI / 4) * 40);
+  EXPECT_GT(std::abs(ball->getRight() * point3f(0, 1, 0)), 1e-3f);
+  ball->keepUp = true;
+  ball->orbit(1, 0);
+  EXPECT_NEAR(ball->getRight() * point3f(0, 1, 0), 0.0f, EPS);
+}
