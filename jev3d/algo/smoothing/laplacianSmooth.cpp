@@ -77,8 +77,9 @@ void computeLaplacianSmooth(editMesh& mesh, unsigned int iterations, bool smooth
   ensureFlags(mesh);
   const std::vector<unsigned char> pinned =
       smoothBorder ? std::vector<unsigned char>() : borderVertices(mesh);
-  editMeshAccess access{mesh};
-  INTERNAL::iterate(access, iterations, pinned, cb);
+  INTERNAL::packedMesh packed(editMeshAccess{mesh});
+  packed.iterate(iterations, pinned, cb);
+  for (unsigned int v = 0; v < mesh.vn(); ++v) mesh.vPos(v) = packed.pos(v);
   // The kernel's equivalents of dropping the box, the normals and the spatial indexes:
   // its normals are stored data, so they are recomputed rather than left stale.
   mesh.updateBBox();

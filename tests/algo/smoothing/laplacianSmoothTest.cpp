@@ -105,6 +105,20 @@ TEST(laplacianSmoothTest, OneStepOnAGridGivesTheClosedFormPositions) {
   EXPECT_NEAR(m.vPos(1).z, 0.2f, 1e-6f);
 }
 
+// The iterated form is the pass followed by (position + sum) / count, on triangles and
+// with a deleted face as much as on the grid's quads.
+TEST(laplacianSmoothTest, OneStepIsThePassOverThePreviousPositions) {
+  editMesh m;
+  makeNoisySphere(m, 12, 24, 0.1f);
+  m.deleteFace(5);
+  laplacianDescriptor d;
+  computeLaplacianSmooth(m, d, nullptr);
+  const std::vector<p3> p = positions(m);
+  computeLaplacianSmooth(m, 1, true, nullptr);
+  for (unsigned v = 0; v < m.vn(); ++v)
+    expectNear(m.vPos(v), (p[v] + d.sum[v]) / float(d.count[v]), 1e-6f);
+}
+
 TEST(laplacianSmoothTest, PinnedBorderStaysAndStillPulls) {
   editMesh m = liftedGrid();
   const std::vector<p3> p = positions(m);

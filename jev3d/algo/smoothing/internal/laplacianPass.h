@@ -23,12 +23,11 @@ inline void reportShare(SYSTEM::callBack* cb, uint64_t done, uint64_t total) {
   if (int(cb->value.cV()) != percent) cb->setValue(float(percent));
 }
 
-// Fills an already sized descriptor (resize(vn)) from the live faces' sides.
-template <class Access>
-void accumulateSides(const Access& m, laplacianDescriptor& d, SYSTEM::callBack* cb) {
+// Adds the sides of the live faces to sums sized to vn(), and with COUNT also to counts.
+template <bool COUNT, class Access>
+void accumulateSides(const Access& m, MATH::point3<float>* sum, unsigned int* count,
+                     SYSTEM::callBack* cb) {
   const unsigned int faces = m.fn(), verts = m.vn();
-  MATH::point3<float>* sum = d.sum.data();
-  unsigned int* count = d.count.data();
   for (unsigned int f = 0; f < faces; ++f) {
     if (cb) reportShare(cb, f, faces);
     if (m.faceDeleted(f)) continue;
@@ -38,24 +37,8 @@ void accumulateSides(const Access& m, laplacianDescriptor& d, SYSTEM::callBack* 
       if (a >= verts || b >= verts) continue;  // a corner naming no vertex adds nothing
       sum[a] += m.pos(b);
       sum[b] += m.pos(a);
-      ++count[a];
-      ++count[b];
+      if (COUNT) ++count[a], ++count[b];
     }
-  }
-}
-
-// One Jacobi step from a filled descriptor; pinned[v] != 0 keeps v (an empty list pins
-// nothing).
-template <class Access>
-void relax(Access& m, const laplacianDescriptor& d, const std::vector<unsigned char>& pinned,
-           SYSTEM::callBack* cb) {
-  const unsigned int verts = m.vn();
-  const bool anyPinned = !pinned.empty();
-  for (unsigned int v = 0; v < verts; ++v) {
-    if (cb) reportShare(cb, v, verts);
-    if (d.count[v] == 0 || (anyPinned && pinned[v])) continue;
-    MATH::point3<float>& p = m.pos(v);
-    p = (p + d.sum[v]) / float(d.count[v]);
   }
 }
 
@@ -64,21 +47,109 @@ template <class Access>
 void fillDescriptor(const Access& m, laplacianDescriptor& d, SYSTEM::callBack* cb) {
   if (cb) cb->setValue(0.f);
   d.resize(m.vn());
-  accumulateSides(m, d, cb);
+  accumulateSides<true>(m, d.sum.data(), d.count.data(), cb);
   if (cb) cb->setValue(100.f);
 }
 
-// The iterated form between the border mask and the cache clearing. Each step fills a
-// fresh descriptor; its memory is reused, which changes nothing seen.
-template <class Access>
-void iterate(Access& m, unsigned int iterations, const std::vector<unsigned char>& pinned,
-             SYSTEM::callBack* cb) {
-  laplacianDescriptor d;
-  for (unsigned int it = 0; it < iterations; ++it) {
-    fillDescriptor(m, d, cb);
-    relax(m, d, pinned, cb);
+// The live faces of a mesh packed for repeated steps: their corners in one array and
+// the positions in another, four floats a point (the last unused) so that a point is one
+// vector register. Lane by lane the arithmetic is the generic pass's, in the same order.
+class packedMesh {
+ public:
+  typedef float lanes __attribute__((vector_size(16)));
+
+  template <class Access>
+  explicit packedMesh(const Access& m) : points(m.vn()) {
+    const unsigned int faces = m.fn(), verts = m.vn();
+    // Triangles whose corners all name vertices take the fast loop; anything else (a
+    // polygon, a corner out of range) sends the whole mesh through the side-by-side one.
+    for (unsigned int f = 0; f < faces && triangles; ++f) {
+      if (m.faceDeleted(f)) continue;
+      triangles = m.corners(f) == 3;
+      for (unsigned int i = 0; i < 3 && triangles; ++i) triangles = m.corner(f, i) < verts;
+    }
+    for (unsigned int f = 0; f < faces; ++f) {
+      if (m.faceDeleted(f)) continue;
+      if (!triangles) start.push_back(unsigned(corners.size()));
+      for (unsigned int i = 0; i < m.corners(f); ++i) corners.push_back(m.corner(f, i));
+    }
+    start.push_back(unsigned(corners.size()));
+    for (unsigned int v = 0; v < verts; ++v) {
+      const MATH::point3<float>& p = m.pos(v);
+      points[v] = lanes{p.x, p.y, p.z, 0.f};
+    }
   }
-}
+
+  unsigned int vn() const { return unsigned(points.size()); }
+  MATH::point3<float> pos(unsigned int v) const {
+    return MATH::point3<float>(points[v][0], points[v][1], points[v][2]);
+  }
+
+  // Sums (and with count, counts) of one pass over the packed faces.
+  void accumulate(std::vector<lanes>& sum, unsigned int* count, SYSTEM::callBack* cb) const {
+    const unsigned int verts = vn();
+    if (triangles) {
+      const unsigned int faces = unsigned(corners.size() / 3);
+      for (unsigned int f = 0; f < faces; ++f) {
+        if (cb) reportShare(cb, f, faces);
+        const unsigned int a = corners[3 * f], b = corners[3 * f + 1], c = corners[3 * f + 2];
+        const lanes pa = points[a], pb = points[b], pc = points[c];
+        // Each corner takes its two sides in side order: a gets b then c, b gets a then c,
+        // c gets b then a.
+        sum[a] = sum[a] + pb + pc;
+        sum[b] = sum[b] + pa + pc;
+        sum[c] = sum[c] + pb + pa;
+        if (count) count[a] += 2, count[b] += 2, count[c] += 2;
+      }
+      return;
+    }
+    const unsigned int faces = unsigned(start.size() - 1);
+    for (unsigned int f = 0; f < faces; ++f) {
+      if (cb) reportShare(cb, f, faces);
+      const unsigned int first = start[f], k = start[f + 1] - first;
+      for (unsigned int j = 0; j < k; ++j) {
+        const unsigned int a = corners[first + j], b = corners[first + (j + 1 == k ? 0 : j + 1)];
+        if (a >= verts || b >= verts) continue;  // a corner naming no vertex adds nothing
+        sum[a] += points[b];
+        sum[b] += points[a];
+        if (count) ++count[a], ++count[b];
+      }
+    }
+  }
+
+  // iterations steps: a fresh pass, then (position + sum) / count for every vertex that
+  // pinned (empty: none) leaves free. Counts do not depend on positions, so they are
+  // taken once, and dividing by a count is multiplying by its inverse, as the point
+  // division does.
+  void iterate(unsigned int iterations, const std::vector<unsigned char>& pinned,
+               SYSTEM::callBack* cb) {
+    if (iterations == 0) return;
+    const unsigned int verts = vn();
+    std::vector<lanes> sum(verts, lanes{0.f, 0.f, 0.f, 0.f});
+    std::vector<unsigned int> count(verts, 1u);
+    accumulate(sum, count.data(), nullptr);
+    sum.assign(verts, lanes{0.f, 0.f, 0.f, 0.f});
+    std::vector<float> inverse(verts);
+    for (unsigned int v = 0; v < verts; ++v)
+      inverse[v] = pinned.empty() || !pinned[v] ? 1.f / float(count[v]) : 0.f;
+    for (unsigned int it = 0; it < iterations; ++it) {
+      if (cb) cb->setValue(0.f);
+      accumulate(sum, nullptr, cb);
+      if (cb) cb->setValue(100.f);
+      for (unsigned int v = 0; v < verts; ++v) {
+        if (cb) reportShare(cb, v, verts);
+        if (inverse[v] != 0.f) points[v] = (points[v] + sum[v]) * inverse[v];
+        sum[v] = lanes{0.f, 0.f, 0.f, 0.f};  // ready for the next pass
+      }
+    }
+  }
+
+ private:
+  bool triangles = true;
+  std::vector<unsigned int> corners;
+  std::vector<unsigned int> start;  // each face's first corner and the end; unused for triangles
+  std::vector<lanes> points;
+};
 
 }  // namespace INTERNAL
 }  // namespace SMOOTHING

@@ -1,0 +1,138 @@
+// Ten uniform Laplacian steps on a closed torus of 1000 x 500 vertices (500,000 vertices,
+// 1,000,000 triangles); every step is an average over the previous positions.
+//   laplacian10_500k/jev3d            computeLaplacianSmooth, 10 iterations, then the
+//                                     normals it recomputes
+//   laplacian10_500k/openmesh         OpenMesh's JacobiLaplaceSmootherT, uniform (C0),
+//                                     tangential and normal, 10 steps
+//   laplacian10_500k/openmesh_loop    a hand loop over OpenMesh's vertex circulators doing
+//                                     our arithmetic, (p + 2 sum) / (1 + 2 valence), into a
+//                                     scratch array, then update_normals
+// The meshes are smoothed in place over and over: the work of a step does not depend on
+// the positions.
+#include <benchmark/benchmark.h>
+
+#include <OpenMesh/Core/Mesh/TriMesh_ArrayKernelT.hh>
+#include <OpenMesh/Tools/Smoother/JacobiLaplaceSmootherT.hh>
+#include <cmath>
+#include <vector>
+
+#include "jev3d/algo/smoothing/laplacianSmooth.h"
+#include "jev3d/mesh/editMesh.h"
+
+namespace {
+
+using JEV::MESH::editMesh;
+using omTri = OpenMesh::TriMesh_ArrayKernelT<>;
+
+constexpr unsigned RINGS = 1000, SEGMENTS = 500, STEPS = 10;
+
+// Vertex (i, j) of the torus: i around the axis, j around the tube.
+OpenMesh::Vec3f torusPoint(unsigned i, unsigned j) {
+  const double pi = 3.14159265358979323846;
+  const double u = 2 * pi * i / RINGS, v = 2 * pi * j / SEGMENTS;
+  return OpenMesh::Vec3f(float((3 + std::cos(v)) * std::cos(u)),
+                         float((3 + std::cos(v)) * std::sin(u)), float(std::sin(v)));
+}
+
+unsigned torusId(unsigned i, unsigned j) { return (j % SEGMENTS) * RINGS + i % RINGS; }
+
+// Two triangles a cell.
+template <class F>
+void forEachTriangle(F&& tri) {
+  for (unsigned j = 0; j < SEGMENTS; ++j)
+    for (unsigned i = 0; i < RINGS; ++i) {
+      const unsigned a = torusId(i, j), b = torusId(i + 1, j), c = torusId(i + 1, j + 1),
+                     d = torusId(i, j + 1);
+      tri(a, b, c);
+      tri(a, c, d);
+    }
+}
+
+editMesh& jev3dTorus() {
+  static editMesh t = [] {
+    editMesh m;
+    m.allocateVertexArray(RINGS * SEGMENTS);
+    m.allocateFaceArray(2 * RINGS * SEGMENTS);
+    for (unsigned j = 0; j < SEGMENTS; ++j)
+      for (unsigned i = 0; i < RINGS; ++i) {
+        const OpenMesh::Vec3f p = torusPoint(i, j);
+        m.addVertex(p[0], p[1], p[2]);
+      }
+    forEachTriangle([&](unsigned a, unsigned b, unsigned c) { m.addTriFace(a, b, c); });
+    m.computeEdges(true);
+    m.computeVE();
+    m.computeNormalizedNormals();
+    return m;
+  }();
+  return t;
+}
+
+omTri& openMeshTorus() {
+  static omTri t = [] {
+    omTri m;
+    m.reserve(RINGS * SEGMENTS, 3 * RINGS * SEGMENTS, 2 * RINGS * SEGMENTS);
+    std::vector<omTri::VertexHandle> handles;
+    for (unsigned j = 0; j < SEGMENTS; ++j)
+      for (unsigned i = 0; i < RINGS; ++i) handles.push_back(m.add_vertex(torusPoint(i, j)));
+    forEachTriangle([&](unsigned a, unsigned b, unsigned c) {
+      m.add_face(handles[a], handles[b], handles[c]);
+    });
+    m.request_face_normals();
+    m.request_vertex_normals();
+    m.update_normals();
+    return m;
+  }();
+  return t;
+}
+
+void vertexRate(benchmark::State& state) {
+  state.counters["vertex steps/s"] = benchmark::Counter(
+      double(RINGS) * SEGMENTS * STEPS, benchmark::Counter::kIsIterationInvariantRate);
+}
+
+void laplacianJev3d(benchmark::State& state) {
+  editMesh& m = jev3dTorus();
+  for (auto _ : state) {
+    JEV::MESH::ALGO::SMOOTHING::computeLaplacianSmooth(m, STEPS, true, nullptr);
+    benchmark::DoNotOptimize(m.vPos(0).x);
+  }
+  vertexRate(state);
+}
+
+void laplacianOpenMesh(benchmark::State& state) {
+  omTri& m = openMeshTorus();
+  for (auto _ : state) {
+    OpenMesh::Smoother::JacobiLaplaceSmootherT<omTri> smoother(m);
+    smoother.initialize(smoother.Tangential_and_Normal, smoother.C0);
+    smoother.smooth(STEPS);
+    benchmark::DoNotOptimize(m.point(m.vertex_handle(0))[0]);
+  }
+  vertexRate(state);
+}
+
+void laplacianOpenMeshLoop(benchmark::State& state) {
+  omTri& m = openMeshTorus();
+  std::vector<OpenMesh::Vec3f> next(m.n_vertices());
+  for (auto _ : state) {
+    for (unsigned s = 0; s < STEPS; ++s) {
+      for (auto v : m.vertices()) {
+        OpenMesh::Vec3f sum(0.f, 0.f, 0.f);
+        unsigned count = 1;
+        for (auto w : m.vv_range(v)) sum += m.point(w) * 2.f, count += 2;
+        next[size_t(v.idx())] = (m.point(v) + sum) / float(count);
+      }
+      for (auto v : m.vertices()) m.set_point(v, next[size_t(v.idx())]);
+    }
+    m.update_normals();
+    benchmark::DoNotOptimize(m.point(m.vertex_handle(0))[0]);
+  }
+  vertexRate(state);
+}
+
+}  // namespace
+
+BENCHMARK(laplacianJev3d)->Name("laplacian10_500k/jev3d")->Unit(benchmark::kMillisecond);
+BENCHMARK(laplacianOpenMesh)->Name("laplacian10_500k/openmesh")->Unit(benchmark::kMillisecond);
+BENCHMARK(laplacianOpenMeshLoop)
+    ->Name("laplacian10_500k/openmesh_loop")
+    ->Unit(benchmark::kMillisecond);
