@@ -10,6 +10,7 @@ class callBack;
 }
 namespace MESH {
 class editMesh;
+class meshInterface;
 
 namespace ALGO {
 namespace SMOOTHING {
@@ -37,22 +38,31 @@ struct laplacianDescriptor {
 // One accumulation pass over the live faces: each side a-b of a face adds b to a's sum
 // and a to b's, and counts one at each end. An interior edge is seen from both of its
 // faces and so counts twice, border edges once: border neighbours weigh half. Polygons
-// are walked by their sides. The mesh is not moved. cb (may be null) gets 0, the face
-// percentage as it grows, and 100.
+// are walked by their sides. The mesh is not moved; face flags are made if it has none.
+// cb (may be null) gets 0, the face percentage as it grows, and 100.
+void computeLaplacianSmooth(meshInterface& mesh, laplacianDescriptor& descriptor,
+                            SYSTEM::callBack* cb);
 void computeLaplacianSmooth(editMesh& mesh, laplacianDescriptor& descriptor, SYSTEM::callBack* cb);
 
 // iterations simultaneous (Jacobi) steps: each vertex becomes (position + sum) / count
 // of a fresh pass over the previous positions. Unless smoothBorder is set, the vertices
 // of border edges are pinned; they still pull on their neighbours. At the end, whatever
-// the count, the box and spatial indexes go stale and the normals are recomputed (unit
-// length). Needs valid edges to find the border; without them the border is found from
-// the face sides. cb (may be null) gets 0 first and 100 last.
+// the count, the boxes, the normals and the spatial indexes are dropped. cb (may be
+// null) gets 0 first and 100 last.
+void computeLaplacianSmooth(meshInterface& mesh, unsigned int iterations, bool smoothBorder,
+                            SYSTEM::callBack* cb);
+// The same on an editable mesh, whose normals are stored data: they are recomputed (unit
+// length) instead of being left cleared, and its render data is marked stale.
 void computeLaplacianSmooth(editMesh& mesh, unsigned int iterations, bool smoothBorder,
                             SYSTEM::callBack* cb);
 
 }  // namespace SMOOTHING
 
 // The same Laplacian under the algorithm namespace.
+inline void computeLaplacianSmooth(meshInterface& mesh, unsigned int iterations, bool smoothBorder,
+                                   SYSTEM::callBack* cb) {
+  SMOOTHING::computeLaplacianSmooth(mesh, iterations, smoothBorder, cb);
+}
 inline void computeLaplacianSmooth(editMesh& mesh, unsigned int iterations, bool smoothBorder,
                                    SYSTEM::callBack* cb) {
   SMOOTHING::computeLaplacianSmooth(mesh, iterations, smoothBorder, cb);

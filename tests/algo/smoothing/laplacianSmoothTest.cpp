@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "jev3d/mesh/aabbtreeEditMeshFaceWrap.h"
+#include "jev3d/mesh/editMeshInterface.h"
 #include "smoothingMeshes.h"
 #include "support/meshes.h"
 #include "support/recordingCallBack.h"
@@ -223,6 +224,24 @@ TEST(laplacianSmoothTest, NoisySphereComesCloserToTheSphere) {
   EXPECT_EQ(cb.values.front(), 0.f);
   EXPECT_EQ(cb.values.back(), 100.f);
   EXPECT_MESH_VALID(m);
+}
+
+// Through the neutral interface the same steps run; the caches are dropped by the
+// interface's own clear operations (an editMesh behind it gets zeroed normals).
+TEST(laplacianSmoothTest, InterfaceFormSmoothesAlikeAndClearsTheNormals) {
+  editMesh a, b;
+  makeNoisySphere(a, 10, 20, 0.1f);
+  makeNoisySphere(b, 10, 20, 0.1f);
+  JEV::MESH::editMeshInterface view(b);
+  computeLaplacianSmooth(a, 2, false, nullptr);
+  computeLaplacianSmooth(view, 2, false, nullptr);
+  for (unsigned v = 0; v < a.vn(); ++v) {
+    EXPECT_TRUE(same(a.vPos(v), b.vPos(v))) << v;
+    EXPECT_EQ(b.vNor(v).squaredNorm(), 0.f);
+  }
+  laplacianDescriptor d;
+  computeLaplacianSmooth(view, d, nullptr);
+  EXPECT_EQ(d.count.size(), b.vn());
 }
 
 TEST(laplacianSmoothTest, AlgoNamespaceFormIsTheSameSmoothing) {
