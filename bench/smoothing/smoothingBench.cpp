@@ -179,9 +179,6 @@ void onNoisySphere(benchmark::State& state, Filter filter) {
     rms = sphereRms(m);
     state.ResumeTiming();
   }
-  state.counters["ns/vertex"] =
-      benchmark::Counter(double(input.vn()), benchmark::Counter::kIsIterationInvariantRate |
-                                                 benchmark::Counter::kInvert);
   state.counters["s/vertex"] =
       benchmark::Counter(double(input.vn()), benchmark::Counter::kIsIterationInvariantRate |
                                                  benchmark::Counter::kInvert);
