@@ -299,7 +299,7 @@ TEST_F(jevmesh, smoothFlattensBumpsByEveryScheme) {
   const std::string in = writePly(m, "bumpy.ply");
   plyPolygonMesh original;
   ASSERT_TRUE(ioPly::readPlyPolygonsFromFile(in, original));
-  for (const char* scheme : {"laplacian", "two-step"}) {
+  for (const char* scheme : {"laplacian", "two-step", "bilateral"}) {
     SCOPED_TRACE(scheme);
     const std::string out = dir.file(std::string(scheme) + ".ply");
     const runResult r = run("smooth " + in + " " + out + " --scheme " + scheme + " -n 4");

@@ -2,11 +2,13 @@
 
 #include <cmath>
 #include <cstdio>
+#include <iostream>
 #include <string>
 #include <vector>
 
 #include "commandSupport.h"
 #include "commands.h"
+#include "jev3d/algo/smoothing/bilateralSmooth.h"
 #include "jev3d/algo/smoothing/curvatureTangentialSmooth.h"
 #include "jev3d/algo/smoothing/laplacianSmooth.h"
 #include "jev3d/algo/smoothing/twoStepSmooth.h"
@@ -29,6 +31,8 @@ struct smoothOptions {
   long normalSteps = 3;
   long fitSteps = 3;
   bool keepBorder = false;
+  float sigmaSpace = 0.5f;
+  float sigmaRange = 0.5f;
 };
 
 // Reads a whole number in [low, high] into out when the option is given.
@@ -37,9 +41,35 @@ bool wholeOption(const commandLine& line, const char* name, long low, long high,
   return commandLine::toInt(line.values(name)[0], out) && out >= low && out <= high;
 }
 
+// Reads a number above 0 (and finite) into out when the option is given.
+bool positiveOption(const commandLine& line, const char* name, float& out) {
+  if (!line.has(name)) return true;
+  return commandLine::toFloat(line.values(name)[0], out) && out > 0.f && std::isfinite(out);
+}
+
+// N rounds of the bilateral filter, each from the last one's positions. The filter's own
+// lines go to standard output unless the user asked for quiet.
+void bilateral(const commandLine& line, const smoothOptions& o, editMesh& mesh, progressBar& bar) {
+  std::streambuf* shown = std::cout.rdbuf();
+  if (quiet(line)) std::cout.rdbuf(nullptr);
+  std::vector<JEV::MATH::point3<float>> result;
+  for (long i = 0; i < o.steps; ++i) {
+    if (bar.reporter()) bar.reporter()->setValue(float(100.0 * i / o.steps));
+    SMOOTHING::computeBilateralSmooth(mesh, o.sigmaSpace, o.sigmaRange, result, nullptr);
+    // One result a live vertex, in order; loaded meshes have no deleted vertex.
+    for (unsigned v = 0, k = 0; v < mesh.vn() && k < result.size(); ++v)
+      if (!mesh.isVertDeleted(v)) mesh.vPos(v) = result[k++];
+  }
+  std::cout.rdbuf(shown);
+  if (bar.reporter()) bar.reporter()->setValue(100.f);
+  mesh.updateBBox();
+  mesh.computeNormalizedNormals();
+}
+
 int parse(const commandLine& line, smoothOptions& o) {
   if (line.has("--scheme")) o.scheme = line.values("--scheme")[0];
-  if (o.scheme != "laplacian" && o.scheme != "two-step" && o.scheme != "tangential")
+  if (o.scheme != "laplacian" && o.scheme != "two-step" && o.scheme != "tangential" &&
+      o.scheme != "bilateral")
     return usageError("smooth", "unknown scheme '" + o.scheme + "'");
   if (!wholeOption(line, "-n", 0, 100000, o.steps))
     return usageError("smooth", "-n takes a whole number from 0 to 100000");
@@ -51,6 +81,10 @@ int parse(const commandLine& line, smoothOptions& o) {
       (!commandLine::toFloat(line.values("--feature-angle")[0], o.featureAngle) ||
        !(o.featureAngle >= 0.f && o.featureAngle <= 180.f)))
     return usageError("smooth", "--feature-angle takes degrees from 0 to 180");
+  if (!positiveOption(line, "--sigma-space", o.sigmaSpace))
+    return usageError("smooth", "--sigma-space takes a number above 0");
+  if (!positiveOption(line, "--sigma-range", o.sigmaRange))
+    return usageError("smooth", "--sigma-range takes a number above 0");
   o.smoothBorder = line.has("--smooth-border");
   o.keepBorder = line.has("--keep-border");
   return EXIT_OK;
@@ -74,6 +108,8 @@ int smooth(const commandLine& line, const smoothOptions& o, editMesh& mesh) {
   progressBar bar("smoothing", quiet(line));
   if (o.scheme == "laplacian") {
     SMOOTHING::computeLaplacianSmooth(mesh, unsigned(o.steps), o.smoothBorder, bar.reporter());
+  } else if (o.scheme == "bilateral") {
+    bilateral(line, o, mesh, bar);
   } else if (o.scheme == "tangential") {
     SMOOTHING::computeCurvatureTangentialSmooth(mesh, unsigned(o.steps), false);
   } else {
@@ -103,15 +139,20 @@ int runSmooth(const commandLine& line) {
 
 command smoothCommand() {
   return {"smooth",
-          "IN OUT --scheme laplacian|two-step|tangential -n N",
+          "IN OUT --scheme laplacian|bilateral|two-step|tangential -n N",
           "Smooth the surface, N steps (default: laplacian, once).",
           "  --scheme laplacian   umbrella average of the neighbours; border vertices stay\n"
+          "  --scheme bilateral   pull each vertex toward the planes of the faces near it,\n"
+          "                       less so the farther they lie: keeps edges\n"
           "  --scheme two-step    filter face normals, then fit the vertices to them; keeps\n"
           "                       edges sharper than the feature angle\n"
           "  --scheme tangential  umbrella steps with the move along the normal taken back:\n"
           "                       evens the sampling without changing the shape\n"
           "  -n N                 steps (two-step: rounds of normal and vertex steps)\n"
           "  --smooth-border      laplacian: move border vertices too\n"
+          "  --sigma-space S      bilateral: reach, in median edge lengths (default 0.5)\n"
+          "  --sigma-range R      bilateral: how far off a face's plane still counts, in\n"
+          "                       median edge lengths (default 0.5)\n"
           "  --feature-angle DEG  two-step: faces further apart do not filter each other\n"
           "                       (default 60)\n"
           "  --normal-steps N     two-step: normal filtering steps a round (default 3)\n"
@@ -121,6 +162,8 @@ command smoothCommand() {
           withWriteOptions({{"--scheme", 1},
                             {"-n", 1},
                             {"--smooth-border", 0},
+                            {"--sigma-space", 1},
+                            {"--sigma-range", 1},
                             {"--feature-angle", 1},
                             {"--normal-steps", 1},
                             {"--fit-steps", 1},
