@@ -14,6 +14,8 @@
 // with every vertex pushed along its radius by up to 1% (a quarter of an edge): time per
 // vertex ("s/vertex"), and the root mean square distance to the true sphere before ("noisy rms")
 // and after ("rms").
+//   noisy_sphere_100k/bilateral  computeBilateralSmooth, sigmas 0.5 and 0.5 (its
+//                                lines on standard output are silenced), result applied
 //   noisy_sphere_100k/twostep    computeTwoStep, feature angle 60, 3 rounds of 3 + 3
 //   noisy_sphere_100k/laplacian  computeLaplacianSmooth, 3 steps, for reference
 #include <benchmark/benchmark.h>
@@ -21,9 +23,11 @@
 #include <OpenMesh/Core/Mesh/TriMesh_ArrayKernelT.hh>
 #include <OpenMesh/Tools/Smoother/JacobiLaplaceSmootherT.hh>
 #include <cmath>
+#include <iostream>
 #include <random>
 #include <vector>
 
+#include "jev3d/algo/smoothing/bilateralSmooth.h"
 #include "jev3d/algo/smoothing/laplacianSmooth.h"
 #include "jev3d/algo/smoothing/twoStepSmooth.h"
 #include "jev3d/mesh/editMesh.h"
@@ -186,6 +190,16 @@ void onNoisySphere(benchmark::State& state, Filter filter) {
   state.counters["rms"] = rms;
 }
 
+void bilateralNoisySphere(benchmark::State& state) {
+  std::vector<JEV::MATH::point3<float>> result;
+  onNoisySphere(state, [&](editMesh& m) {
+    std::streambuf* shown = std::cout.rdbuf(nullptr);
+    JEV::MESH::ALGO::SMOOTHING::computeBilateralSmooth(m, 0.5f, 0.5f, result, nullptr);
+    std::cout.rdbuf(shown);
+    for (unsigned v = 0; v < m.vn(); ++v) m.vPos(v) = result[v];
+  });
+}
+
 void twoStepNoisySphere(benchmark::State& state) {
   onNoisySphere(state, [](editMesh& m) {
     JEV::MESH::ALGO::SMOOTHING::computeTwoStep(&m, &m, 60.f, 3, 3, 3, false, false, nullptr);
@@ -205,5 +219,6 @@ BENCHMARK(laplacianOpenMesh)->Name("laplacian10_500k/openmesh")->Unit(benchmark:
 BENCHMARK(laplacianOpenMeshLoop)
     ->Name("laplacian10_500k/openmesh_loop")
     ->Unit(benchmark::kMillisecond);
+BENCHMARK(bilateralNoisySphere)->Name("noisy_sphere_100k/bilateral")->Unit(benchmark::kMillisecond);
 BENCHMARK(twoStepNoisySphere)->Name("noisy_sphere_100k/twostep")->Unit(benchmark::kMillisecond);
 BENCHMARK(laplacianNoisySphere)->Name("noisy_sphere_100k/laplacian")->Unit(benchmark::kMillisecond);
