@@ -36,7 +36,13 @@ void computeLaplacianSmooth(meshInterface& mesh, laplacianDescriptor& descriptor
   if (cb) cb->setValue(0.f);
   if (!mesh.hasFaceFlags()) mesh.computeFaceFlags();
   descriptor.clear();
-  INTERNAL::fillDescriptor(interfaceAccess{mesh}, descriptor, cb);
+  descriptor.resize(mesh.vn());
+  const INTERNAL::packedMesh packed(interfaceAccess{mesh});
+  std::vector<INTERNAL::packedMesh::lanes> sum(mesh.vn(), INTERNAL::packedMesh::lanes{});
+  packed.accumulate(sum, descriptor.count.data(), cb);
+  for (unsigned int v = 0; v < mesh.vn(); ++v)
+    descriptor.sum[v] = INTERNAL::packedMesh::point(sum[v]);
+  if (cb) cb->setValue(100.f);
 }
 
 void computeLaplacianSmooth(editMesh& mesh, laplacianDescriptor& descriptor, SYSTEM::callBack* cb) {

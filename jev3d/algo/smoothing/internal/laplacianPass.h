@@ -6,9 +6,9 @@
 #include "jev3d/algo/smoothing/laplacianSmooth.h"
 #include "jev3d/system/callBack.h"
 
-// The umbrella Laplacian written once over a mesh access type, so that every mesh form
-// runs the same arithmetic. An access type gives vn(), fn(), faceDeleted(f),
-// corners(f), corner(f, i) and pos(v) (a reference).
+// The passes of the umbrella Laplacian, written once for every mesh form. A mesh is read
+// through an access type giving vn(), fn(), faceDeleted(f), corners(f), corner(f, i) and
+// pos(v).
 namespace JEV {
 namespace MESH {
 namespace ALGO {
@@ -23,40 +23,13 @@ inline void reportShare(SYSTEM::callBack* cb, uint64_t done, uint64_t total) {
   if (int(cb->value.cV()) != percent) cb->setValue(float(percent));
 }
 
-// Adds the sides of the live faces to sums sized to vn(), and with COUNT also to counts.
-template <bool COUNT, class Access>
-void accumulateSides(const Access& m, MATH::point3<float>* sum, unsigned int* count,
-                     SYSTEM::callBack* cb) {
-  const unsigned int faces = m.fn(), verts = m.vn();
-  for (unsigned int f = 0; f < faces; ++f) {
-    if (cb) reportShare(cb, f, faces);
-    if (m.faceDeleted(f)) continue;
-    const unsigned int k = m.corners(f);
-    for (unsigned int j = 0; j < k; ++j) {
-      const unsigned int a = m.corner(f, j), b = m.corner(f, j + 1 == k ? 0 : j + 1);
-      if (a >= verts || b >= verts) continue;  // a corner naming no vertex adds nothing
-      sum[a] += m.pos(b);
-      sum[b] += m.pos(a);
-      if (COUNT) ++count[a], ++count[b];
-    }
-  }
-}
-
-// One pass as the descriptor form runs it, into d whatever it held: 0, the faces, 100.
-template <class Access>
-void fillDescriptor(const Access& m, laplacianDescriptor& d, SYSTEM::callBack* cb) {
-  if (cb) cb->setValue(0.f);
-  d.resize(m.vn());
-  accumulateSides<true>(m, d.sum.data(), d.count.data(), cb);
-  if (cb) cb->setValue(100.f);
-}
-
 // The live faces of a mesh packed for repeated steps: their corners in one array and
 // the positions in another, four floats a point (the last unused) so that a point is one
-// vector register. Lane by lane the arithmetic is the generic pass's, in the same order.
+// vector register. Lane by lane the arithmetic is that of the points, in side order.
 class packedMesh {
  public:
   typedef float lanes __attribute__((vector_size(16)));
+  static MATH::point3<float> point(const lanes& p) { return MATH::point3<float>(p[0], p[1], p[2]); }
 
   template <class Access>
   explicit packedMesh(const Access& m) : points(m.vn()) {
@@ -81,11 +54,10 @@ class packedMesh {
   }
 
   unsigned int vn() const { return unsigned(points.size()); }
-  MATH::point3<float> pos(unsigned int v) const {
-    return MATH::point3<float>(points[v][0], points[v][1], points[v][2]);
-  }
+  MATH::point3<float> pos(unsigned int v) const { return point(points[v]); }
 
-  // Sums (and with count, counts) of one pass over the packed faces.
+  // Sums (and with count, counts) of one pass over the packed faces: each side a-b adds b
+  // to a's sum and a to b's.
   void accumulate(std::vector<lanes>& sum, unsigned int* count, SYSTEM::callBack* cb) const {
     const unsigned int verts = vn();
     if (triangles) {
