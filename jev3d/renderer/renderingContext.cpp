@@ -1,10 +1,20 @@
 #include "jev3d/renderer/renderingContext.h"
 
+#include "jev3d/renderer/cameraStack.h"
+#include "jev3d/renderer/renderStateStack.h"
+#include "jev3d/renderer/transformStack.h"
+
 namespace JEV {
 namespace RENDERING {
 
 renderingContext::renderingContext(renderer* d, audioRenderer* a)
-    : windowX(0), windowY(0), device(d), audio(a) {}
+    : windowX(0),
+      windowY(0),
+      device(d),
+      audio(a),
+      cameras(std::make_shared<cameraStack>(d)),
+      transforms(std::make_shared<transformStack>(d)),
+      renderStates(std::make_shared<RENDERSTATE::renderStateStack>(d)) {}
 
 renderingContext::renderingContext(const renderingContext& other)
     : windowX(other.windowX.cV()),
@@ -12,9 +22,16 @@ renderingContext::renderingContext(const renderingContext& other)
       windowWidth(other.windowWidth.cV()),
       windowHeight(other.windowHeight.cV()),
       device(other.device),
-      audio(other.audio) {}
+      audio(other.audio),
+      cameras(other.cameras),
+      transforms(other.transforms),
+      renderStates(other.renderStates) {}
 
-void renderingContext::discard() {}
+void renderingContext::discard() {
+  renderStates->popToBottom();
+  transforms->clear();
+  cameras->popToBottom();
+}
 
 }  // namespace RENDERING
 }  // namespace JEV

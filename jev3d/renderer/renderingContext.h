@@ -1,5 +1,7 @@
 #pragma once
 
+#include <memory>
+
 #include "jev3d/fields/fieldBase.h"
 
 namespace JEV {
@@ -7,10 +9,15 @@ namespace RENDERING {
 
 class renderer;
 class audioRenderer;
+class cameraStack;
+class transformStack;
+namespace RENDERSTATE {
+class renderStateStack;
+}
 
-// What every render and update of a window receives: the window's client rectangle as
-// fields, and its devices. The stacks and resource storages join it with the scene and
-// resource layers.
+// What every render and update of a window receives: the camera, transform and render
+// state stacks, the window's client rectangle as fields, and its devices. A copy shares
+// the stacks; the last context holding them frees them.
 class renderingContext {
  public:
   renderingContext(renderer* device, audioRenderer* audio);
@@ -24,6 +31,9 @@ class renderingContext {
 
   renderer* getRenderer() const { return device; }
   audioRenderer* getAudioRenderer() const { return audio; }
+  cameraStack* getCameraStack() const { return cameras.get(); }
+  transformStack* getTransformStack() const { return transforms.get(); }
+  RENDERSTATE::renderStateStack* getRenderStateStack() const { return renderStates.get(); }
 
   SYSTEM::fieldBase<int> windowX;
   SYSTEM::fieldBase<int> windowY;
@@ -33,6 +43,9 @@ class renderingContext {
  private:
   renderer* device;
   audioRenderer* audio;
+  std::shared_ptr<cameraStack> cameras;
+  std::shared_ptr<transformStack> transforms;
+  std::shared_ptr<RENDERSTATE::renderStateStack> renderStates;
 };
 
 }  // namespace RENDERING

@@ -153,16 +153,24 @@ bool renderGL::init() {
   return true;
 }
 
-void renderGL::addTextureNamesToDiscardList(std::vector<unsigned>& names) {
+void renderGL::addTextureToDiscardList(std::vector<unsigned>& names) {
   takeOver(textureDiscardLock, textureDiscardList, names);
 }
 
-void renderGL::addVertexBufferNamesToDiscardList(std::vector<unsigned>& names) {
+void renderGL::addVertexBufferToDiscardList(std::vector<unsigned>& names) {
   takeOver(vertexBufferDiscardLock, vertexBufferDiscardList, names);
 }
 
-void renderGL::addIndexBufferNamesToDiscardList(std::vector<unsigned>& names) {
+void renderGL::addIndexBufferToDiscardList(std::vector<unsigned>& names) {
   takeOver(indexBufferDiscardLock, indexBufferDiscardList, names);
+}
+
+void renderGL::addTextureToDiscardList3D(std::vector<unsigned>& names) {
+  takeOver(textureDiscardLock, textureDiscardList, names);
+}
+
+void renderGL::addFontToDiscardList(std::vector<unsigned>& names) {
+  takeOver(fontDiscardLock, fontDiscardList, names);
 }
 
 bool renderGL::emptyDiscardList() {
@@ -185,6 +193,13 @@ bool renderGL::emptyDiscardList() {
   }
   indexBufferDiscardList.clear();
   indexBufferDiscardLock.release();
+  // A font's device objects are its glyph textures.
+  fontDiscardLock.wait(SYSTEM::INFINITE);
+  for (unsigned n : fontDiscardList) {
+    if (glIsTexture(n)) glDeleteTextures(1, &n);
+  }
+  fontDiscardList.clear();
+  fontDiscardLock.release();
   return true;
 }
 
