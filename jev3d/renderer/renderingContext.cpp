@@ -3,6 +3,8 @@
 #include "jev3d/renderer/cameraStack.h"
 #include "jev3d/renderer/renderStateStack.h"
 #include "jev3d/renderer/transformStack.h"
+#include "jev3d/resources/meshStorage.h"
+#include "jev3d/resources/textureStorage.h"
 
 namespace JEV {
 namespace RENDERING {
@@ -14,6 +16,8 @@ renderingContext::renderingContext(renderer* d, audioRenderer* a)
       audio(a),
       cameras(std::make_shared<cameraStack>(d)),
       transforms(std::make_shared<transformStack>(d)),
+      meshStorage(std::make_shared<CORE::meshStorage>(d)),
+      textureStorage(std::make_shared<CORE::textureStorage>(d)),
       renderStates(std::make_shared<RENDERSTATE::renderStateStack>(d)) {}
 
 renderingContext::renderingContext(const renderingContext& other)
@@ -25,12 +29,16 @@ renderingContext::renderingContext(const renderingContext& other)
       audio(other.audio),
       cameras(other.cameras),
       transforms(other.transforms),
+      meshStorage(other.meshStorage),
+      textureStorage(other.textureStorage),
       renderStates(other.renderStates) {}
 
 void renderingContext::discard() {
   renderStates->popToBottom();
   transforms->clear();
   cameras->popToBottom();
+  meshStorage->clear();
+  textureStorage->clear();
 }
 
 }  // namespace RENDERING

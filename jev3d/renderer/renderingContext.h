@@ -5,6 +5,11 @@
 #include "jev3d/fields/fieldBase.h"
 
 namespace JEV {
+namespace CORE {
+class meshStorage;
+class textureStorage;
+}  // namespace CORE
+
 namespace RENDERING {
 
 class renderer;
@@ -16,8 +21,9 @@ class renderStateStack;
 }
 
 // What every render and update of a window receives: the camera, transform and render
-// state stacks, the window's client rectangle as fields, and its devices. A copy shares
-// the stacks; the last context holding them frees them.
+// state stacks, the resource storages, the window's client rectangle as fields, and its
+// devices. A copy shares the stacks and storages; the last context holding them frees
+// them.
 class renderingContext {
  public:
   renderingContext(renderer* device, audioRenderer* audio);
@@ -34,6 +40,9 @@ class renderingContext {
   cameraStack* getCameraStack() const { return cameras.get(); }
   transformStack* getTransformStack() const { return transforms.get(); }
   RENDERSTATE::renderStateStack* getRenderStateStack() const { return renderStates.get(); }
+  // The window's resource storages, made with the context and shared by its copies.
+  CORE::meshStorage* getMeshStorage() const { return meshStorage.get(); }
+  CORE::textureStorage* getTextureStorage() const { return textureStorage.get(); }
 
   SYSTEM::fieldBase<int> windowX;
   SYSTEM::fieldBase<int> windowY;
@@ -43,8 +52,11 @@ class renderingContext {
  private:
   renderer* device;
   audioRenderer* audio;
+  // Made in this order: the stacks, the storages, then the render state stack.
   std::shared_ptr<cameraStack> cameras;
   std::shared_ptr<transformStack> transforms;
+  std::shared_ptr<CORE::meshStorage> meshStorage;
+  std::shared_ptr<CORE::textureStorage> textureStorage;
   std::shared_ptr<RENDERSTATE::renderStateStack> renderStates;
 };
 
