@@ -148,7 +148,10 @@ bool renderStateStack::applyCurrentState(int kind, bool clearTarget) {
     return device->setLightState(static_cast<lightstate&>(top));
   }
   if (kind >= TEXTURE_STATE0 && kind <= TEXTURE_STATE32) {
-    return device->setTextureState(static_cast<INSTANCING::textureInstance&>(top));
+    // Upload is lazy: the first time a texture is drawn it goes to the device.
+    auto& texture = static_cast<INSTANCING::textureInstance&>(top);
+    texture.cacheResource();
+    return device->setTextureState(texture);
   }
   if (kind >= CLIP_PLANE_STATE0 && kind <= CLIP_PLANE_STATE5) {
     return device->setClipPlaneState(static_cast<clipPlanestate&>(top));
