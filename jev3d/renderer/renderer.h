@@ -289,7 +289,8 @@ class renderer {
   virtual bool setVertexDeclaration(vertexDeclaration* declaration) = 0;
   virtual bool setVertexBuffer(vertexBuffer* buffer) = 0;
   virtual bool setIndexBuffer(indexBuffer* buffer) = 0;
-  // Draws from what the three setters above chose: indexed when an index buffer is set.
+  // Draws `count` vertices from `first` of what setVertexDeclaration and setVertexBuffer
+  // chose.
   virtual bool draw(DRAW_MODE mode, unsigned first, unsigned count) = 0;
 
   // Sets the device's fixed state after the context is made.

@@ -163,6 +163,15 @@ class renderGL : public renderer {
   int getHeight() const { return height; }
 
  private:
+  // Loads GL's projection and model-view matrices from the current camera and transform.
+  bool loadMatrices();
+  // Sends every state once, so that GL and the device copies agree.
+  void sendDefaultStates();
+  bool uploadIndices(indexBuffer* buffer, const void* indices, uint32_t bytes, unsigned count);
+  bool isCachedStream(const vertexBuffer& buffer, unsigned stream) const;
+  // Whether a state goes to GL: when it differs from the copy, or while all are sent.
+  bool mustSend(bool changed);
+
   PLATFORM::glContextHandle context = nullptr;
   PLATFORM::windowHandle window = 0;
   unsigned currentVertexMask = 0;
@@ -181,6 +190,9 @@ class renderGL : public renderer {
   std::vector<unsigned> indexBufferDiscardList;
   std::vector<unsigned> fontDiscardList;
   deviceStateCopies current;
+  bool sendAll = false;
+  // Colour material has written into GL's material since the copy was last sent.
+  bool materialTracked = false;
 };
 
 }  // namespace RENDERING
