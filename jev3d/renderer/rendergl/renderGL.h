@@ -191,6 +191,7 @@ class renderGL : public renderer {
   std::vector<unsigned> fontDiscardList;
   deviceStateCopies current;
   bool sendAll = false;
+  MATH::point4<float> frustumPlanes[6];
   // Colour material has written into GL's material since the copy was last sent.
   bool materialTracked = false;
 };

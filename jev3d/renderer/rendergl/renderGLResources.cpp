@@ -29,8 +29,6 @@ bool renderGL::getFontBox(GUI::font*, const std::wstring&, int&, int&) { return 
 int renderGL::getFontMaxHeight(GUI::font*) { return 0; }
 bool renderGL::renderText(GUI::font*, const std::wstring&, int, int, CORE::color) { return false; }
 
-bool renderGL::updateFrustum() { return false; }
-MATH::point4<float> renderGL::getFrustumPlane(int) const { return MATH::point4<float>::ZERO(); }
 
 }  // namespace RENDERING
 }  // namespace JEV

@@ -1,5 +1,7 @@
 #include <GL/glew.h>
 
+#include <cmath>
+
 #include "jev3d/renderer/instancing/renderTargetInstance.h"
 #include "jev3d/renderer/instancing/textureInstance.h"
 #include "jev3d/renderer/rendergl/renderGL.h"
@@ -395,6 +397,29 @@ bool renderGL::loadMatrices() {
   glMatrixMode(GL_MODELVIEW);
   glLoadMatrixf(&modelView[0]);
   return true;
+}
+
+// Row vectors: a point p is inside when p·(column 3 ± column k) >= 0 for the clip matrix
+// view·projection, so the planes are sums and differences of its columns.
+bool renderGL::updateFrustum() {
+  const matrix4f m = current.camera.view.cV() * current.camera.projection.cV();
+  const MATH::point4<float> w = m.getColumn(3);
+  for (int k = 0; k < 3; ++k) {
+    const MATH::point4<float> c = m.getColumn(k);
+    frustumPlanes[2 * k] = w + c;
+    frustumPlanes[2 * k + 1] = w - c;
+  }
+  for (int i = 0; i < 6; ++i) {
+    MATH::point4<float>& p = frustumPlanes[i];
+    const float length = std::sqrt(p.x * p.x + p.y * p.y + p.z * p.z);
+    if (length > 0.0f)
+      p = MATH::point4<float>(p.x / length, p.y / length, p.z / length, p.w / length);
+  }
+  return true;
+}
+
+MATH::point4<float> renderGL::getFrustumPlane(int index) const {
+  return index >= 0 && index < 6 ? frustumPlanes[index] : MATH::point4<float>::ZERO();
 }
 
 bool renderGL::beginScene(INSTANCING::renderTargetInstance& target) {

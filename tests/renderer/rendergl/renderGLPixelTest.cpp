@@ -333,3 +333,27 @@ TEST_F(glFixture, aStateSetTwiceReachesGLOnce) {
   glGetIntegerv(GL_ALPHA_TEST_FUNC, &function);
   EXPECT_EQ(function, GL_LESS);
 }
+
+TEST_F(glFixture, frustumPlanesBoundWhatTheCameraSees) {
+  // 90 degrees, square, near 1, far 100, looking along +z from the origin.
+  const float n = 1.0f, f = 100.0f;
+  const matrix4f projection(1, 0, 0, 0, 0, 1, 0, 0, 0, 0, (f + n) / (f - n), 1, 0, 0,
+                            -2 * f * n / (f - n), 0);
+  ASSERT_TRUE(gl.setCameraState(projection, matrix4f()));
+  ASSERT_TRUE(gl.updateFrustum());
+  auto inside = [&](point3f p) {
+    for (int i = 0; i < 6; ++i) {
+      const JEV::MATH::point4<float> plane = gl.getFrustumPlane(i);
+      if (plane.x * p.x + plane.y * p.y + plane.z * p.z + plane.w < 0.0f) return false;
+    }
+    return true;
+  };
+  EXPECT_TRUE(inside(point3f(0, 0, 10)));
+  EXPECT_TRUE(inside(point3f(4.9f, -4.9f, 5)));
+  EXPECT_FALSE(inside(point3f(5.1f, 0, 5))) << "outside the 90 degree cone";
+  EXPECT_FALSE(inside(point3f(0, 0, 0.5f))) << "before the near plane";
+  EXPECT_FALSE(inside(point3f(0, 0, 101))) << "past the far plane";
+  EXPECT_FALSE(inside(point3f(0, 0, -10))) << "behind the camera";
+  const JEV::MATH::point4<float> left = gl.getFrustumPlane(0);
+  EXPECT_NEAR(left.x * left.x + left.y * left.y + left.z * left.z, 1.0f, 1e-5f);
+}
