@@ -7,7 +7,6 @@ namespace RENDERING {
 // their data in client memory and draw nothing through these paths.
 
 renderer::MULTISAMPLE_TYPE renderGL::getMaxMultiSampleType() { return MULTISAMPLE_NONE; }
-bool renderGL::isSupportRenderTargetOnTexture() { return false; }
 bool renderGL::setCurrentVertexProcessingType(VERTEXPROCESSING_TYPE type) {
   vertexProcessing = type;
   return true;
@@ -17,9 +16,6 @@ bool renderGL::setCurrentMultiSampleType(MULTISAMPLE_TYPE type) {
   multiSample = type;
   return true;
 }
-bool renderGL::cacheRenderTargetOnTexture(renderTarget*) { return false; }
-bool renderGL::isCachedRenderTargetOnTexture(const renderTarget*) const { return false; }
-bool renderGL::discardRenderTargetOnTexture(renderTarget*) { return false; }
 
 bool renderGL::createFont(GUI::font*) { return false; }
 bool renderGL::cacheFont(GUI::font*) { return false; }
@@ -28,7 +24,6 @@ bool renderGL::discardFont(GUI::font*) { return false; }
 bool renderGL::getFontBox(GUI::font*, const std::wstring&, int&, int&) { return false; }
 int renderGL::getFontMaxHeight(GUI::font*) { return 0; }
 bool renderGL::renderText(GUI::font*, const std::wstring&, int, int, CORE::color) { return false; }
-
 
 }  // namespace RENDERING
 }  // namespace JEV

@@ -14,6 +14,7 @@
 #include "jev3d/renderer/instancing/renderTargetInstance.h"
 #include "jev3d/renderer/instancing/textureInstance.h"
 #include "jev3d/renderer/renderStateStack.h"
+#include "jev3d/renderer/renderTarget.h"
 #include "jev3d/renderer/rendergl/renderGL.h"
 #include "jev3d/renderer/renderingContext.h"
 #include "jev3d/renderer/renderstate/alphastate.h"
@@ -21,6 +22,7 @@
 #include "jev3d/renderer/renderstate/lightingstate.h"
 #include "jev3d/renderer/renderstate/lightstate.h"
 #include "jev3d/renderer/renderstate/scissorstate.h"
+#include "jev3d/renderer/renderstate/viewportstate.h"
 #include "jev3d/renderer/renderstate/wireframestate.h"
 #include "jev3d/renderer/transformState.h"
 #include "jev3d/renderer/vertexBuffer.h"
@@ -356,4 +358,59 @@ TEST_F(glFixture, frustumPlanesBoundWhatTheCameraSees) {
   EXPECT_FALSE(inside(point3f(0, 0, -10))) << "behind the camera";
   const JEV::MATH::point4<float> left = gl.getFrustumPlane(0);
   EXPECT_NEAR(left.x * left.x + left.y * left.y + left.z * left.z, 1.0f, 1e-5f);
+}
+
+TEST_F(glFixture, aRenderTargetsContentsReadBack) {
+  ASSERT_TRUE(gl.isSupportRenderTargetOnTexture());
+  JEV::IO::textureImage blank;
+  blank.width = 32;
+  blank.height = 32;
+  blank.components = 4;
+  blank.pixels.assign(32 * 32 * 4, 0);
+  auto* picture = new JEV::TEXTURE::texture(&gl);
+  picture->setImage(blank);
+  picture->setParameters(JEV::TEXTURE::textureDescriptor{0, 1.0f});
+  renderTarget offScreen{JEV::SYSTEM::sharedPointer<JEV::TEXTURE::texture>(picture)};
+  JEV::RENDERING::INSTANCING::renderTargetInstance target;
+  target.setTarget(&offScreen);
+  target.scissor.set(0, 0, 32, 32, false, false);
+  target.viewport.set(0, 0, 32, 32, false, viewportstate::VIEWPORT_FREE);
+  target.clearColour = JEV::CORE::color(0, 0, 255, 255);
+
+  vertexBuffer vb(VC::COLOR | VC::POS3);
+  indexBuffer ib;
+  makeQuad(vb, ib, -1, -1, 0, 1, 0, JEV::CORE::color(255, 0, 0, 255));
+  lightingstate unlit(false, false);
+  std::vector<std::uint8_t> inside(32 * 32 * 4, 0);
+  drawNode quad([&] {
+    gl.renderIndexedGeometry(renderer::DRAW_TRIANGLES, &vb, &ib, 0, ib.getIndexNumber());
+    gl.readPixels(0, 0, 32, 32, renderer::PIXELDATA_RGBA, renderer::DATA_UNSIGNED_BYTE,
+                  inside.data());
+  });
+  quad.connect(&target, false);
+  target.connect(&unlit, false);
+  frame(unlit);
+  EXPECT_TRUE(gl.isCachedRenderTargetOnTexture(&offScreen));
+
+  // The left half took the quad, the right half the target's clear colour.
+  const std::uint8_t* left = &inside[(16 * 32 + 4) * 4];
+  const std::uint8_t* right = &inside[(16 * 32 + 28) * 4];
+  EXPECT_EQ(left[0], 255);
+  EXPECT_EQ(left[2], 0);
+  EXPECT_EQ(right[0], 0);
+  EXPECT_EQ(right[2], 255);
+  // The window saw none of it; its viewport and scissor are back.
+  EXPECT_EQ(brightness(10, 64), 0);
+  EXPECT_EQ(gl.getCurrentViewportState().computedWidth.cV(), size);
+
+  // What was drawn is the texture's picture now.
+  gl.makeCurrentContext(false);
+  std::vector<std::uint8_t> texels(32 * 32 * 4, 0);
+  glBindTexture(GL_TEXTURE_2D, picture->getDeviceNames().front());
+  glGetTexImage(GL_TEXTURE_2D, 0, GL_RGBA, GL_UNSIGNED_BYTE, texels.data());
+  glBindTexture(GL_TEXTURE_2D, 0);
+  EXPECT_EQ(texels[(16 * 32 + 4) * 4], 255);
+  EXPECT_EQ(texels[(16 * 32 + 28) * 4 + 2], 255);
+  EXPECT_TRUE(gl.discardRenderTargetOnTexture(&offScreen));
+  EXPECT_FALSE(gl.isCachedRenderTargetOnTexture(&offScreen));
 }
