@@ -9,6 +9,7 @@
 #include <thread>
 #include <vector>
 
+#include "jev3d/gui/font.h"
 #include "jev3d/platform/messages.h"
 #include "jev3d/renderer/indexBuffer.h"
 #include "jev3d/renderer/instancing/renderTargetInstance.h"
@@ -413,4 +414,43 @@ TEST_F(glFixture, aRenderTargetsContentsReadBack) {
   EXPECT_EQ(texels[(16 * 32 + 28) * 4 + 2], 255);
   EXPECT_TRUE(gl.discardRenderTargetOnTexture(&offScreen));
   EXPECT_FALSE(gl.isCachedRenderTargetOnTexture(&offScreen));
+}
+
+TEST_F(glFixture, textIsDrawnWithFreeTypeGlyphs) {
+  JEV::GUI::font missing(L"NoSuchFace", 16);
+  EXPECT_TRUE(gl.createFont(&missing));
+  EXPECT_FALSE(gl.cacheFont(&missing));
+  JEV::GUI::font path(L"../DejaVuSans", 16);
+  EXPECT_FALSE(gl.cacheFont(&path)) << "a face is a name, not a path";
+  JEV::GUI::font unsized(L"DejaVuSans", 0);
+  EXPECT_FALSE(gl.createFont(&unsized));
+
+  JEV::GUI::font sans(L"DejaVuSans", 20);
+  ASSERT_TRUE(gl.cacheFont(&sans));
+  EXPECT_TRUE(gl.isCachedFont(&sans));
+  int shortWidth = 0, longWidth = 0, height = 0;
+  ASSERT_TRUE(gl.getFontBox(&sans, L"Hi", shortWidth, height));
+  ASSERT_TRUE(gl.getFontBox(&sans, L"Hi there", longWidth, height));
+  EXPECT_GT(shortWidth, 10);
+  EXPECT_GT(longWidth, shortWidth);
+  EXPECT_GE(height, 20);
+  EXPECT_EQ(gl.getFontMaxHeight(&sans), height);
+
+  drawNode text([&] { gl.renderText(&sans, L"Hi", 20, 40, JEV::CORE::color(255, 255, 255, 255)); });
+  frame(text);
+  // Ink lies inside the box of the text above its baseline, and nowhere else.
+  int inside = 0, outside = 0;
+  for (int y = 0; y < size; ++y) {
+    for (int x = 0; x < size; ++x) {
+      const bool lit = brightness(x, y) > 300;
+      const bool inBox = x >= 20 && x < 20 + shortWidth && y >= 40 && y < 40 + height;
+      (inBox ? inside : outside) += lit ? 1 : 0;
+    }
+  }
+  EXPECT_GT(inside, 30);
+  EXPECT_EQ(outside, 0);
+
+  EXPECT_TRUE(gl.discardFont(&sans));
+  EXPECT_FALSE(gl.isCachedFont(&sans));
+  EXPECT_FALSE(gl.getFontBox(&sans, L"Hi", shortWidth, height));
 }
