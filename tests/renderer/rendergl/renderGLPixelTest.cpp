@@ -9,6 +9,7 @@
 #include <thread>
 #include <vector>
 
+#include "glWindow.h"
 #include "jev3d/gui/font.h"
 #include "jev3d/platform/messages.h"
 #include "jev3d/renderer/indexBuffer.h"
@@ -41,20 +42,6 @@ namespace {
 
 constexpr int size = 128;
 
-std::int64_t ignore(windowHandle, unsigned, std::uint64_t, std::int64_t) { return 0; }
-
-bool waitExposed(platform& p) {
-  const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(10);
-  while (std::chrono::steady_clock::now() < end) {
-    message m;
-    while (p.peekMessage(m)) {
-      if (m.msg == WM_PAINT) return true;
-    }
-    std::this_thread::sleep_for(std::chrono::milliseconds(5));
-  }
-  return false;
-}
-
 // A node that draws through a callback.
 class drawNode : public JEV::SG::node {
  public:
@@ -72,8 +59,8 @@ struct pixel {
 
 struct glFixture : ::testing::Test {
   void SetUp() override {
-    window =
-        current().createWindow(windowDescriptor{L"pixels", rect{10, 10, size, size}, {}}, ignore);
+    window = current().createWindow(windowDescriptor{L"pixels", rect{10, 10, size, size}, {}},
+                                    ignoreMessages);
     ASSERT_NE(window, 0u);
     bool recreate = false;
     ASSERT_TRUE(gl.createContext(window, recreate));
