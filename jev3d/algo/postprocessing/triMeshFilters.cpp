@@ -45,6 +45,29 @@ inline uint64_t hashPosition(const point3<float>& p) {
   return h ^ (h >> 29);
 }
 
+// Labels id on every face reached from seed across the FF links that crosses(face,
+// edge) allows, skipping labelled faces; returns how many it labelled.
+template <class Crosses>
+unsigned int flood(const std::vector<unsigned int>& ff, unsigned int seed, unsigned int id,
+                   std::vector<unsigned int>& label, std::vector<unsigned int>& stack,
+                   Crosses crosses) {
+  unsigned int count = 0;
+  label[seed] = id;
+  stack.assign(1, seed);
+  while (!stack.empty()) {
+    const unsigned int g = stack.back();
+    stack.pop_back();
+    ++count;
+    for (unsigned int i = 0; i < 3; ++i) {
+      const unsigned int w = ff[3 * size_t(g) + i];
+      if (w == triMesh::NONE || label[w / 3] != triMesh::NONE || !crosses(g, i)) continue;
+      label[w / 3] = id;
+      stack.push_back(w / 3);
+    }
+  }
+  return count;
+}
+
 }  // namespace
 
 unsigned int triMesh::removeFace(const std::vector<unsigned char>& marks) {
@@ -226,22 +249,10 @@ unsigned int triMesh::removeNotManifoldVertices() {
     for (unsigned int k = start[v]; k < start[v + 1]; ++k) {
       const unsigned int f0 = wedges[k] / 3;
       if (fan[f0] != NONE) continue;
-      const unsigned int id = unsigned(sizes.size());
-      sizes.push_back(0);
-      fan[f0] = id;
-      stack.assign(1, f0);
-      while (!stack.empty()) {
-        const unsigned int g = stack.back();
-        stack.pop_back();
-        ++sizes[id];
-        for (unsigned int i = 0; i < 3; ++i) {
-          if (fV(g, i) != v && fV(g, (i + 1) % 3) != v) continue;  // edge not at v
-          const unsigned int w = ff[3 * g + i];
-          if (w == NONE || fan[w / 3] != NONE) continue;
-          fan[w / 3] = id;
-          stack.push_back(w / 3);
-        }
-      }
+      sizes.push_back(
+          flood(ff, f0, unsigned(sizes.size()), fan, stack, [&](unsigned int g, unsigned int i) {
+            return fV(g, i) == v || fV(g, (i + 1) % 3) == v;  // only edges at v
+          }));
     }
     if (sizes.size() > 1) {
       const unsigned int largest =
@@ -262,22 +273,8 @@ unsigned int triMesh::getIsolatePieces(std::vector<unsigned int>& piece,
   std::vector<unsigned int> stack;
   for (unsigned int f = 0; f < fn(); ++f) {
     if (piece[f] != NONE) continue;
-    const unsigned int id = unsigned(sizes.size());
-    sizes.push_back(0);
-    piece[f] = id;
-    stack.assign(1, f);
-    while (!stack.empty()) {
-      const unsigned int g = stack.back();
-      stack.pop_back();
-      ++sizes[id];
-      for (unsigned int i = 0; i < 3; ++i) {
-        const unsigned int w = ff[3 * size_t(g) + i];
-        if (w != NONE && piece[w / 3] == NONE) {
-          piece[w / 3] = id;
-          stack.push_back(w / 3);
-        }
-      }
-    }
+    sizes.push_back(flood(ff, f, unsigned(sizes.size()), piece, stack,
+                          [](unsigned int, unsigned int) { return true; }));
   }
   return unsigned(sizes.size());
 }
