@@ -71,23 +71,52 @@ unsigned int flood(const std::vector<unsigned int>& ff, unsigned int seed, unsig
 }  // namespace
 
 unsigned int triMesh::removeFace(const std::vector<unsigned char>& marks) {
+  std::vector<unsigned int> remap;
+  return removeFace(marks, remap);
+}
+
+unsigned int triMesh::removeFace(const std::vector<unsigned char>& marks,
+                                 std::vector<unsigned int>& remap) {
   const unsigned int n = fn();
-  const bool carryNormals = hasFN(), carryFlags = hasFaceFlags();
-  unsigned int out = 0;
-  for (unsigned int f = 0; f < n; ++f) {
-    if (f < marks.size() && marks[f]) continue;
-    if (out != f) {
-      std::memcpy(&faces[3 * size_t(out)], &faces[3 * size_t(f)], 3 * sizeof(unsigned int));
-      if (carryNormals) faceNormals[out] = faceNormals[f];
-      if (carryFlags) faceFlags[out] = faceFlags[f];
+  remap.assign(n, NONE);
+  unsigned int kept = 0;
+  for (unsigned int f = 0; f < n; ++f)
+    if (!(f < marks.size() && marks[f])) remap[f] = kept++;
+  // Face-face links survive through the table: a link to a removed face passes on along
+  // its edge's ring to the next kept face, or becomes a border when none is left.
+  const bool carryLinks = hasFF();
+  if (carryLinks) {
+    std::vector<unsigned int> links(3 * size_t(kept));
+    for (unsigned int f = 0; f < n; ++f) {
+      if (remap[f] == NONE) continue;
+      for (unsigned int i = 0; i < 3; ++i) {
+        const unsigned int self = 3 * f + i;
+        unsigned int w = ff[self];
+        for (unsigned int steps = 0; w != NONE && w != self && remap[w / 3] == NONE && steps < n;
+             ++steps)
+          w = ff[w];
+        links[3 * size_t(remap[f]) + i] =
+            w == NONE || w == self || remap[w / 3] == NONE ? NONE : 3 * remap[w / 3] + w % 3;
+      }
     }
-    ++out;
+    ff.swap(links);
   }
-  faces.resize(3 * size_t(out));
-  if (carryNormals) faceNormals.resize(out);
-  if (carryFlags) faceFlags.resize(out);
+  const bool carryNormals = hasFN(), carryFlags = hasFaceFlags();
+  for (unsigned int f = 0; f < n; ++f) {
+    const unsigned int to = remap[f];
+    if (to == NONE || to == f) continue;
+    std::memcpy(&faces[3 * size_t(to)], &faces[3 * size_t(f)], 3 * sizeof(unsigned int));
+    if (carryNormals) faceNormals[to] = faceNormals[f];
+    if (carryFlags) faceFlags[to] = faceFlags[f];
+  }
+  faces.resize(3 * size_t(kept));
+  if (carryNormals) faceNormals.resize(kept);
+  if (carryFlags) faceFlags.resize(kept);
+  std::vector<unsigned int> links;
+  if (carryLinks) links.swap(ff);
   facesChanged();
-  return n - out;
+  if (carryLinks) ff.swap(links);
+  return n - kept;
 }
 
 unsigned int triMesh::keepVertices(const std::vector<unsigned char>& keep) {
@@ -108,7 +137,6 @@ unsigned int triMesh::keepVertices(const std::vector<unsigned char>& keep) {
   if (c) colors.resize(out);
   for (unsigned int& i : faces) i = i < map.size() ? map[i] : NONE;
   positionsChanged();
-  ff.clear();
   return dropped;
 }
 
@@ -145,6 +173,7 @@ unsigned int triMesh::removeDuplicateVertices(SYSTEM::callBack* cb) {
   report(cb, 50.f);
   for (unsigned int& i : faces)
     if (i < nv) i = map[i];
+  ff.clear();  // welding joins faces that did not meet
   const unsigned int removed = keepVertices(keep);
   report(cb, 100.f);
   return removed;

@@ -135,6 +135,24 @@ TEST(triMeshFilters, RemoveFaceCompactsWithFlagsAndNormals) {
   EXPECT_EQ(m.fV1(5), last[1]);
   EXPECT_EQ(m.fV2(5), last[2]);
   EXPECT_FALSE(m.hasFF());
+  // Built adjacency is carried through the remap table, rings included.
+  for (unsigned k = 0; k < 3; ++k) {
+    m.addVertex(p3(0.5f, 0.5f, 1.f + float(k)));
+    m.addFace(m.fV0(0), m.fV1(0), m.vn() - 1);  // three more faces on face 0's first edge
+  }
+  m.computeFaceFaceTopology();
+  std::vector<unsigned> remap;
+  EXPECT_EQ(m.removeFace({0, 1, 0, 1, 0, 0, 0, 1}, remap), 3u);
+  EXPECT_EQ(remap[0], 0u);
+  EXPECT_EQ(remap[1], triMesh::NONE);
+  EXPECT_EQ(remap[2], 1u);
+  ASSERT_TRUE(m.hasFF());
+  std::vector<unsigned> carried;
+  for (unsigned f = 0; f < m.fn(); ++f)
+    for (unsigned i = 0; i < 3; ++i) carried.push_back(m.f2f(f, i));
+  m.computeFaceFaceTopology();
+  for (unsigned f = 0; f < m.fn(); ++f)
+    for (unsigned i = 0; i < 3; ++i) EXPECT_EQ(carried[3 * f + i], m.f2f(f, i)) << f << " " << i;
 }
 
 TEST(triMeshFilters, ConfidenceKeepsWhatFacesTheScanner) {
