@@ -156,9 +156,9 @@ int runClean(const commandLine& line) {
     if (cb) cb->setValue(100.f);
     bar.finish();
     if (!quiet(line))
-      std::cout << "welded vertices:      " << welded << "\n"
-                << "degenerate faces:     " << degenerate << "\n"
-                << "duplicate faces:      " << duplicates << "\n"
+      std::cout << "welded vertices:       " << welded << "\n"
+                << "degenerate faces:      " << degenerate << "\n"
+                << "duplicate faces:       " << duplicates << "\n"
                 << "faces of small pieces: " << smallPieces << "\n"
                 << "unreferenced vertices: " << unreferenced << "\n";
     mesh.clear(false);
