@@ -153,6 +153,11 @@ void triMesh::buildFrom(const std::vector<meshInterface*>& meshes) {
 }
 
 void triMesh::add(const meshInterface& other) {
+  if (&other == this) {  // the loops below would chase the vertices they append
+    const triMesh copy(*this);
+    add(copy);
+    return;
+  }
   const unsigned int base = vn();
   const bool keepNormals = other.hasVN() && (base == 0 || hasVN());
   const bool keepColors = other.hasVC() && (base == 0 || hasVC());

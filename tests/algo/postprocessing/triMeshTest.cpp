@@ -67,6 +67,11 @@ TEST(triMeshBuilding, MergesPartsAndImportsPolygons) {
   EXPECT_NEAR(volume(both), volume(a) + volume(b), 1e-5);
   std::vector<unsigned> piece, sizes;
   EXPECT_EQ(both.getIsolatePieces(piece, sizes), 2u);
+  // A mesh added to itself doubles.
+  triMesh twice = a;
+  twice.add(twice);
+  EXPECT_EQ(twice.fn(), 2 * a.fn());
+  EXPECT_NEAR(volume(twice), 2 * volume(a), 1e-5);
   // An edit mesh with a deleted face and quads comes in as triangles.
   JEV::MESH::editMesh e;
   e.makeCube();
