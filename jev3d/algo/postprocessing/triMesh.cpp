@@ -141,7 +141,15 @@ void triMesh::buildFrom(const std::vector<triMesh*>& meshes) {
   buildFrom(std::vector<meshInterface*>(meshes.begin(), meshes.end()));
 }
 
-void triMesh::buildFrom(const std::vector<meshInterface*>& meshes) {
+void triMesh::buildFrom(const std::vector<meshInterface*>& list) {
+  // This mesh among the parts is read from a copy, as it is emptied first.
+  std::vector<meshInterface*> meshes = list;
+  std::unique_ptr<triMesh> self;
+  for (meshInterface*& m : meshes)
+    if (m == this) {
+      if (!self) self = std::make_unique<triMesh>(*this);
+      m = self.get();
+    }
   clear();
   bool allNormals = true, allColors = true;
   for (const meshInterface* m : meshes)

@@ -67,10 +67,13 @@ TEST(triMeshBuilding, MergesPartsAndImportsPolygons) {
   EXPECT_NEAR(volume(both), volume(a) + volume(b), 1e-5);
   std::vector<unsigned> piece, sizes;
   EXPECT_EQ(both.getIsolatePieces(piece, sizes), 2u);
-  // A mesh added to itself doubles.
+  // A mesh added to itself doubles, and so does one built from itself twice.
   triMesh twice = a;
   twice.add(twice);
   EXPECT_EQ(twice.fn(), 2 * a.fn());
+  triMesh built = a;
+  built.buildFrom(std::vector<triMesh*>{&built, &built});
+  EXPECT_EQ(built.fn(), 2 * a.fn());
   EXPECT_NEAR(volume(twice), 2 * volume(a), 1e-5);
   // An edit mesh with a deleted face and quads comes in as triangles.
   JEV::MESH::editMesh e;
