@@ -5,6 +5,7 @@
 
 #include <cstring>
 #include <fstream>
+#include <random>
 #include <stdexcept>
 
 #include "jev3d/algo/postprocessing/geodesicModel.h"
@@ -130,4 +131,65 @@ TEST(geodesicModel, ReadsARealScanWithSizedTypeNames) {
   ASSERT_EQ(thrownBy(m, dataFile("ply/turk_airplane.ply")), "");
   EXPECT_EQ(m.vertices.size(), 1335u);
   EXPECT_EQ(m.faces.size(), 2452u);
+}
+
+TEST(geodesicModel, MutatedFilesLoadOrThrowButNeverCrash) {
+  tempDir dir;
+  // A binary PLY with a face list and a tristrips element, and an ASCII one.
+  std::string binary =
+      "ply\nformat binary_little_endian 1.0\nelement vertex 5\nproperty float x\n"
+      "property float y\nproperty float z\nelement face 2\nproperty list uchar uint "
+      "vertex_indices\nelement tristrips 1\nproperty list uint8 int32 vertex_indices\n"
+      "end_header\n";
+  for (int v = 0; v < 5; ++v)
+    for (int c = 0; c < 3; ++c) {
+      const float f = float(v * 3 + c);
+      binary.append(reinterpret_cast<const char*>(&f), 4);
+    }
+  auto index = [&](int32_t i) { binary.append(reinterpret_cast<const char*>(&i), 4); };
+  binary.push_back(3), index(0), index(1), index(2);
+  binary.push_back(4), index(1), index(2), index(3), index(4);
+  binary.push_back(6), index(0), index(1), index(2), index(-1), index(2), index(3);
+  const std::string ascii =
+      "ply\nformat ascii 1.0\nelement vertex 3\nproperty double x\nproperty double y\n"
+      "property double z\nelement face 1\nproperty list uchar uint vertex_indices\nend_header\n"
+      "0 0 0\n1 0 0\n0 1 0\n3 0 1 2\n";
+  geodesicModel m;
+  ASSERT_EQ(thrownBy(m, (write(dir.file("b.ply"), binary), dir.file("b.ply"))), "");
+  EXPECT_EQ(m.faces.size(), 4u);  // one triangle, a quad's fan, one strip triangle
+  std::mt19937 rng(11);
+  unsigned loaded = 0, refused = 0;
+  testing::internal::CaptureStderr();  // the header problems the loader names
+  for (int round = 0; round < 300; ++round) {
+    std::string bytes = round % 2 ? binary : ascii;
+    const int edits = 1 + int(rng() % 4);
+    for (int e = 0; e < edits; ++e) {
+      const size_t at = rng() % bytes.size();
+      switch (rng() % 3) {
+        case 0:
+          bytes[at] = char(rng());
+          break;
+        case 1:
+          bytes.resize(at);
+          break;
+        default:
+          bytes.insert(at, 1, char(rng()));
+          break;
+      }
+      if (bytes.empty()) bytes = "p";
+    }
+    write(dir.file("m.ply"), bytes);
+    const std::string error = thrownBy(m, dir.file("m.ply"));
+    if (error.empty()) {
+      ++loaded;
+      for (const auto& f : m.faces)
+        for (unsigned v : f) ASSERT_LT(v, m.vertices.size());
+    } else {
+      ++refused;
+      EXPECT_EQ(error, "Fail to read file!");
+    }
+  }
+  testing::internal::GetCapturedStderr();
+  EXPECT_GT(refused, 0u);
+  EXPECT_GT(loaded, 0u);
 }
