@@ -1,10 +1,24 @@
 #include "jev3d/renderer/renderingContext.h"
 
+#include "jev3d/renderer/cameraStack.h"
+#include "jev3d/renderer/renderStateStack.h"
+#include "jev3d/renderer/transformStack.h"
+#include "jev3d/resources/meshStorage.h"
+#include "jev3d/resources/textureStorage.h"
+
 namespace JEV {
 namespace RENDERING {
 
 renderingContext::renderingContext(renderer* d, audioRenderer* a)
-    : windowX(0), windowY(0), device(d), audio(a) {}
+    : windowX(0),
+      windowY(0),
+      device(d),
+      audio(a),
+      cameras(std::make_shared<cameraStack>(d)),
+      transforms(std::make_shared<transformStack>(d)),
+      meshStorage(std::make_shared<CORE::meshStorage>(d)),
+      textureStorage(std::make_shared<CORE::textureStorage>(d)),
+      renderStates(std::make_shared<RENDERSTATE::renderStateStack>(d)) {}
 
 renderingContext::renderingContext(const renderingContext& other)
     : windowX(other.windowX.cV()),
@@ -12,9 +26,20 @@ renderingContext::renderingContext(const renderingContext& other)
       windowWidth(other.windowWidth.cV()),
       windowHeight(other.windowHeight.cV()),
       device(other.device),
-      audio(other.audio) {}
+      audio(other.audio),
+      cameras(other.cameras),
+      transforms(other.transforms),
+      meshStorage(other.meshStorage),
+      textureStorage(other.textureStorage),
+      renderStates(other.renderStates) {}
 
-void renderingContext::discard() {}
+void renderingContext::discard() {
+  renderStates->popToBottom();
+  transforms->clear();
+  cameras->popToBottom();
+  meshStorage->clear();
+  textureStorage->clear();
+}
 
 }  // namespace RENDERING
 }  // namespace JEV
