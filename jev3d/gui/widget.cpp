@@ -791,10 +791,12 @@ void widget::renderText(RENDERING::renderingContext* rc) {
   int x = r[0];
   if (font.horizontalAlignment == TEXT_RIGHT) x = r[0] + r[2] - w;
   if (font.horizontalAlignment == TEXT_HCENTER) x = r[0] + (r[2] - w) / 2;
-  // The renderer places the baseline; the box's height stands for the ascent.
+  // The box's bottom, then the baseline above it: the renderer places text by its
+  // baseline, and descenders take about a fifth of a line in the faces we ship.
   int y = r[1] + r[3] - h;
   if (font.verticalAlignment == TEXT_BOTTOM) y = r[1];
   if (font.verticalAlignment == TEXT_VCENTER) y = r[1] + (r[3] - h) / 2;
+  y += h / 5;
   textPosition = point3f(float(x) + textOffset.x, float(y) + textOffset.y, position.z);
   target->renderText(font.font, font.text, int(textPosition.x), int(textPosition.y),
                      currentTextColor);

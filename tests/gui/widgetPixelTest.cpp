@@ -2,18 +2,17 @@
 // pixel by pixel.
 #include <gtest/gtest.h>
 
-#include <chrono>
 #include <cstdint>
 #include <cwchar>
 #include <set>
 #include <string>
-#include <thread>
 #include <tuple>
 #include <vector>
 
+#include "jev3d/gui/font.h"
+#include "jev3d/gui/label.h"
 #include "jev3d/gui/panel.h"
 #include "jev3d/math/matrix4.h"
-#include "jev3d/platform/messages.h"
 #include "jev3d/renderer/instancing/renderTargetInstance.h"
 #include "jev3d/renderer/instancing/textureInstance.h"
 #include "jev3d/renderer/renderStateStack.h"
@@ -23,6 +22,7 @@
 #include "jev3d/renderer/renderstate/scissorstate.h"
 #include "jev3d/renderer/renderstate/zbufferstate.h"
 #include "jev3d/resources/textureStorage.h"
+#include "renderer/rendergl/glWindow.h"
 
 using namespace JEV;
 using namespace JEV::PLATFORM;
@@ -35,20 +35,6 @@ namespace {
 
 constexpr int side = 256;
 
-std::int64_t ignore(windowHandle, unsigned, std::uint64_t, std::int64_t) { return 0; }
-
-bool waitExposed(platform& p) {
-  const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(10);
-  while (std::chrono::steady_clock::now() < end) {
-    message m;
-    while (p.peekMessage(m)) {
-      if (m.msg == WM_PAINT) return true;
-    }
-    std::this_thread::sleep_for(std::chrono::milliseconds(5));
-  }
-  return false;
-}
-
 const wchar_t* const skins[] = {L"GUI_DEFAULT_SKIN", L"GUI_PLASTIQUE_SKIN", L"GUI_XP_SKIN",
                                 L"GUI_FLAT_SKIN",    L"GUI_RAG_SKIN",       L"GUI_IBRID_SKIN"};
 
@@ -56,8 +42,8 @@ const wchar_t* const skins[] = {L"GUI_DEFAULT_SKIN", L"GUI_PLASTIQUE_SKIN", L"GU
 // under: pixel camera, no lighting, no depth test, the skin on unit 0.
 struct skinFixture : ::testing::Test {
   void SetUp() override {
-    window =
-        current().createWindow(windowDescriptor{L"widgets", rect{10, 10, side, side}, {}}, ignore);
+    window = current().createWindow(windowDescriptor{L"widgets", rect{10, 10, side, side}, {}},
+                                    ignoreMessages);
     ASSERT_NE(window, 0u);
     bool recreate = false;
     ASSERT_TRUE(gl.createContext(window, recreate));
@@ -106,6 +92,17 @@ struct skinFixture : ::testing::Test {
   rgb at(int x, int y) const {
     const std::uint8_t* p = pixels.data() + (size_t(y) * side + size_t(x)) * 4;
     return rgb(p[0], p[1], p[2]);
+  }
+  // Pixels darker than any skin's light centres in [x0, x1) x [y0, y1).
+  int darkPixels(int x0, int y0, int x1, int y1) const {
+    int n = 0;
+    for (int y = y0; y < y1; ++y) {
+      for (int x = x0; x < x1; ++x) {
+        const auto [r, g, b] = at(x, y);
+        n += r + g + b < 300 ? 1 : 0;
+      }
+    }
+    return n;
   }
   // The colours of the skin's texels in column `u`, rows v0 to v1 (inclusive).
   std::set<rgb> texels(const wchar_t* skin, int u, int v0, int v1) {
@@ -205,4 +202,31 @@ TEST_F(skinFixture, aChildOutsideItsParentGetsNoPixels) {
   EXPECT_EQ(at(118, 50), at(118, 100)) << "parent's own border, not the child";
   EXPECT_EQ(at(130, 50), rgb(0, 0, 0));
   EXPECT_EQ(at(170, 50), rgb(0, 0, 0));
+}
+
+TEST_F(skinFixture, aCaptionsTextAppearsInsideItsBoxAndNowhereElse) {
+  GUI::font sans(L"DejaVuSans", 16);
+  ASSERT_TRUE(gl.cacheFont(&sans));
+  GUI::panel background(L"background", nullptr, nullptr);
+  makeButton(background, 10, 10, 236, 236);
+  GUI::label caption(L"caption", nullptr, nullptr);
+  caption.connect(&background, false);
+  caption.setRect2D(40, 100, 150, 40);
+  caption.getFontInstance().font = &sans;
+  caption.setCaption(std::wstring(L"Mesh 42"), false);
+  frame(background, L"GUI_DEFAULT_SKIN");
+  // The label's box in window pixels: (50, 110) to (200, 150); the panel's inside (20,
+  // 20) to (236, 236).
+  const int inBox = darkPixels(50, 110, 200, 150);
+  EXPECT_GT(inBox, 40) << "the glyphs are drawn";
+  EXPECT_EQ(darkPixels(20, 20, 236, 236), inBox) << "no ink outside the box";
+  // Centred: ink on both sides of the box's middle.
+  EXPECT_GT(darkPixels(50, 110, 125, 150), 10);
+  EXPECT_GT(darkPixels(125, 110, 200, 150), 10);
+  // No font, no text.
+  caption.getFontInstance().font = nullptr;
+  frame(background, L"GUI_DEFAULT_SKIN");
+  EXPECT_NE(at(60, 120), rgb(0, 0, 0));
+  EXPECT_EQ(darkPixels(20, 20, 236, 236), 0);
+  gl.discardFont(&sans);
 }

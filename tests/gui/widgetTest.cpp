@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "jev3d/gui/font.h"
 #include "jev3d/gui/guiColorTable.h"
 #include "jev3d/gui/label.h"
 #include "jev3d/gui/panel.h"
@@ -533,10 +534,11 @@ TEST_F(guiFixture, captionsFormatParseAndDrawInTheirRectangle) {
   l.setCaption(std::wstring(L"abc"), true);
   frame(l);
   EXPECT_TRUE(device.only("renderText").empty());  // no font yet
-  l.getFontInstance().font = reinterpret_cast<GUI::font*>(&device);
+  GUI::font sans(L"DejaVuSans", 16);
+  l.getFontInstance().font = &sans;
   frame(l);
-  // 24 x 16 box in the 90 x 30 rectangle at (105, 105).
-  EXPECT_EQ(device.only("renderText"), strings({"renderText 3 138 112 0,0,0,255"}));
+  // 24 x 16 box in the 90 x 30 rectangle at (105, 105): bottom 112, baseline 3 above.
+  EXPECT_EQ(device.only("renderText"), strings({"renderText 3 138 115 0,0,0,255"}));
   // Autosize: the text box plus the margins.
   l.setCaptionAutosize(std::wstring(L"abcdef"), true);
   frame(l);
