@@ -521,6 +521,12 @@ TEST_F(guiFixture, captionsFormatParseAndDrawInTheirRectangle) {
   EXPECT_EQ(w.getCaption(), L"2.5");
   EXPECT_EQ(w.getCaption2Int(0), 2);
   EXPECT_DOUBLE_EQ(w.getCaption2Double(0, 0), 3.0);
+  w.valueType = WVT_INTEGER;
+  w.setCaption(2.5f, true);
+  EXPECT_EQ(w.getCaption(), L"3");
+  w.setCaption(1e30f, true);
+  EXPECT_EQ(w.getCaption(), L"2147483647");
+  w.valueType = WVT_FLOAT;
   w.setCaption(std::wstring(L"3.14159"), true);
   EXPECT_DOUBLE_EQ(w.getCaption2Double(0, 2), 3.14);
   w.setCaption(std::wstring(L"12abc"), true);
@@ -544,6 +550,16 @@ TEST_F(guiFixture, captionsFormatParseAndDrawInTheirRectangle) {
   frame(l);
   EXPECT_EQ(l.getWidth(), 48 + 10);
   EXPECT_EQ(l.getHeight(), 16 + 10);
+}
+
+TEST(widgetTree, popUpMenuNameAndCornerBit) {
+  widget w(L"w", nullptr, nullptr);
+  w.setPopUpMenu(L"menuFile", true);
+  EXPECT_EQ(w.getPopUpMenu(), L"menuFile");
+  EXPECT_TRUE(w.getFlags().isFlagSet(WF_POPUP_AT_CORNER));
+  w.removePopUpMenu();
+  EXPECT_EQ(w.getPopUpMenu(), L"");
+  EXPECT_FALSE(w.getFlags().isFlagSet(WF_POPUP_AT_CORNER));
 }
 
 TEST(widgetIcons, iconsMapToTheirResourceIds) {
