@@ -198,7 +198,9 @@ TEST(defaultTextures, aDamagedArchiveFailsAndAddsNothing) {
     EXPECT_EQ(s.getEntryCount(), 0) << i;
   }
   CORE::textureStorage s(nullptr);
+  testing::internal::CaptureStderr();
   EXPECT_FALSE(s.loadDefaultTexture(nullptr, 100));
+  EXPECT_FALSE(testing::internal::GetCapturedStderr().empty());
 }
 
 TEST(defaultTextures, anyDamagedByteEitherFailsCleanlyOrLoadsEveryPicture) {
