@@ -1,0 +1,109 @@
+#pragma once
+
+#include <string>
+
+#include "jev3d/resources/storage.h"
+#include "jev3d/scene/node.h"
+#include "jev3d/scene/shellNode.h"
+#include "jev3d/system/sharedPointer.h"
+
+namespace JEV {
+namespace SYSTEM {
+class winBase;
+}
+
+namespace SG {
+
+// Owns the nodes of one window by name and walks the tree from a root. Every add takes a
+// wide or a narrow (UTF-8) id; it makes the node in its default state, stores it and
+// returns it typed, or null for an empty id or one in use (the stored node is left as it
+// was). A new node has no links: the caller connects it. The getters are one lookup each
+// and cast to the named type without checking the real type: asking for a node under the
+// wrong type's getter gives a pointer that must not be used. Null when absent.
+//
+// Erasing a node destroys it; its children survive as roots of detached trees, still
+// owned here. Main thread only.
+class sgController {
+ public:
+  // `window` supplies the contexts of the walks; it may be null, and the walks then get
+  // null contexts.
+  explicit sgController(SYSTEM::winBase* window);
+  virtual ~sgController();
+  sgController(const sgController&) = delete;
+  sgController& operator=(const sgController&) = delete;
+
+  // Takes ownership of `n` under `id` and returns it; null, with `n` destroyed, on an
+  // empty or used id. A node stored already (here or in another controller) is refused
+  // and left as it is.
+  node* addNode(node* n, const std::wstring& id);
+  node* addNode(node* n, const std::string& id);
+  shellNode* addShellNode(const std::wstring& id);
+  shellNode* addShellNode(const std::string& id);
+
+  node* getNode(const std::wstring& id);
+  node* getNode(const std::string& id);
+  const node* getNode(const std::wstring& id) const;
+  const node* getNode(const std::string& id) const;
+  shellNode* getShellNode(const std::wstring& id) { return getTyped<shellNode>(id); }
+  shellNode* getShellNode(const std::string& id) { return getTyped<shellNode>(id); }
+  const shellNode* getShellNode(const std::wstring& id) const { return getTyped<shellNode>(id); }
+  const shellNode* getShellNode(const std::string& id) const { return getTyped<shellNode>(id); }
+
+  bool isValid(const std::wstring& id) const;
+  bool isValid(const std::string& id) const;
+  // True if `id` exists; a missing id sets the root to null and gives false.
+  bool setRoot(const std::wstring& id);
+  bool setRoot(const std::string& id);
+  // Any node, owned here or not; false for null.
+  bool setRoot(node* n);
+  node* getRoot() const { return root; }
+  // Destroys the node; false when absent. Erasing the root leaves no root.
+  bool erase(const std::wstring& id);
+  bool erase(const std::string& id);
+  // Destroys the node and every node below it that is stored here and that no node
+  // outside that part links to: a node shared with another part of the tree survives,
+  // detached from the erased part. False when absent.
+  bool eraseSubtree(const std::wstring& id);
+  bool eraseSubtree(const std::string& id);
+  // Destroys every node, one at a time in name order, so that each destructor runs while
+  // the others still exist; leaves no root.
+  void discard();
+  // The nodes stored, in name order.
+  int getNodeCount() const { return nodes.getEntryCount(); }
+
+  // Walk the root with the window's contexts, unless there is no root or it is disabled.
+  void update();
+  void render();
+
+  SYSTEM::winBase* getWindow() const { return window; }
+
+ protected:
+  // Stores `created` under `id` and returns it; null, with `created` destroyed, on an
+  // empty or used id. The typed add operations are one call of this.
+  template <class T>
+  T* addTyped(const std::wstring& id, T* created) {
+    return add(id, created) ? created : nullptr;
+  }
+  template <class T>
+  T* addTyped(const std::string& id, T* created) {
+    return addTyped(IO::XML::utf8ToWstring(id), created);
+  }
+  template <class T, class I>
+  T* getTyped(const I& id) {
+    return static_cast<T*>(getNode(id));
+  }
+  template <class T, class I>
+  const T* getTyped(const I& id) const {
+    return static_cast<const T*>(getNode(id));
+  }
+
+  SYSTEM::winBase* window;
+  CORE::storage<SYSTEM::sharedPointer<node>> nodes;
+  node* root = nullptr;
+
+ private:
+  bool add(const std::wstring& id, node* n);
+};
+
+}  // namespace SG
+}  // namespace JEV
