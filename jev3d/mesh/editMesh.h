@@ -507,6 +507,11 @@ class editMesh {
   void setSelVn(unsigned int n) { selVn = n; }
   void setSelFvn(unsigned int n) { selFvn = n; }
   unsigned int getMaxSelFaceSize() const { return maxSelFaceSize; }
+  // Restores a saved selection (undo): the face flag bytes and the vertex sums as they
+  // were; the counters have their own setters.
+  void replaceAllFaceFlags(const std::vector<unsigned char>& flags) { fFlag = flags; }
+  void setSelVertSum(const MATH::point3<float>& p) { selVertSum = p; }
+  void setSelVertNor(const MATH::point3<float>& p) { selVertNor = p; }
   const MATH::point3<float>& getSelVertSum() const { return selVertSum; }
   const MATH::point3<float>& getSelVertNor() const { return selVertNor; }
   // Mean position of the selected vertices; zero with none.
