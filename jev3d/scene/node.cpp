@@ -12,11 +12,12 @@ namespace {
 // outermost walk ends, and the copies skip them.
 struct walkRecord {
   int depth = 0;
-  std::vector<const node*> destroyed;
+  std::vector<const node::linker*> destroyed;
 };
 thread_local walkRecord walks;
 
-bool destroyedInWalk(const node* n) {
+// Takes the linker, so that a slave can be checked before it is cast to a node.
+bool destroyedInWalk(const node::linker* n) {
   return !walks.destroyed.empty() &&
          std::find(walks.destroyed.begin(), walks.destroyed.end(), n) != walks.destroyed.end();
 }
@@ -29,10 +30,16 @@ void walkChildren(node* n, Visit visit) {
   node* owner = n->shellOwner;
   if (owner && destroyedInWalk(owner)) return;
   const node::linkerList children = owner ? owner->getSlavesCopy() : n->getSlavesCopy();
+  // Ask for every child's first lines at once: in a large tree each child is a cache
+  // miss, and the misses then overlap instead of coming one after another.
   for (node::linker* slave : children) {
+    __builtin_prefetch(slave);
+    __builtin_prefetch(reinterpret_cast<const char*>(slave) + 64);
+  }
+  for (node::linker* slave : children) {
+    if (destroyedInWalk(slave)) continue;
     // Every slave of a node is a node: addSlave refuses anything else.
     node* child = static_cast<node*>(slave);
-    if (destroyedInWalk(child)) continue;
     if (!child->disabled.cV()) visit(child);
   }
 }

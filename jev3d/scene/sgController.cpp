@@ -37,6 +37,23 @@ shellNode* sgController::addShellNode(const std::wstring& id) {
 
 shellNode* sgController::addShellNode(const std::string& id) { return addTyped(id, new shellNode); }
 
+pickRayNode* sgController::addPickRayNode(const std::wstring& id) {
+  return addTyped(id, new pickRayNode(window));
+}
+
+pickRayNode* sgController::addPickRayNode(const std::string& id) {
+  return addTyped(id, new pickRayNode(window));
+}
+
+CAM::trackballNode* sgController::addTrackballNode(const std::wstring& id) {
+  return addTyped(id, new CAM::trackballNode(window, window ? window->getInputContext() : nullptr,
+                                             window ? window->getRenderingContext() : nullptr));
+}
+
+CAM::trackballNode* sgController::addTrackballNode(const std::string& id) {
+  return addTrackballNode(widen(id));
+}
+
 node* sgController::getNode(const std::wstring& id) { return nodes.getEntry(id).get(); }
 
 node* sgController::getNode(const std::string& id) { return nodes.getEntry(id).get(); }

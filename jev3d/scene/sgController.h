@@ -4,7 +4,9 @@
 
 #include "jev3d/resources/storage.h"
 #include "jev3d/scene/node.h"
+#include "jev3d/scene/pickRayNode.h"
 #include "jev3d/scene/shellNode.h"
+#include "jev3d/scene/trackballNode.h"
 #include "jev3d/system/sharedPointer.h"
 
 namespace JEV {
@@ -40,6 +42,13 @@ class sgController {
   shellNode* addShellNode(const std::wstring& id);
   shellNode* addShellNode(const std::string& id);
 
+  // A pick ray on the window's mouse.
+  pickRayNode* addPickRayNode(const std::wstring& id);
+  pickRayNode* addPickRayNode(const std::string& id);
+  // A trackball on the window's input and rendering contexts.
+  CAM::trackballNode* addTrackballNode(const std::wstring& id);
+  CAM::trackballNode* addTrackballNode(const std::string& id);
+
   node* getNode(const std::wstring& id);
   node* getNode(const std::string& id);
   const node* getNode(const std::wstring& id) const;
@@ -48,6 +57,27 @@ class sgController {
   shellNode* getShellNode(const std::string& id) { return getTyped<shellNode>(id); }
   const shellNode* getShellNode(const std::wstring& id) const { return getTyped<shellNode>(id); }
   const shellNode* getShellNode(const std::string& id) const { return getTyped<shellNode>(id); }
+
+  pickRayNode* getPickRayNode(const std::wstring& id) { return getTyped<pickRayNode>(id); }
+  pickRayNode* getPickRayNode(const std::string& id) { return getTyped<pickRayNode>(id); }
+  const pickRayNode* getPickRayNode(const std::wstring& id) const {
+    return getTyped<pickRayNode>(id);
+  }
+  const pickRayNode* getPickRayNode(const std::string& id) const {
+    return getTyped<pickRayNode>(id);
+  }
+  CAM::trackballNode* getTrackballNode(const std::wstring& id) {
+    return getTyped<CAM::trackballNode>(id);
+  }
+  CAM::trackballNode* getTrackballNode(const std::string& id) {
+    return getTyped<CAM::trackballNode>(id);
+  }
+  const CAM::trackballNode* getTrackballNode(const std::wstring& id) const {
+    return getTyped<CAM::trackballNode>(id);
+  }
+  const CAM::trackballNode* getTrackballNode(const std::string& id) const {
+    return getTyped<CAM::trackballNode>(id);
+  }
 
   bool isValid(const std::wstring& id) const;
   bool isValid(const std::string& id) const;

@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "jev3d/scene/shellNode.h"
-#include "walkLog.h"
+#include "sceneTestSupport.h"
 
 using JEV::RENDERING::renderingContext;
 using JEV::SG::node;

@@ -6,8 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "system/windowTestSupport.h"
-#include "walkLog.h"
+#include "sceneTestSupport.h"
 
 using JEV::SG::node;
 using JEV::SG::sgController;
@@ -26,7 +25,7 @@ class countedNode : public node {
   strings& destroyed;
 };
 
-class sgControllerTest : public scriptedPlatformTest {
+class sgControllerTest : public sceneWindowTest {
  protected:
   // Adds a counted node with a probe under `id` and links it below `parent`, if any.
   node* add(const std::string& id, const std::string& parent = "") {
@@ -54,13 +53,7 @@ class sgControllerTest : public scriptedPlatformTest {
     return log;
   }
 
-  // Before the controller, whose nodes write to them as it goes.
-  strings log;
-  strings destroyed;
   std::vector<std::unique_ptr<walkProbe>> probes;
-  JEV::SYSTEM::application app{L"", L""};
-  probeWindow win{&app, &device};
-  sgController scene{&win};
 };
 
 }  // namespace

@@ -7,8 +7,10 @@
 
 #include "jev3d/renderer/renderingContext.h"
 #include "jev3d/scene/node.h"
+#include "jev3d/scene/sgController.h"
 #include "jev3d/system/delegate.h"
 #include "jev3d/system/updateContext.h"
+#include "system/windowTestSupport.h"
 
 // Writes "<name>.update" or "<name>.render" to a shared log when a node's delegate runs,
 // and keeps the contexts it was given. `also` runs after the entry is written, so a test
@@ -39,4 +41,15 @@ class walkProbe {
   std::function<void()> also;
   JEV::RENDERING::renderingContext* lastRc = nullptr;
   JEV::SYSTEM::updateContext* lastUc = nullptr;
+};
+
+// A controller on a window of the scripted platform, with a log for the probes.
+class sceneWindowTest : public scriptedPlatformTest {
+ protected:
+  // Before the controller, whose nodes may write to them as it goes.
+  std::vector<std::string> log;
+  std::vector<std::string> destroyed;
+  JEV::SYSTEM::application app{L"", L""};
+  probeWindow win{&app, &device};
+  JEV::SG::sgController scene{&win};
 };
