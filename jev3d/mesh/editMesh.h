@@ -548,9 +548,7 @@ class editMesh {
   void setSelVn(unsigned int n) { selVn = n; }
   void setSelFvn(unsigned int n) { selFvn = n; }
   unsigned int getMaxSelFaceSize() const { return maxSelFaceSize; }
-  // Restores a saved selection (undo): the face flag bytes and the vertex sums as they
-  // were; the counters have their own setters.
-  void replaceAllFaceFlags(const std::vector<unsigned char>& flags) { fFlag = flags; }
+  // Restore saved selection sums (undo); the counters have their own setters.
   void setSelVertSum(const MATH::point3<float>& p) { selVertSum = p; }
   void setSelVertNor(const MATH::point3<float>& p) { selVertNor = p; }
   const MATH::point3<float>& getSelVertSum() const { return selVertSum; }
