@@ -9,6 +9,8 @@
 #include <thread>
 #include <vector>
 
+#include "glWindow.h"
+#include "jev3d/gui/font.h"
 #include "jev3d/platform/messages.h"
 #include "jev3d/renderer/indexBuffer.h"
 #include "jev3d/renderer/instancing/renderTargetInstance.h"
@@ -40,20 +42,6 @@ namespace {
 
 constexpr int size = 128;
 
-std::int64_t ignore(windowHandle, unsigned, std::uint64_t, std::int64_t) { return 0; }
-
-bool waitExposed(platform& p) {
-  const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(10);
-  while (std::chrono::steady_clock::now() < end) {
-    message m;
-    while (p.peekMessage(m)) {
-      if (m.msg == WM_PAINT) return true;
-    }
-    std::this_thread::sleep_for(std::chrono::milliseconds(5));
-  }
-  return false;
-}
-
 // A node that draws through a callback.
 class drawNode : public JEV::SG::node {
  public:
@@ -71,8 +59,8 @@ struct pixel {
 
 struct glFixture : ::testing::Test {
   void SetUp() override {
-    window =
-        current().createWindow(windowDescriptor{L"pixels", rect{10, 10, size, size}, {}}, ignore);
+    window = current().createWindow(windowDescriptor{L"pixels", rect{10, 10, size, size}, {}},
+                                    ignoreMessages);
     ASSERT_NE(window, 0u);
     bool recreate = false;
     ASSERT_TRUE(gl.createContext(window, recreate));
@@ -413,4 +401,43 @@ TEST_F(glFixture, aRenderTargetsContentsReadBack) {
   EXPECT_EQ(texels[(16 * 32 + 28) * 4 + 2], 255);
   EXPECT_TRUE(gl.discardRenderTargetOnTexture(&offScreen));
   EXPECT_FALSE(gl.isCachedRenderTargetOnTexture(&offScreen));
+}
+
+TEST_F(glFixture, textIsDrawnWithFreeTypeGlyphs) {
+  JEV::GUI::font missing(L"NoSuchFace", 16);
+  EXPECT_TRUE(gl.createFont(&missing));
+  EXPECT_FALSE(gl.cacheFont(&missing));
+  JEV::GUI::font path(L"../DejaVuSans", 16);
+  EXPECT_FALSE(gl.cacheFont(&path)) << "a face is a name, not a path";
+  JEV::GUI::font unsized(L"DejaVuSans", 0);
+  EXPECT_FALSE(gl.createFont(&unsized));
+
+  JEV::GUI::font sans(L"DejaVuSans", 20);
+  ASSERT_TRUE(gl.cacheFont(&sans));
+  EXPECT_TRUE(gl.isCachedFont(&sans));
+  int shortWidth = 0, longWidth = 0, height = 0;
+  ASSERT_TRUE(gl.getFontBox(&sans, L"Hi", shortWidth, height));
+  ASSERT_TRUE(gl.getFontBox(&sans, L"Hi there", longWidth, height));
+  EXPECT_GT(shortWidth, 10);
+  EXPECT_GT(longWidth, shortWidth);
+  EXPECT_GE(height, 20);
+  EXPECT_EQ(gl.getFontMaxHeight(&sans), height);
+
+  drawNode text([&] { gl.renderText(&sans, L"Hi", 20, 40, JEV::CORE::color(255, 255, 255, 255)); });
+  frame(text);
+  // Ink lies inside the box of the text above its baseline, and nowhere else.
+  int inside = 0, outside = 0;
+  for (int y = 0; y < size; ++y) {
+    for (int x = 0; x < size; ++x) {
+      const bool lit = brightness(x, y) > 300;
+      const bool inBox = x >= 20 && x < 20 + shortWidth && y >= 40 && y < 40 + height;
+      (inBox ? inside : outside) += lit ? 1 : 0;
+    }
+  }
+  EXPECT_GT(inside, 30);
+  EXPECT_EQ(outside, 0);
+
+  EXPECT_TRUE(gl.discardFont(&sans));
+  EXPECT_FALSE(gl.isCachedFont(&sans));
+  EXPECT_FALSE(gl.getFontBox(&sans, L"Hi", shortWidth, height));
 }
