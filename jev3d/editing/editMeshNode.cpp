@@ -1,6 +1,7 @@
 #include "jev3d/editing/editMeshNode.h"
 
 #include <algorithm>
+#include <cstring>
 #include <limits>
 
 #include "jev3d/editing/internal/renderChunk.h"
@@ -356,7 +357,14 @@ bool editMeshNode::getRayIntersect(const p3& origin, const p3& direction, MATH::
   if (!mesh.getFABBTree()) mesh.computeFABBTree(8);
   const auto* tree = mesh.getFABBTree();
   if (!tree) return false;
-  const MATH::matrix4<float> toObject = getTransformMatrix().getInverse();
+  // The inverse is kept while the matrix stays: picking runs ray after ray.
+  if (std::memcmp(&pickMatrix, &getTransformMatrix(), sizeof pickMatrix) != 0 ||
+      !pickInverseValid) {
+    pickMatrix = getTransformMatrix();
+    pickInverse = pickMatrix.getInverse();
+    pickInverseValid = true;
+  }
+  const MATH::matrix4<float>& toObject = pickInverse;
   const p3 o = origin * toObject;
   const MATH::point4<float> d4 =
       MATH::point4<float>(direction.x, direction.y, direction.z, 0.f) * toObject;

@@ -196,6 +196,8 @@ class editMeshNode : public editableObject, public meshInterfaceDLL {
   bool transparent = false;
   std::atomic<RENDERING::renderer*> device{nullptr};
   renderCacheCounts cacheCounts;
+  MATH::matrix4<float> pickMatrix, pickInverse;
+  bool pickInverseValid = false;
   CORE::color builtEdgeColor;
   RENDERING::RENDERSTATE::cullstate cull;
   RENDERING::RENDERSTATE::colorMaterialstate colorMaterial;
