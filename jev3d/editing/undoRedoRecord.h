@@ -10,7 +10,10 @@
 namespace JEV {
 namespace MESH {
 class editMesh;
+namespace POSTPROCESSING {
+class triMesh;
 }
+}  // namespace MESH
 namespace SYSTEM {
 
 // Bytes a stored value weighs: its size for plain values, a vector's header plus its
@@ -30,6 +33,8 @@ unsigned int undoRedoBytes(const std::vector<T>& v) {
   return n;
 }
 unsigned int undoRedoBytes(const MESH::editMesh& m);
+// A scan mesh weighs its vertex data and corners, however many records share it.
+unsigned int undoRedoBytes(const sharedPointer<MESH::POSTPROCESSING::triMesh>& m);
 
 // A record storing a value of T. undo and redo hand the stored value, by reference, to
 // the matching delegate when it has a target.

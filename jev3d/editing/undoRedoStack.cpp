@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "jev3d/algo/postprocessing/triMesh.h"
 #include "jev3d/editing/undoRedoRecord.h"
 #include "jev3d/mesh/editMesh.h"
 
@@ -9,6 +10,13 @@ namespace JEV {
 namespace SYSTEM {
 
 unsigned int undoRedoBytes(const MESH::editMesh& m) { return unsigned(m.memoryUsage()); }
+
+unsigned int undoRedoBytes(const sharedPointer<MESH::POSTPROCESSING::triMesh>& m) {
+  unsigned int n = unsigned(sizeof(m));
+  if (m.isNull()) return n;
+  const unsigned int perVertex = 12 + (m->hasVN() ? 12 : 0) + (m->hasVC() ? 4 : 0);
+  return n + m->vn() * perVertex + m->fn() * (12 + (m->hasFaceFlags() ? 1 : 0));
+}
 
 undoRedoStack::undoRedoStack(unsigned int limit) : maxBytes(limit) {}
 

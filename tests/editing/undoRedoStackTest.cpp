@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "jev3d/algo/postprocessing/triMesh.h"
 #include "jev3d/editing/undoRedoRecord.h"
 #include "jev3d/math/matrix4.h"
 #include "meshStores.h"
@@ -205,6 +206,16 @@ TEST(undoRedoRecord, byteCountsOfTheStoredValues) {
   undoRedoRecord<editMesh> meshRecord(m);
   EXPECT_EQ(meshRecord.getNumBytes(), unsigned(meshRecord.getRecord().memoryUsage()));
   EXPECT_GT(meshRecord.getNumBytes(), 8 * sizeof(editMesh::vert));
+  // Scan meshes weigh their vertices and corners.
+  using scanMesh = JEV::MESH::POSTPROCESSING::triMesh;
+  JEV::SYSTEM::sharedPointer<scanMesh> scan(new scanMesh());
+  const unsigned tri[3] = {0, 1, 2};
+  for (int i = 0; i < 3; ++i) scan->addVertex(JEV::MATH::point3<float>(float(i), 0.f, 1.f));
+  scan->addFace(tri, 3);
+  const unsigned one = undoRedoRecord<JEV::SYSTEM::sharedPointer<scanMesh>>(scan).getNumBytes();
+  EXPECT_GE(one, sizeof(scan) + 3 * 12u + 12u);
+  std::vector<JEV::SYSTEM::sharedPointer<scanMesh>> scans{scan, scan};
+  EXPECT_EQ(undoRedoRecord<decltype(scans)>(scans).getNumBytes(), sizeof(scans) + 2 * one);
   // The base record does nothing and weighs nothing.
   undoRedoRecordBase base;
   base.undo();
