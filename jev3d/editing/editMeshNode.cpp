@@ -279,24 +279,25 @@ void editMeshNode::renderChunks(RENDERING::renderingContext* rc) {
 }
 
 void editMeshNode::renderWireFrame(RENDERING::renderingContext* rc) {
-  RENDERING::renderer* r = rc->getRenderer();
   if (!mesh.edgeRenderStateValid || mesh.edgeChunks.empty())
-    INTERNAL::buildEdgeChunks(mesh, r, cacheCounts);
-  RENDERING::RENDERSTATE::renderStateStack* states = rc->getRenderStateStack();
-  states->pushState(RS::LIGHTING_STATE, &unlit, true);
-  INTERNAL::drawChunks(mesh.edgeChunks, r, RENDERING::renderer::DRAW_LINES);
-  states->popState(RS::LIGHTING_STATE, true);
+    INTERNAL::buildEdgeChunks(mesh, rc->getRenderer(), cacheCounts);
+  renderUnlit(rc, mesh.edgeChunks, RENDERING::renderer::DRAW_LINES, nullptr);
 }
 
 void editMeshNode::renderPoints(RENDERING::renderingContext* rc) {
-  RENDERING::renderer* r = rc->getRenderer();
   if (!mesh.vertexRenderStateValid || mesh.vertChunks.empty())
-    INTERNAL::buildPointChunks(mesh, r, cacheCounts);
+    INTERNAL::buildPointChunks(mesh, rc->getRenderer(), cacheCounts);
+  renderUnlit(rc, mesh.vertChunks, RENDERING::renderer::DRAW_POINTS, &pointSize);
+}
+
+void editMeshNode::renderUnlit(RENDERING::renderingContext* rc,
+                               const std::vector<renderChunk*>& chunks, int mode,
+                               RENDERING::RENDERSTATE::pointSizestate* size) {
   RENDERING::RENDERSTATE::renderStateStack* states = rc->getRenderStateStack();
   states->pushState(RS::LIGHTING_STATE, &unlit, true);
-  states->pushState(RS::POINT_SIZE_STATE, &pointSize, true);
-  INTERNAL::drawChunks(mesh.vertChunks, r, RENDERING::renderer::DRAW_POINTS);
-  states->popState(RS::POINT_SIZE_STATE, true);
+  if (size) states->pushState(RS::POINT_SIZE_STATE, size, true);
+  INTERNAL::drawChunks(chunks, rc->getRenderer(), mode);
+  if (size) states->popState(RS::POINT_SIZE_STATE, true);
   states->popState(RS::LIGHTING_STATE, true);
 }
 

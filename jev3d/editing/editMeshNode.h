@@ -24,6 +24,7 @@ namespace RENDERING {
 class renderer;
 }
 namespace MESH {
+class renderChunk;
 namespace EDITING {
 
 enum EDIT_MESH_DISPLAY_MODE : unsigned int {
@@ -178,6 +179,9 @@ class editMeshNode : public editableObject, public meshInterfaceDLL {
   void renderChunks(RENDERING::renderingContext* rc);
   void renderWireFrame(RENDERING::renderingContext* rc);
   void renderPoints(RENDERING::renderingContext* rc);
+  // Lines or points, unlit, with the point size when given.
+  void renderUnlit(RENDERING::renderingContext* rc, const std::vector<renderChunk*>& chunks,
+                   int mode, RENDERING::RENDERSTATE::pointSizestate* size);
   void meshDepthOrdering(RENDERING::renderingContext* rc);
   void discardRenderChunks();
   // The drawing mutex, made on first use by whichever side comes first.

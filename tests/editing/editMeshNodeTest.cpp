@@ -43,6 +43,13 @@ struct nodeFixture : ::testing::Test {
     node.render(&rc);
     return device.only("renderGeometry");
   }
+  // Vertices the last frame drew as triangles.
+  unsigned int drawnSoup() const {
+    unsigned int n = 0;
+    for (const std::string& c : device.only("renderGeometry 3"))
+      n += std::stoul(c.substr(c.rfind(' ') + 1));
+    return n;
+  }
   unsigned int triangles() const {
     unsigned int n = 0;
     const editMesh& m = node.getEditMesh();
@@ -159,10 +166,7 @@ TEST_F(nodeFixture, aFrameDrawsInTheFixedOrderAndCreatesTheMutex) {
   EXPECT_EQ(device.only("setTransformState").front().find("setTransformState 1,0,0,0"), 0u);
 
   // The whole surface is drawn once: triangle soups of three vertices a triangle.
-  unsigned int drawn = 0;
-  for (const std::string& c : device.only("renderGeometry 3"))
-    drawn += std::stoul(c.substr(c.rfind(' ') + 1));
-  EXPECT_EQ(drawn, 3 * triangles());
+  EXPECT_EQ(drawnSoup(), 3 * triangles());
 }
 
 TEST_F(nodeFixture, updatePutsTheTransformUnderTheChildren) {
@@ -256,10 +260,7 @@ TEST_F(nodeFixture, discardFromAnotherThreadWhileFramesDraw) {
   // The last frame drew the whole surface, whatever the other thread did before it.
   device.clearLog();
   node.render(&rc);
-  unsigned int drawn = 0;
-  for (const std::string& c : device.only("renderGeometry 3"))
-    drawn += std::stoul(c.substr(c.rfind(' ') + 1));
-  EXPECT_EQ(drawn, 3 * triangles());
+  EXPECT_EQ(drawnSoup(), 3 * triangles());
 }
 
 TEST_F(nodeFixture, faceFlagRecordsRestoreTheSelection) {

@@ -92,6 +92,27 @@ void buildRangeChunks(std::vector<renderChunk*>& list, unsigned int count, unsig
   }
 }
 
+// Remakes a list of position-and-colour chunks (wire or points): weight says how many
+// vertices an element gives, emit appends them. Returns the chunks built.
+template <class W, class E>
+unsigned int buildColoredChunks(std::vector<renderChunk*>& list, RENDERING::renderer* device,
+                                unsigned int count, unsigned int limit, W weight, E emit) {
+  std::vector<unsigned> names;
+  deleteList(list, device, true, names);
+  buildRangeChunks(list, count, limit, VC::POS3 | VC::COLOR, weight);
+  std::vector<p3> pos;
+  std::vector<CORE::color> colors;
+  for (renderChunk* c : list) {
+    pos.clear();
+    colors.clear();
+    for (unsigned int id : c->items) emit(id, pos, colors);
+    c->vertexCount = unsigned(pos.size());
+    device->cacheVertexBufferElement(&c->buffer, VC::POS3, pos.data(), c->vertexCount);
+    device->cacheVertexBufferElement(&c->buffer, VC::COLOR, colors.data(), c->vertexCount);
+  }
+  return unsigned(list.size());
+}
+
 unsigned int chunkLimit(const editMesh& m) { return std::max(m.getChunkVertexLimit(), 96u); }
 
 }  // namespace
@@ -141,49 +162,27 @@ void refreshFaceColors(editMesh& m, RENDERING::renderer* device, bool all,
 }
 
 void buildEdgeChunks(editMesh& m, RENDERING::renderer* device, renderCacheCounts& counts) {
-  std::vector<unsigned> names;
-  deleteList(m.edgeChunks, device, true, names);
-  buildRangeChunks(m.edgeChunks, m.en(), chunkLimit(m), VC::POS3 | VC::COLOR,
-                   [&](unsigned e) { return m.edgeIsDeleted(e) ? 0u : 2u; });
-  std::vector<p3> pos;
-  std::vector<CORE::color> colors;
-  for (renderChunk* c : m.edgeChunks) {
-    pos.clear();
-    colors.clear();
-    for (unsigned int e : c->items) {
-      const CORE::color col = m.isEdgeSelected(e) ? m.edgeSelectionColor : m.currentEdgeColor;
-      for (unsigned int k = 0; k < 2; ++k) {
-        pos.push_back(m.vPos(m.eV(e, k)));
-        colors.push_back(col);
-      }
-    }
-    c->vertexCount = unsigned(pos.size());
-    device->cacheVertexBufferElement(&c->buffer, VC::POS3, pos.data(), c->vertexCount);
-    device->cacheVertexBufferElement(&c->buffer, VC::COLOR, colors.data(), c->vertexCount);
-    ++counts.edgeChunks;
-  }
+  counts.edgeChunks += buildColoredChunks(
+      m.edgeChunks, device, m.en(), chunkLimit(m),
+      [&](unsigned e) { return m.edgeIsDeleted(e) ? 0u : 2u; },
+      [&](unsigned e, std::vector<p3>& pos, std::vector<CORE::color>& colors) {
+        const CORE::color col = m.isEdgeSelected(e) ? m.edgeSelectionColor : m.currentEdgeColor;
+        for (unsigned int k = 0; k < 2; ++k) {
+          pos.push_back(m.vPos(m.eV(e, k)));
+          colors.push_back(col);
+        }
+      });
   m.edgeRenderStateValid = true;
 }
 
 void buildPointChunks(editMesh& m, RENDERING::renderer* device, renderCacheCounts& counts) {
-  std::vector<unsigned> names;
-  deleteList(m.vertChunks, device, true, names);
-  buildRangeChunks(m.vertChunks, m.vn(), chunkLimit(m), VC::POS3 | VC::COLOR,
-                   [&](unsigned v) { return m.isVertDeleted(v) ? 0u : 1u; });
-  std::vector<p3> pos;
-  std::vector<CORE::color> colors;
-  for (renderChunk* c : m.vertChunks) {
-    pos.clear();
-    colors.clear();
-    for (unsigned int v : c->items) {
-      pos.push_back(m.vPos(v));
-      colors.push_back(m.isVertSelected(v) ? m.vertexSelectionColor : m.currentVertexColor);
-    }
-    c->vertexCount = unsigned(pos.size());
-    device->cacheVertexBufferElement(&c->buffer, VC::POS3, pos.data(), c->vertexCount);
-    device->cacheVertexBufferElement(&c->buffer, VC::COLOR, colors.data(), c->vertexCount);
-    ++counts.pointChunks;
-  }
+  counts.pointChunks += buildColoredChunks(
+      m.vertChunks, device, m.vn(), chunkLimit(m),
+      [&](unsigned v) { return m.isVertDeleted(v) ? 0u : 1u; },
+      [&](unsigned v, std::vector<p3>& pos, std::vector<CORE::color>& colors) {
+        pos.push_back(m.vPos(v));
+        colors.push_back(m.isVertSelected(v) ? m.vertexSelectionColor : m.currentVertexColor);
+      });
   m.vertexRenderStateValid = true;
 }
 
