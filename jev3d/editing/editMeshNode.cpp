@@ -41,14 +41,14 @@ editMeshNode::editMeshNode(RENDERING::renderer* renderer)
     : editableObject(true), meshInterfaceDLL(mesh), device(renderer) {
   faceSelectionColor.V() = mesh.faceSelectionColor;
   faceSelectionColor.registerEventOnChangeValue(
-      SYSTEM::makeDelegate(this, &editMeshNode::faceSelectionColorChanged));
+      SYSTEM::makeDelegate(this, &editMeshNode::faceSelectionColorValueChangeDelegate));
   builtEdgeColor = mesh.currentEdgeColor;
 }
 
 editMeshNode::editMeshNode(const editMeshNode& other)
     : editableObject(true), meshInterfaceDLL(mesh), device(other.device.load()) {
   faceSelectionColor.registerEventOnChangeValue(
-      SYSTEM::makeDelegate(this, &editMeshNode::faceSelectionColorChanged));
+      SYSTEM::makeDelegate(this, &editMeshNode::faceSelectionColorValueChangeDelegate));
   *this = other;
 }
 
@@ -87,7 +87,7 @@ SYSTEM::mutex& editMeshNode::renderMutex() {
   return *m;
 }
 
-void editMeshNode::faceSelectionColorChanged() {
+void editMeshNode::faceSelectionColorValueChangeDelegate() {
   mesh.setFaceSelectionColor(faceSelectionColor.cV());
   mesh.selectionRenderStateValid = false;
 }

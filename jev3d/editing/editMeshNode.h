@@ -78,7 +78,10 @@ class editMeshNode : public editableObject, public meshInterfaceDLL {
   void computeBBox() { mesh.computeBBox(); }
   void computeVABBTree(unsigned int leafSize = 8) { mesh.computeVABBTree(leafSize); }
   void computeFABBTree(unsigned int leafSize = 8) { mesh.computeFABBTree(leafSize); }
-  void reverseFaceOrder() { mesh.flipNormals(); }
+  void reverseFaceOrder() {
+    mesh.reverseFaceOrder();
+    invalidateRenderData();
+  }
   // Tells the node which faces an edit changed: their render data and edge flags go stale.
   void updateFaces(const std::vector<unsigned int>& faces);
   // Applies m to every vertex (normals by its rotation) and marks the geometry stale.
@@ -186,7 +189,7 @@ class editMeshNode : public editableObject, public meshInterfaceDLL {
   void discardRenderChunks();
   // The drawing mutex, made on first use by whichever side comes first.
   SYSTEM::mutex& renderMutex();
-  void faceSelectionColorChanged();
+  void faceSelectionColorValueChangeDelegate();
   // Replaces the mesh by a finished copy (edges, VE, normals, box) and drops the cache.
   void adoptMesh(editMesh& built);
 

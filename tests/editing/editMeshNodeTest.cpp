@@ -395,6 +395,10 @@ TEST(editMeshNodeFactories, buildWhatTheyNameAndRefuseTooLittle) {
   EXPECT_EQ(node.getEditMesh().vn(), 2u);
   EXPECT_EQ(node.getEditMesh().fn(), 0u);
   EXPECT_FALSE(node.makeMeshFromAxisAlignedBox3f(p3(0, 0, 0), p3(0, 1, 1)));
+  ASSERT_TRUE(node.makeMeshFromAxisAlignedBox3f(p3(-1, -1, -1), p3(1, 1, 1)));
+  node.reverseFaceOrder();
+  EXPECT_NEAR(testMeshes::signedVolume(node.getEditMesh()), -8.0, 1e-5);
+  EXPECT_EQ(node.getEditMesh().checkInvariants(), "");
 
   editMeshNode grid, part;
   testMeshes::makeGrid(grid.getEditMesh(), 3, 3, true);
