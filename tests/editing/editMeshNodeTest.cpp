@@ -13,6 +13,7 @@
 #include "jev3d/renderer/renderingContext.h"
 #include "jev3d/renderer/transformStack.h"
 #include "jev3d/renderer/vertexDeclaration.h"
+#include "support/dataFiles.h"
 #include "support/meshes.h"
 #include "support/recordingRenderer.h"
 #include "support/tempDir.h"
@@ -437,4 +438,45 @@ TEST(editMeshNodeCleaning, degenerateFacesAndSmallPiecesGo) {
   EXPECT_EQ(testMeshes::borderEdges(sphere.getEditMesh()), 0u);
   EXPECT_NEAR(testMeshes::signedVolume(sphere.getEditMesh()), volume, 0.15 * volume);
   EXPECT_EQ(sphere.getEditMesh().checkInvariants(), "");
+}
+
+TEST(editMeshNodeScans, aRealScanLoadsDrawsWholeAndKeepsItsFacesThroughEm2) {
+  JEV3D_REQUIRE_DATA("ply/stanford_bun_zipper.ply");
+  tempDir dir;
+  editMeshNode node;
+  ASSERT_TRUE(node.load(dataFile("ply/stanford_bun_zipper.ply")));
+  const editMesh& m = node.getEditMesh();
+  EXPECT_EQ(m.fn(), 69451u);
+  EXPECT_EQ(m.checkInvariants(), "");
+  recordingRenderer device;
+  renderingContext rc{&device, nullptr};
+  node.enableEdgeModeDisplay();
+  node.render(&rc);
+  unsigned int soup = 0, lines = 0;
+  for (const std::string& c : device.only("renderGeometry 3"))
+    soup += std::stoul(c.substr(c.rfind(' ') + 1));
+  for (const std::string& c : device.only("renderGeometry 1"))
+    lines += std::stoul(c.substr(c.rfind(' ') + 1));
+  EXPECT_EQ(soup, 3 * 69451u);
+  EXPECT_EQ(lines, 2 * testMeshes::liveEdges(m));
+  EXPECT_GE(m.renderChunks.size(), 3 * 69451u / m.chunkVertexLimit);
+
+  ASSERT_TRUE(node.save(dir.file("bunny.em2")));
+  editMeshNode back;
+  ASSERT_TRUE(back.load(dir.file("bunny.em2")));
+  EXPECT_EQ(back.getEditMesh().fn(), 69451u);
+  // Every live vertex comes back, the scan's unused ones too.
+  EXPECT_EQ(back.getEditMesh().vn(), m.vn());
+  EXPECT_EQ(back.getEditMesh().checkInvariants(), "");
+}
+
+TEST(editMeshNodeScans, stlFilesWeldTheirCornersAndBadOnesAreRefused) {
+  JEV3D_REQUIRE_DATA("stl/assimp_Spider_binary.stl");
+  editMeshNode node;
+  ASSERT_TRUE(node.load(dataFile("stl/assimp_Spider_binary.stl")));
+  EXPECT_EQ(node.getEditMesh().vn(), 722u);
+  EXPECT_EQ(node.getEditMesh().checkInvariants(), "");
+  const unsigned faces = node.getEditMesh().fn();
+  EXPECT_FALSE(node.load(dataFile("stl/openscad_unparseable.stl")));
+  EXPECT_EQ(node.getEditMesh().fn(), faces);
 }
