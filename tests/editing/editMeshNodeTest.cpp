@@ -366,6 +366,16 @@ TEST(editMeshNodeFiles, em2KeepsTheMeshAndRefusesAWrongVersionOrATruncatedFile) 
   EXPECT_FALSE(untouched.load(writeBytes("corner.em2", badCorner)));
   EXPECT_EQ(untouched.getEditMesh().vn(), 8u);
   EXPECT_FALSE(untouched.load(dir.file("missing.em2")));
+  // Any byte of the header, the vertices or the counts overwritten: a load either fails
+  // or gives a consistent mesh, never anything else.
+  for (size_t at = 0; at < firstCorner + 8; ++at) {
+    std::string flipped = bytes;
+    flipped[at] = char(~flipped[at]);
+    editMeshNode probe;
+    if (probe.load(writeBytes("flip.em2", flipped))) {
+      EXPECT_EQ(probe.getEditMesh().checkInvariants(), "") << at;
+    }
+  }
 }
 
 TEST(editMeshNodeFiles, plyAndStlRoundTripsKeepAClosedSolid) {
