@@ -387,24 +387,60 @@ bool editMeshNode::pickRay(RENDERING::renderingContext* rc, int x, int y, MATH::
   return getRayIntersect(origin, direction, hit, point);
 }
 
+namespace {
+
+// Window rectangle tests of object points under the device's camera and viewport.
+class windowRect {
+ public:
+  windowRect(RENDERING::renderer* r, const MATH::matrix4<float>& placed, int x0, int y0, int x1,
+             int y1)
+      : device(r),
+        transform(placed),
+        lowX(float(std::min(x0, x1))),
+        highX(float(std::max(x0, x1))),
+        lowY(float(std::min(y0, y1))),
+        highY(float(std::max(y0, y1))) {}
+  bool contains(const p3& object) const {
+    p3 window;
+    if (!RENDERING::renderer::project(object, transform, device->getCurrentCameraState(),
+                                      device->getCurrentViewportState(), window))
+      return false;
+    return window.x >= lowX && window.x <= highX && window.y >= lowY && window.y <= highY;
+  }
+
+ private:
+  RENDERING::renderer* device;
+  const RENDERING::transformState transform;
+  float lowX, highX, lowY, highY;
+};
+
+}  // namespace
+
 unsigned int editMeshNode::selectFaceWithRect2D(RENDERING::renderingContext* rc, int x0, int y0,
                                                 int x1, int y1, bool select) {
   if (!rc || !rc->getRenderer()) return 0;
-  RENDERING::renderer* r = rc->getRenderer();
-  const RENDERING::transformState placed(getTransformMatrix());
-  const float lowX = float(std::min(x0, x1)), highX = float(std::max(x0, x1));
-  const float lowY = float(std::min(y0, y1)), highY = float(std::max(y0, y1));
+  const windowRect rect(rc->getRenderer(), getTransformMatrix(), x0, y0, x1, y1);
   unsigned int changed = 0;
   for (unsigned int f = 0; f < mesh.fn(); ++f) {
     if (mesh.isFaceDeleted(f) || mesh.fVNum(f) == 0 || mesh.isFaceSelected(f) == select) continue;
-    p3 centre(0.f, 0.f, 0.f), window;
+    p3 centre(0.f, 0.f, 0.f);
     for (unsigned int i = 0; i < mesh.fVNum(f); ++i) centre = centre + mesh.F2VPOS(f, i);
-    centre = centre / float(mesh.fVNum(f));
-    if (!RENDERING::renderer::project(centre, placed, r->getCurrentCameraState(),
-                                      r->getCurrentViewportState(), window))
-      continue;
-    if (window.x < lowX || window.x > highX || window.y < lowY || window.y > highY) continue;
+    if (!rect.contains(centre / float(mesh.fVNum(f)))) continue;
     select ? selectFace(f) : deselectFace(f);
+    ++changed;
+  }
+  return changed;
+}
+
+unsigned int editMeshNode::selectVertWithRect2D(RENDERING::renderingContext* rc, int x0, int y0,
+                                                int x1, int y1, bool select) {
+  if (!rc || !rc->getRenderer()) return 0;
+  const windowRect rect(rc->getRenderer(), getTransformMatrix(), x0, y0, x1, y1);
+  unsigned int changed = 0;
+  for (unsigned int v = 0; v < mesh.vn(); ++v) {
+    if (mesh.isVertDeleted(v) || mesh.isVertSelected(v) == select || !rect.contains(mesh.vPos(v)))
+      continue;
+    select ? selectVert(v) : deselectVert(v);
     ++changed;
   }
   return changed;

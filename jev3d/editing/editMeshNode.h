@@ -140,6 +140,9 @@ class editMeshNode : public editableObject, public meshInterfaceDLL {
   // rectangle; returns how many changed.
   unsigned int selectFaceWithRect2D(RENDERING::renderingContext* rc, int x0, int y0, int x1, int y1,
                                     bool select = true);
+  // The same for live vertices.
+  unsigned int selectVertWithRect2D(RENDERING::renderingContext* rc, int x0, int y0, int x1, int y1,
+                                    bool select = true);
 
   // Measures and cleaning, forwarded to the algorithms
   unsigned int removeDegenerateFace();

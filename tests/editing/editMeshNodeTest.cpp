@@ -327,6 +327,37 @@ TEST_F(nodeFixture, picksTheFaceUnderARayThroughThePlacedNode) {
   EXPECT_FALSE(node.getRayIntersect(p3(0.f, 0.f, 5.f), p3(0.f, 0.f, -1.f), hit, point));
 }
 
+TEST(editMeshNodePicking, windowRectanglesAndPixelsSelectWhatTheyCover) {
+  recordingRenderer device;  // identity camera, viewport 320 x 240
+  renderingContext rc{&device, nullptr};
+  editMeshNode node;
+  testMeshes::makeGrid(node.getEditMesh(), 4, 3, true);
+  testMeshes::finishMesh(node.getEditMesh());
+  JEV::MATH::matrix4<float> placed = JEV::MATH::matrix4<float>::getScale(0.4f, 0.4f, 0.4f);
+  placed[12] = -0.8f;
+  placed[13] = -0.5f;
+  node.setTransformMatrix(placed);
+  // Face centres lie at x -0.6, -0.2, 0.2, 0.6 and y -0.3, 0.1, 0.5: the upper right
+  // quarter of the window holds four of them.
+  EXPECT_EQ(node.selectFaceWithRect2D(&rc, 320, 240, 160, 120), 4u);
+  for (unsigned f : {6u, 7u, 10u, 11u}) EXPECT_TRUE(node.getEditMesh().isFaceSelected(f)) << f;
+  EXPECT_EQ(node.getSelFn(), 4u);
+  EXPECT_EQ(node.selectFaceWithRect2D(&rc, 160, 120, 320, 240, false), 4u);
+  EXPECT_EQ(node.getSelFn(), 0u);
+  EXPECT_EQ(node.getEditMesh().checkInvariants(), "");
+  // Vertices at x -0.8 .. 0.8 by 0.4 and y -0.5 .. 0.7 by 0.4: x 0.4, 0.8 and y 0.3, 0.7.
+  EXPECT_EQ(node.selectVertWithRect2D(&rc, 161, 121, 320, 240), 4u);
+  EXPECT_EQ(node.getEditMesh().getSelVn(), 4u);
+
+  // The pixel over the centre of face 11 (x 0.6, y 0.5).
+  JEV::MATH::rayHit hit;
+  p3 point;
+  ASSERT_TRUE(node.pickRay(&rc, 256, 180, hit, point));
+  EXPECT_EQ(hit.face, 11u);
+  EXPECT_NEAR(point.x, 0.6f, 1e-3);
+  EXPECT_FALSE(node.pickRay(&rc, 5, 235, hit, point));
+}
+
 TEST(editMeshNodeFiles, em2KeepsTheMeshAndRefusesAWrongVersionOrATruncatedFile) {
   tempDir dir;
   editMeshNode node, back;
