@@ -141,7 +141,15 @@ void triMesh::buildFrom(const std::vector<triMesh*>& meshes) {
   buildFrom(std::vector<meshInterface*>(meshes.begin(), meshes.end()));
 }
 
-void triMesh::buildFrom(const std::vector<meshInterface*>& meshes) {
+void triMesh::buildFrom(const std::vector<meshInterface*>& list) {
+  // This mesh among the parts is read from a copy, as it is emptied first.
+  std::vector<meshInterface*> meshes = list;
+  std::unique_ptr<triMesh> self;
+  for (meshInterface*& m : meshes)
+    if (m == this) {
+      if (!self) self = std::make_unique<triMesh>(*this);
+      m = self.get();
+    }
   clear();
   bool allNormals = true, allColors = true;
   for (const meshInterface* m : meshes)
@@ -153,6 +161,11 @@ void triMesh::buildFrom(const std::vector<meshInterface*>& meshes) {
 }
 
 void triMesh::add(const meshInterface& other) {
+  if (&other == this) {  // the loops below would chase the vertices they append
+    const triMesh copy(*this);
+    add(copy);
+    return;
+  }
   const unsigned int base = vn();
   const bool keepNormals = other.hasVN() && (base == 0 || hasVN());
   const bool keepColors = other.hasVC() && (base == 0 || hasVC());

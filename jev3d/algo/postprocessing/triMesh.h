@@ -218,6 +218,10 @@ class triMesh : public meshInterface {
   // compacted. removeFace is the compaction itself: faces whose mark is non-zero go
   // (a short mark list counts as zeros), in one pass with a remap table.
   unsigned int removeFace(const std::vector<unsigned char>& marks);
+  // The same, with remap[f] the new id of face f, NONE for a removed one. Face-face
+  // adjacency, when built, is carried through the table instead of being dropped.
+  unsigned int removeFace(const std::vector<unsigned char>& marks,
+                          std::vector<unsigned int>& remap);
   unsigned int removeUnReferenceVertex();
   // Welds vertices of bit-identical positions (0 and -0 apart), keeping the first of
   // each and its normal and colour; faces are renamed.

@@ -45,26 +45,78 @@ inline uint64_t hashPosition(const point3<float>& p) {
   return h ^ (h >> 29);
 }
 
+// Labels id on every face reached from seed across the FF links that crosses(face,
+// edge) allows, skipping labelled faces; returns how many it labelled.
+template <class Crosses>
+unsigned int flood(const std::vector<unsigned int>& ff, unsigned int seed, unsigned int id,
+                   std::vector<unsigned int>& label, std::vector<unsigned int>& stack,
+                   Crosses crosses) {
+  unsigned int count = 0;
+  label[seed] = id;
+  stack.assign(1, seed);
+  while (!stack.empty()) {
+    const unsigned int g = stack.back();
+    stack.pop_back();
+    ++count;
+    for (unsigned int i = 0; i < 3; ++i) {
+      const unsigned int w = ff[3 * size_t(g) + i];
+      if (w == triMesh::NONE || label[w / 3] != triMesh::NONE || !crosses(g, i)) continue;
+      label[w / 3] = id;
+      stack.push_back(w / 3);
+    }
+  }
+  return count;
+}
+
 }  // namespace
 
 unsigned int triMesh::removeFace(const std::vector<unsigned char>& marks) {
+  std::vector<unsigned int> remap;
+  return removeFace(marks, remap);
+}
+
+unsigned int triMesh::removeFace(const std::vector<unsigned char>& marks,
+                                 std::vector<unsigned int>& remap) {
   const unsigned int n = fn();
-  const bool carryNormals = hasFN(), carryFlags = hasFaceFlags();
-  unsigned int out = 0;
-  for (unsigned int f = 0; f < n; ++f) {
-    if (f < marks.size() && marks[f]) continue;
-    if (out != f) {
-      std::memcpy(&faces[3 * size_t(out)], &faces[3 * size_t(f)], 3 * sizeof(unsigned int));
-      if (carryNormals) faceNormals[out] = faceNormals[f];
-      if (carryFlags) faceFlags[out] = faceFlags[f];
+  remap.assign(n, NONE);
+  unsigned int kept = 0;
+  for (unsigned int f = 0; f < n; ++f)
+    if (!(f < marks.size() && marks[f])) remap[f] = kept++;
+  // Face-face links survive through the table: a link to a removed face passes on along
+  // its edge's ring to the next kept face, or becomes a border when none is left.
+  const bool carryLinks = hasFF();
+  if (carryLinks) {
+    std::vector<unsigned int> links(3 * size_t(kept));
+    for (unsigned int f = 0; f < n; ++f) {
+      if (remap[f] == NONE) continue;
+      for (unsigned int i = 0; i < 3; ++i) {
+        const unsigned int self = 3 * f + i;
+        unsigned int w = ff[self];
+        for (unsigned int steps = 0; w != NONE && w != self && remap[w / 3] == NONE && steps < n;
+             ++steps)
+          w = ff[w];
+        links[3 * size_t(remap[f]) + i] =
+            w == NONE || w == self || remap[w / 3] == NONE ? NONE : 3 * remap[w / 3] + w % 3;
+      }
     }
-    ++out;
+    ff.swap(links);
   }
-  faces.resize(3 * size_t(out));
-  if (carryNormals) faceNormals.resize(out);
-  if (carryFlags) faceFlags.resize(out);
+  const bool carryNormals = hasFN(), carryFlags = hasFaceFlags();
+  for (unsigned int f = 0; f < n; ++f) {
+    const unsigned int to = remap[f];
+    if (to == NONE || to == f) continue;
+    std::memcpy(&faces[3 * size_t(to)], &faces[3 * size_t(f)], 3 * sizeof(unsigned int));
+    if (carryNormals) faceNormals[to] = faceNormals[f];
+    if (carryFlags) faceFlags[to] = faceFlags[f];
+  }
+  faces.resize(3 * size_t(kept));
+  if (carryNormals) faceNormals.resize(kept);
+  if (carryFlags) faceFlags.resize(kept);
+  std::vector<unsigned int> links;
+  if (carryLinks) links.swap(ff);
   facesChanged();
-  return n - out;
+  if (carryLinks) ff.swap(links);
+  return n - kept;
 }
 
 unsigned int triMesh::keepVertices(const std::vector<unsigned char>& keep) {
@@ -85,7 +137,6 @@ unsigned int triMesh::keepVertices(const std::vector<unsigned char>& keep) {
   if (c) colors.resize(out);
   for (unsigned int& i : faces) i = i < map.size() ? map[i] : NONE;
   positionsChanged();
-  ff.clear();
   return dropped;
 }
 
@@ -122,6 +173,7 @@ unsigned int triMesh::removeDuplicateVertices(SYSTEM::callBack* cb) {
   report(cb, 50.f);
   for (unsigned int& i : faces)
     if (i < nv) i = map[i];
+  ff.clear();  // welding joins faces that did not meet
   const unsigned int removed = keepVertices(keep);
   report(cb, 100.f);
   return removed;
@@ -226,22 +278,10 @@ unsigned int triMesh::removeNotManifoldVertices() {
     for (unsigned int k = start[v]; k < start[v + 1]; ++k) {
       const unsigned int f0 = wedges[k] / 3;
       if (fan[f0] != NONE) continue;
-      const unsigned int id = unsigned(sizes.size());
-      sizes.push_back(0);
-      fan[f0] = id;
-      stack.assign(1, f0);
-      while (!stack.empty()) {
-        const unsigned int g = stack.back();
-        stack.pop_back();
-        ++sizes[id];
-        for (unsigned int i = 0; i < 3; ++i) {
-          if (fV(g, i) != v && fV(g, (i + 1) % 3) != v) continue;  // edge not at v
-          const unsigned int w = ff[3 * g + i];
-          if (w == NONE || fan[w / 3] != NONE) continue;
-          fan[w / 3] = id;
-          stack.push_back(w / 3);
-        }
-      }
+      sizes.push_back(
+          flood(ff, f0, unsigned(sizes.size()), fan, stack, [&](unsigned int g, unsigned int i) {
+            return fV(g, i) == v || fV(g, (i + 1) % 3) == v;  // only edges at v
+          }));
     }
     if (sizes.size() > 1) {
       const unsigned int largest =
@@ -262,22 +302,8 @@ unsigned int triMesh::getIsolatePieces(std::vector<unsigned int>& piece,
   std::vector<unsigned int> stack;
   for (unsigned int f = 0; f < fn(); ++f) {
     if (piece[f] != NONE) continue;
-    const unsigned int id = unsigned(sizes.size());
-    sizes.push_back(0);
-    piece[f] = id;
-    stack.assign(1, f);
-    while (!stack.empty()) {
-      const unsigned int g = stack.back();
-      stack.pop_back();
-      ++sizes[id];
-      for (unsigned int i = 0; i < 3; ++i) {
-        const unsigned int w = ff[3 * size_t(g) + i];
-        if (w != NONE && piece[w / 3] == NONE) {
-          piece[w / 3] = id;
-          stack.push_back(w / 3);
-        }
-      }
-    }
+    sizes.push_back(flood(ff, f, unsigned(sizes.size()), piece, stack,
+                          [](unsigned int, unsigned int) { return true; }));
   }
   return unsigned(sizes.size());
 }

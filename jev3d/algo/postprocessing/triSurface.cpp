@@ -28,6 +28,15 @@ bool validFace(const triSurface::face& f, size_t nv) {
   return true;
 }
 
+// Calls side(a, b) for the three sides of every face whose corners are in range.
+template <class Side>
+void forEachSide(const std::vector<triSurface::face>& faces, size_t nv, Side side) {
+  for (const triSurface::face& f : faces) {
+    if (!validFace(f, nv)) continue;
+    for (size_t i = 0; i < 3; ++i) side(size_t(f[i]), size_t(f[(i + 1) % 3]));
+  }
+}
+
 }  // namespace
 
 triSurface::triSurface() : diagnostics(&std::cout) {}
@@ -156,16 +165,12 @@ void triSurface::needCurvatures() {
   std::vector<point3<float>> sum(nv);
   std::vector<float> len2(nv, 0.f);
   std::vector<int> count(nv, 0);
-  for (const face& f : faces) {
-    if (!validFace(f, nv)) continue;
-    for (int i = 0; i < 3; ++i) {
-      const size_t a = size_t(f[size_t(i)]), b = size_t(f[size_t((i + 1) % 3)]);
-      const float d = (vertices[a] - vertices[b]).squaredNorm();
-      sum[a] += vertices[b], sum[b] += vertices[a];
-      len2[a] += d, len2[b] += d;
-      ++count[a], ++count[b];
-    }
-  }
+  forEachSide(faces, nv, [&](size_t a, size_t b) {
+    const float d = (vertices[a] - vertices[b]).squaredNorm();
+    sum[a] += vertices[b], sum[b] += vertices[a];
+    len2[a] += d, len2[b] += d;
+    ++count[a], ++count[b];
+  });
   curvature.assign(nv, 0.f);
   for (size_t v = 0; v < nv; ++v) {
     if (!count[v] || len2[v] <= 0.f) continue;
@@ -182,17 +187,13 @@ void triSurface::needDCurv() {
   const size_t nv = vertices.size();
   std::vector<float> sum(nv, 0.f);
   std::vector<int> count(nv, 0);
-  for (const face& f : faces) {
-    if (!validFace(f, nv)) continue;
-    for (int i = 0; i < 3; ++i) {
-      const size_t a = size_t(f[size_t(i)]), b = size_t(f[size_t((i + 1) % 3)]);
-      const float len = (vertices[a] - vertices[b]).norm();
-      if (len <= 0.f) continue;
-      const float rate = std::abs(curvature[a] - curvature[b]) / len;
-      sum[a] += rate, sum[b] += rate;
-      ++count[a], ++count[b];
-    }
-  }
+  forEachSide(faces, nv, [&](size_t a, size_t b) {
+    const float len = (vertices[a] - vertices[b]).norm();
+    if (len <= 0.f) return;
+    const float rate = std::abs(curvature[a] - curvature[b]) / len;
+    sum[a] += rate, sum[b] += rate;
+    ++count[a], ++count[b];
+  });
   dcurv.assign(nv, 0.f);
   for (size_t v = 0; v < nv; ++v)
     if (count[v]) dcurv[v] = sum[v] / float(count[v]);

@@ -203,6 +203,7 @@ bool renderGL::emptyDiscardList() {
   textureDiscardLock.wait(SYSTEM::INFINITE);
   for (unsigned n : textureDiscardList) {
     if (glIsTexture(n)) glDeleteTextures(1, &n);
+    unbookTexture(n);
   }
   textureDiscardList.clear();
   textureDiscardLock.release();

@@ -57,19 +57,30 @@ bool renderGL::cacheTexture(TEXTURE::texture* t) {
   glTexParameterf(GL_TEXTURE_2D, GL_TEXTURE_PRIORITY, priority);
   glBindTexture(GL_TEXTURE_2D, 0);
   t->setDeviceNames({name});
-  textureMemoryUsed += bookedBytes(*t);
+  bookTexture(name, bookedBytes(*t));
   return true;
 }
 
 bool renderGL::discardTexture(TEXTURE::texture* t) {
   if (!t || !makeCurrentContext(false)) return false;
   for (unsigned name : t->getDeviceNames()) {
-    if (!glIsTexture(name)) continue;
-    glDeleteTextures(1, &name);
-    textureMemoryUsed -= bookedBytes(*t);
+    if (glIsTexture(name)) glDeleteTextures(1, &name);
+    unbookTexture(name);
   }
   t->setDeviceNames({});
   return true;
+}
+
+void renderGL::bookTexture(unsigned name, uint32_t bytes) {
+  textureBooking[name] = bytes;
+  textureMemoryUsed += bytes;
+}
+
+void renderGL::unbookTexture(unsigned name) {
+  const auto booked = textureBooking.find(name);
+  if (booked == textureBooking.end()) return;
+  textureMemoryUsed -= booked->second;
+  textureBooking.erase(booked);
 }
 
 bool renderGL::updateTexture(TEXTURE::texture* t, const void* pixels) {

@@ -67,6 +67,14 @@ TEST(triMeshBuilding, MergesPartsAndImportsPolygons) {
   EXPECT_NEAR(volume(both), volume(a) + volume(b), 1e-5);
   std::vector<unsigned> piece, sizes;
   EXPECT_EQ(both.getIsolatePieces(piece, sizes), 2u);
+  // A mesh added to itself doubles, and so does one built from itself twice.
+  triMesh twice = a;
+  twice.add(twice);
+  EXPECT_EQ(twice.fn(), 2 * a.fn());
+  triMesh built = a;
+  built.buildFrom(std::vector<triMesh*>{&built, &built});
+  EXPECT_EQ(built.fn(), 2 * a.fn());
+  EXPECT_NEAR(volume(twice), 2 * volume(a), 1e-5);
   // An edit mesh with a deleted face and quads comes in as triangles.
   JEV::MESH::editMesh e;
   e.makeCube();
@@ -135,6 +143,24 @@ TEST(triMeshFilters, RemoveFaceCompactsWithFlagsAndNormals) {
   EXPECT_EQ(m.fV1(5), last[1]);
   EXPECT_EQ(m.fV2(5), last[2]);
   EXPECT_FALSE(m.hasFF());
+  // Built adjacency is carried through the remap table, rings included.
+  for (unsigned k = 0; k < 3; ++k) {
+    m.addVertex(p3(0.5f, 0.5f, 1.f + float(k)));
+    m.addFace(m.fV0(0), m.fV1(0), m.vn() - 1);  // three more faces on face 0's first edge
+  }
+  m.computeFaceFaceTopology();
+  std::vector<unsigned> remap;
+  EXPECT_EQ(m.removeFace({0, 1, 0, 1, 0, 0, 0, 1}, remap), 3u);
+  EXPECT_EQ(remap[0], 0u);
+  EXPECT_EQ(remap[1], triMesh::NONE);
+  EXPECT_EQ(remap[2], 1u);
+  ASSERT_TRUE(m.hasFF());
+  std::vector<unsigned> carried;
+  for (unsigned f = 0; f < m.fn(); ++f)
+    for (unsigned i = 0; i < 3; ++i) carried.push_back(m.f2f(f, i));
+  m.computeFaceFaceTopology();
+  for (unsigned f = 0; f < m.fn(); ++f)
+    for (unsigned i = 0; i < 3; ++i) EXPECT_EQ(carried[3 * f + i], m.f2f(f, i)) << f << " " << i;
 }
 
 TEST(triMeshFilters, ConfidenceKeepsWhatFacesTheScanner) {
@@ -374,4 +400,58 @@ TEST(triMeshTransforms, MatrixBoxesColoursAndTheInertRenderHook) {
   EXPECT_FALSE(m.cache());
   EXPECT_FALSE(m.isCached());
   m.discard(), m.draw(), m.render(nullptr), m.updateRenderMatrix();
+}
+
+TEST(triMeshBadData, OutOfRangeCornersAndLooseVerticesAreSurvivedEverywhere) {
+  // A sphere with two faces pointing past the vertices and three vertices no face uses.
+  auto broken = [] {
+    triMesh m;
+    m.makeSphere(1.f, 8, 10);
+    m.addFace(0, 1, 4000000000u);
+    m.addFace(7000, 2, 3);
+    m.addVertex(p3(9, 9, 9)), m.addVertex(p3(8, 9, 9)), m.addVertex(p3(9, 8, 9));
+    return m;
+  };
+  triMesh m = broken();
+  const unsigned good = m.fn() - 2;
+  m.computeVertexFaceNormalizedNormals(true);
+  m.computeFaceFaceTopology();
+  EXPECT_EQ(m.f2fNum(good), 0u);  // a bad face has no neighbours
+  std::vector<unsigned> piece, sizes;
+  EXPECT_EQ(m.getIsolatePieces(piece, sizes), 3u);  // the sphere and the two bad faces
+  m.laplacianSmoothing(2);
+  m.hCLaplacianSmoothing(2);
+  m.selectFacesWithSphere(JEV::MATH::sphere3<float>(p3(0, 0, 0), 5.f));
+  EXPECT_EQ(m.getSelectedFaceCount(), good);
+  m.computeFABBTree();
+  m.computeVABBTree();
+  unsigned face = 0;
+  p3 hit;
+  EXPECT_TRUE(m.getRayIntersect(ray3<float>(p3(0, 0, 5), p3(0, 0, -1)), face, hit));
+  std::vector<p3> segments;
+  EXPECT_GT(m.getPlaneIntersect(plane3<float>(p3(0, 0, 1), 0.f), segments), 0u);
+  triMesh part;
+  m.subset({good, good + 1, 0}, part);
+  EXPECT_EQ(part.fn(), 1u);
+  triMesh copy;
+  copy.importFrom(m);  // bad faces are dropped on the way in
+  EXPECT_EQ(copy.fn(), good);
+  EXPECT_EQ(m.removeNotManifoldVertices(), 0u);
+  EXPECT_EQ(m.removeNotManifoldFlagFaces(), 0u);
+  EXPECT_EQ(m.removeDuplicateFaces(), 0u);
+  // Filters that measure leave a face they cannot measure to removeDegenerateFace.
+  EXPECT_EQ(m.removeFaceOutOfRangeArea(0.f, 100.f), 0u);
+  m = broken();
+  EXPECT_EQ(m.removeFacesByConfidence(p3(0, 0, 1), 180.f), 0u);
+  EXPECT_EQ(m.removeDuplicateVertices(), 0u);
+  EXPECT_EQ(m.removeUnReferenceVertex(), 3u);
+  EXPECT_EQ(m.removeDegenerateFace(), 2u);
+  EXPECT_EQ(borderVertices(m), 0u);
+  m = broken();
+  EXPECT_GT(m.decimate(40), 0u);
+  EXPECT_LE(m.fn(), 40u);
+  m = broken();
+  m.reverseFaceOrder();
+  m.transform(matrix4<float>());
+  EXPECT_EQ(m.crop(2, 0.f) + m.fn(), good + 2);
 }

@@ -175,3 +175,30 @@ TEST(triSurfaceSteps, SphereCurvatureAndMeshRoundTrip) {
   EXPECT_EQ(back.getVertices(), sphere.getVertices());
   EXPECT_TRUE(back.hasVN());
 }
+
+TEST(triSurfaceBadData, FacesOutOfRangeAreSkippedByEveryStep) {
+  std::ostringstream out;
+  triSurface t;
+  makeGrid(t, 3, 1.f, out);
+  t.faces.push_back({0, 1, 99});
+  t.faces.push_back({-5, 1, 2});
+  t.needAcrossEdge();
+  t.needDCurv();
+  t.needPointAreas();
+  t.needBoundingSphere();
+  t.needTStrips();
+  triSurface::setRandomState(1);
+  EXPECT_FLOAT_EQ(t.featureSize(), 1.f);
+  t.subdivide();
+  EXPECT_EQ(t.faces.size(), 4u * 18u);
+  triMesh back;
+  t.toMesh(back);
+  EXPECT_EQ(back.fn(), 72u);
+  // Strips naming vertices that do not exist unpack to nothing.
+  triSurface s;
+  s.diagnostics = &out;
+  s.vertices.resize(3);
+  s.tstrips = {0, 1, 2, 7, -1, 5, 6, 8, -1};
+  s.needFaces();
+  EXPECT_EQ(s.faces.size(), 1u);
+}

@@ -245,6 +245,14 @@ TEST_F(glFixture, aTexturedQuadShowsItsTexturesColours) {
   EXPECT_EQ(blue.b, 255);
   EXPECT_EQ(blue.r + blue.g, 0);
   EXPECT_EQ(white.r + white.g + white.b, 765);
+
+  // A new picture hands the old device copy to the discard list: the next frame deletes
+  // it and takes its bytes off, and the picture is uploaded again at its next use.
+  picture->setImage(image);
+  EXPECT_FALSE(picture->isCached());
+  frame(unlit);
+  EXPECT_TRUE(picture->isCached());
+  EXPECT_EQ(gl.getTextureMemoryUsed(), 12u);
 }
 
 TEST_F(glFixture, scissorClipsAndAWireframeDrawsOverItsSurface) {
