@@ -107,34 +107,30 @@ scene& theScene() {
   return s;
 }
 
-void reportDifferences(benchmark::State& state, scene& s) {
-  unsigned differ = 0;
-  for (unsigned r = 0; r < rayCount; ++r) differ += s.nodeHit(r) != s.embreeHit(r);
-  state.counters["triangles"] = s.triangles;
-  state.counters["differingHits"] = differ;
+// One pass of all rays a repetition through `hit`, with the rate as a counter.
+template <class H>
+void castRays(benchmark::State& state, H hit) {
+  unsigned hits = 0;
+  for (auto _ : state) {
+    for (unsigned r = 0; r < rayCount; ++r) hits += hit(r) != ~0u;
+    benchmark::DoNotOptimize(hits);
+  }
   state.counters["rays/s"] = benchmark::Counter(double(rayCount) * double(state.iterations()),
                                                 benchmark::Counter::kIsRate);
 }
 
 void rays1M_jev3d(benchmark::State& state) {
   scene& s = theScene();
-  unsigned hits = 0;
-  for (auto _ : state) {
-    for (unsigned r = 0; r < rayCount; ++r) hits += s.nodeHit(r) != ~0u;
-    benchmark::DoNotOptimize(hits);
-  }
-  reportDifferences(state, s);
+  castRays(state, [&](unsigned r) { return s.nodeHit(r); });
+  unsigned differ = 0;
+  for (unsigned r = 0; r < rayCount; ++r) differ += s.nodeHit(r) != s.embreeHit(r);
+  state.counters["triangles"] = s.triangles;
+  state.counters["differingHits"] = differ;
 }
 
 void rays1M_embree(benchmark::State& state) {
   scene& s = theScene();
-  unsigned hits = 0;
-  for (auto _ : state) {
-    for (unsigned r = 0; r < rayCount; ++r) hits += s.embreeHit(r) != ~0u;
-    benchmark::DoNotOptimize(hits);
-  }
-  state.counters["rays/s"] = benchmark::Counter(double(rayCount) * double(state.iterations()),
-                                                benchmark::Counter::kIsRate);
+  castRays(state, [&](unsigned r) { return s.embreeHit(r); });
 }
 
 }  // namespace
