@@ -548,6 +548,9 @@ class editMesh {
   void setSelVn(unsigned int n) { selVn = n; }
   void setSelFvn(unsigned int n) { selFvn = n; }
   unsigned int getMaxSelFaceSize() const { return maxSelFaceSize; }
+  // Restore saved selection sums (undo); the counters have their own setters.
+  void setSelVertSum(const MATH::point3<float>& p) { selVertSum = p; }
+  void setSelVertNor(const MATH::point3<float>& p) { selVertNor = p; }
   const MATH::point3<float>& getSelVertSum() const { return selVertSum; }
   const MATH::point3<float>& getSelVertNor() const { return selVertNor; }
   // Mean position of the selected vertices; zero with none.

@@ -1,0 +1,164 @@
+// An editable node drawn by the OpenGL back end, read back pixel by pixel.
+#include <gtest/gtest.h>
+
+#include <cstdint>
+#include <vector>
+
+#include "jev3d/editing/editMeshNode.h"
+#include "jev3d/platform/messages.h"
+#include "jev3d/renderer/instancing/renderTargetInstance.h"
+#include "jev3d/renderer/renderStateStack.h"
+#include "jev3d/renderer/rendergl/renderGL.h"
+#include "jev3d/renderer/renderingContext.h"
+#include "jev3d/renderer/renderstate/colorMaterialstate.h"
+#include "jev3d/renderer/renderstate/lightstate.h"
+#include "renderer/rendergl/glWindow.h"
+#include "support/meshes.h"
+
+using namespace JEV::PLATFORM;
+using namespace JEV::RENDERING;
+using namespace JEV::RENDERING::RENDERSTATE;
+using JEV::CORE::color;
+using JEV::MESH::EDITING::editMeshNode;
+using point3f = JEV::MATH::point3<float>;
+using matrix4f = JEV::MATH::matrix4<float>;
+
+namespace {
+
+constexpr int size = 128;
+
+struct pixelFixture : ::testing::Test {
+  void SetUp() override {
+    window = current().createWindow(windowDescriptor{L"mesh", rect{10, 10, size, size}, {}},
+                                    ignoreMessages);
+    ASSERT_NE(window, 0u);
+    bool recreate = false;
+    ASSERT_TRUE(gl.createContext(window, recreate));
+    ASSERT_TRUE(gl.init());
+    current().showWindow(window, SW_SHOW);
+    ASSERT_TRUE(waitExposed(current()));
+    rc.windowWidth = size;
+    rc.windowHeight = size;
+    ASSERT_TRUE(gl.resetDevice(&rc));
+    // The device's copy of colour material starts as "ambient and diffuse" while GL
+    // starts with it off, so the node's state would never be sent: make them agree.
+    colorMaterialstate off(colorMaterialstate::COLOR_MATERIAL_OFF,
+                           colorMaterialstate::FACE_FRONT_AND_BACK);
+    gl.setColorMaterialState(off);
+    // A unit sphere at half size in the middle of the window, lit from the viewer's side
+    // (the identity camera looks along +z).
+    testMeshes::makeSphere(node.getEditMesh(), 16, 24);
+    testMeshes::finishMesh(node.getEditMesh());
+    node.setTransformMatrix(matrix4f::getScale(0.5f, 0.5f, 0.5f));
+    light.enable = true;
+    // Dim enough that no channel saturates, so that colours stay apart.
+    light.ambient = color(20, 20, 20, 255);
+    light.diffuse = color(110, 110, 110, 255);
+    light.specular = color(0, 0, 0, 255);
+    light.direction = point3f(0.f, 0.f, 1.f);
+    node.connect(&light, false);
+  }
+  void TearDown() override {
+    node.disconnect(&light);
+    node.discard();
+    rc.discard();
+    gl.deleteContext();
+    if (window) current().destroyWindow(window);
+  }
+
+  void frame() {
+    ASSERT_TRUE(gl.makeCurrentContext(false));
+    ASSERT_TRUE(gl.emptyDiscardList());
+    auto& target = rc.getRenderStateStack()->getCurrentRenderTargetState();
+    target.clearColour = color(0, 0, 0, 255);
+    gl.beginScene(target);
+    gl.clear(target);
+    light.render(&rc);
+    pixels.assign(size_t(size) * size * 4, 0);
+    ASSERT_TRUE(gl.readPixels(0, 0, size, size, renderer::PIXELDATA_RGBA,
+                              renderer::DATA_UNSIGNED_BYTE, pixels.data()));
+    gl.swapBuffers();
+  }
+  color at(int x, int y) const {
+    const std::uint8_t* p = pixels.data() + (size_t(y) * size + size_t(x)) * 4;
+    return color(p[0], p[1], p[2], 255);
+  }
+  // Pixels of exactly this colour (alpha aside).
+  int countOf(color c) const {
+    int n = 0;
+    for (int y = 0; y < size; ++y)
+      for (int x = 0; x < size; ++x) {
+        const color p = at(x, y);
+        n += p.r == c.r && p.g == c.g && p.b == c.b;
+      }
+    return n;
+  }
+
+  windowHandle window = 0;
+  renderGL gl;
+  renderingContext rc{&gl, nullptr};
+  lightstate light;
+  editMeshNode node;
+  std::vector<std::uint8_t> pixels;
+};
+
+}  // namespace
+
+TEST_F(pixelFixture, objectModeShowsALitSilhouetteWithoutWire) {
+  frame();
+  const color centre = at(size / 2, size / 2);
+  EXPECT_GT(int(centre.r) + centre.g + centre.b, 150);
+  EXPECT_EQ(int(centre.r), int(centre.g));  // white faces under white light
+  // Outside the half-size sphere is background.
+  EXPECT_EQ(int(at(size / 2 + int(0.3 * size), size / 2).r), 0);
+  EXPECT_EQ(int(at(4, 4).g), 0);
+  const color wire = node.getEditMesh().edgeColor;
+  EXPECT_EQ(countOf(wire), 0);
+}
+
+TEST_F(pixelFixture, eachModeDrawsItsWireAndPointsInTheirColours) {
+  const JEV::MESH::editMesh& m = node.getEditMesh();
+  node.enableEdgeModeDisplay();
+  frame();
+  EXPECT_GT(countOf(m.edgeColor), 50);
+  EXPECT_EQ(countOf(m.vertexColor), 0);
+  node.faceModeWireframe = true;
+  node.enableFaceModeDisplay();
+  frame();
+  EXPECT_GT(countOf(m.ghostColor), 50);
+  EXPECT_EQ(countOf(m.edgeColor), 0);
+  node.enableVertexModeDisplay();
+  frame();
+  EXPECT_GT(countOf(m.vertexColor), 20);
+  node.faceModeWireframe = false;
+  node.enableFaceModeDisplay();
+  frame();
+  EXPECT_EQ(countOf(m.ghostColor), 0);
+  EXPECT_EQ(countOf(m.vertexColor), 0);
+  // The surface is there in every mode.
+  EXPECT_GT(int(at(size / 2, size / 2).g), 50);
+}
+
+TEST_F(pixelFixture, selectedFacesTakeTheirColourAtTheNextFrameWithoutRebuildingPositions) {
+  node.getEditMesh().chunkVertexLimit = 300;
+  frame();
+  // A pixel off the pole, where the faces are wide.
+  const int px = 80, py = 76;
+  const color before = at(px, py);
+  EXPECT_EQ(int(before.r), int(before.b));
+  // The face under that pixel, picked from the viewer's side (the camera looks along +z).
+  const float wx = (float(px) + 0.5f) / float(size) * 2.f - 1.f;
+  const float wy = (float(py) + 0.5f) / float(size) * 2.f - 1.f;
+  JEV::MATH::rayHit hit;
+  point3f p;
+  ASSERT_TRUE(node.getRayIntersect(point3f(wx, wy, -5.f), point3f(0.f, 0.f, 1.f), hit, p));
+  node.selectFace(hit.face);
+  const auto counts = node.getRenderCacheCounts();
+  frame();
+  const color after = at(px, py);
+  // The selection colour leans to red over blue; white did not.
+  EXPECT_GT(int(after.r), int(after.b) + 40);
+  EXPECT_EQ(node.getRenderCacheCounts().faceChunks, counts.faceChunks);
+  EXPECT_EQ(node.getRenderCacheCounts().colorChunks, counts.colorChunks + 1);
+  EXPECT_GT(node.getEditMesh().renderChunks.size(), 3u);
+}
