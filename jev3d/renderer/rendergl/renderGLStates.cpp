@@ -14,8 +14,8 @@ namespace {
 
 using matrix4f = MATH::matrix4<float>;
 
-// Each state setter stores the state in the device copies and sends it to GL only when
-// the copy says it changed.
+// Each state setter stores the state in the device copies and sends it to GL; with
+// unchanged states skipped, only when the copy says it changed.
 
 const GLenum alphaFunctions[] = {GL_NEVER,   GL_LESS,     GL_EQUAL,  GL_LEQUAL,
                                  GL_GREATER, GL_NOTEQUAL, GL_GEQUAL, GL_ALWAYS};
@@ -310,7 +310,9 @@ bool renderGL::setFogState(RENDERSTATE::fogState& s) {
   return true;
 }
 
-bool renderGL::mustSend(bool changed) { return (changed || sendAll) && makeCurrentContext(false); }
+bool renderGL::mustSend(bool changed) {
+  return (changed || sendAll || !skipUnchanged) && makeCurrentContext(false);
+}
 
 void renderGL::sendDefaultStates() {
   sendAll = true;

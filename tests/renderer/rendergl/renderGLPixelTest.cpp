@@ -23,9 +23,11 @@
 #include "jev3d/renderer/renderstate/colorMaterialstate.h"
 #include "jev3d/renderer/renderstate/lightingstate.h"
 #include "jev3d/renderer/renderstate/lightstate.h"
+#include "jev3d/renderer/renderstate/materialstate.h"
 #include "jev3d/renderer/renderstate/scissorstate.h"
 #include "jev3d/renderer/renderstate/viewportstate.h"
 #include "jev3d/renderer/renderstate/wireframestate.h"
+#include "jev3d/renderer/renderstate/zbufferstate.h"
 #include "jev3d/renderer/transformState.h"
 #include "jev3d/renderer/vertexBuffer.h"
 #include "jev3d/resources/textureStorage.h"
@@ -316,11 +318,70 @@ TEST_F(glFixture, replacingOnlyThePositionsDrawsTheNewShape) {
       gl.renderIndexedGeometry(renderer::DRAW_TRIANGLES, &vb, &ib, 0, vb.getNum(VC::TC0_2)));
 }
 
-TEST_F(glFixture, aStateSetTwiceReachesGLOnce) {
+namespace {
+
+// Counts the calls that reach GL's glActiveTexture, by standing in for GLEW's entry point
+// while it lives.
+class activeTextureCounter {
+ public:
+  activeTextureCounter() : saved(__glewActiveTexture) {
+    real = saved;
+    calls = 0;
+    __glewActiveTexture = &count;
+  }
+  ~activeTextureCounter() { __glewActiveTexture = saved; }
+  activeTextureCounter(const activeTextureCounter&) = delete;
+  activeTextureCounter& operator=(const activeTextureCounter&) = delete;
+  static int calls;
+
+ private:
+  static void GLAPIENTRY count(GLenum unit) {
+    ++calls;
+    real(unit);
+  }
+  static PFNGLACTIVETEXTUREPROC real;
+  PFNGLACTIVETEXTUREPROC saved;
+};
+int activeTextureCounter::calls = 0;
+PFNGLACTIVETEXTUREPROC activeTextureCounter::real = nullptr;
+
+}  // namespace
+
+TEST_F(glFixture, aStateSetTwiceReachesGLTwiceUnlessUnchangedStatesAreSkipped) {
+  EXPECT_FALSE(gl.getSkipUnchangedStates());
+  textureInstance unit1{textureInstance::TEXTURE1};
   alphastate a(true, alphastate::ALPHA_GREATER, 0.5f);
+  {
+    // Every setter sends: a unit selected for the state and back, each time.
+    activeTextureCounter counter;
+    ASSERT_TRUE(gl.setTextureState(unit1));
+    const int once = activeTextureCounter::calls;
+    EXPECT_GT(once, 0);
+    ASSERT_TRUE(gl.setTextureState(unit1));
+    EXPECT_EQ(activeTextureCounter::calls, 2 * once);
+  }
+  // So GL holds what the last setter said, even after a change behind the renderer's back.
+  ASSERT_TRUE(gl.setAlphaState(a));
+  glDisable(GL_ALPHA_TEST);
   ASSERT_TRUE(gl.setAlphaState(a));
   EXPECT_TRUE(glIsEnabled(GL_ALPHA_TEST));
-  // Changed behind the renderer's back: the same state again is not sent, a new one is.
+
+  gl.setSkipUnchangedStates(true);
+  {
+    activeTextureCounter counter;
+    ASSERT_TRUE(gl.setTextureState(unit1));
+    EXPECT_EQ(activeTextureCounter::calls, 0) << "equal to the copy";
+    textureInstance other{textureInstance::TEXTURE1};
+    ASSERT_TRUE(gl.setTextureState(other));
+    const int once = activeTextureCounter::calls;
+    EXPECT_GT(once, 0);
+    ASSERT_TRUE(gl.setTextureState(other));
+    EXPECT_EQ(activeTextureCounter::calls, once);
+    EXPECT_EQ(gl.getCurrentTextureState(textureInstance::TEXTURE1), &other);
+    // The unit's copy goes before the instance does.
+    ASSERT_TRUE(gl.setTextureState(unit1));
+  }
+  // The same state again is not sent, a new one is.
   glDisable(GL_ALPHA_TEST);
   ASSERT_TRUE(gl.setAlphaState(a));
   EXPECT_FALSE(glIsEnabled(GL_ALPHA_TEST));
@@ -330,6 +391,51 @@ TEST_F(glFixture, aStateSetTwiceReachesGLOnce) {
   GLint function = 0;
   glGetIntegerv(GL_ALPHA_TEST_FUNC, &function);
   EXPECT_EQ(function, GL_LESS);
+}
+
+TEST_F(glFixture, skippingUnchangedStatesKeepsClearsTrackedMaterialsAndMovedLights) {
+  gl.setSkipUnchangedStates(true);
+  // A z-buffer state that clears first clears every time.
+  zbufferstate clearing(true, zbufferstate::DEPTH_LESS, true, true);
+  ASSERT_TRUE(gl.setZbufferState(clearing));
+  glClearDepth(0.25);
+  glClear(GL_DEPTH_BUFFER_BIT);
+  ASSERT_TRUE(gl.setZbufferState(clearing));
+  float depth = 0.0f;
+  ASSERT_TRUE(gl.readPixels(5, 5, 1, 1, renderer::PIXELDATA_DEPTH, renderer::DATA_FLOAT, &depth));
+  EXPECT_FLOAT_EQ(depth, 1.0f);
+
+  // While colour material tracks, GL's material is not the copy: the same material is
+  // sent again.
+  colorMaterialstate tracking;
+  ASSERT_TRUE(gl.setColorMaterialState(tracking));
+  materialstate m;
+  ASSERT_TRUE(gl.setMaterialState(m));
+  glColor4f(1.0f, 0.0f, 0.0f, 1.0f);  // written into the diffuse while tracking
+  colorMaterialstate off;
+  off.mode = colorMaterialstate::COLOR_MATERIAL_OFF;
+  ASSERT_TRUE(gl.setColorMaterialState(off));
+  ASSERT_TRUE(gl.setMaterialState(m));
+  GLfloat diffuse[4] = {};
+  glGetMaterialfv(GL_FRONT, GL_DIFFUSE, diffuse);
+  EXPECT_NEAR(diffuse[0], 150.0f / 255.0f, 1e-3f);
+  EXPECT_NEAR(diffuse[1], 150.0f / 255.0f, 1e-3f);
+
+  // A directional light placed under one view is placed again under another.
+  lightstate light;
+  light.enable = true;
+  light.direction = point3f(0, 0, 1);
+  ASSERT_TRUE(gl.setLightState(light));
+  const point3f before = gl.getCurrentLightState(lightstate::LIGHT0).getCameraSpaceDirection();
+  matrix4f turned;  // a quarter turn about y
+  turned[0] = 0.0f;
+  turned[2] = -1.0f;
+  turned[8] = 1.0f;
+  turned[10] = 0.0f;
+  ASSERT_TRUE(gl.setCameraState(matrix4f(), turned));
+  ASSERT_TRUE(gl.setLightState(light));
+  const point3f after = gl.getCurrentLightState(lightstate::LIGHT0).getCameraSpaceDirection();
+  EXPECT_GT((after - before).norm(), 0.5f);
 }
 
 TEST_F(glFixture, frustumPlanesBoundWhatTheCameraSees) {
