@@ -31,7 +31,7 @@ class recordingRenderer : public JEV::RENDERING::renderer {
     recreate = false;
     if (!w) return false;
     if (context) return true;
-    context = JEV::PLATFORM::current().createGLContext(w);
+    context = JEV::PLATFORM::current().createGLContext(w, 0);
     if (!context) return false;
     window = w;
     if (recreateRequests > 0) {

@@ -32,6 +32,7 @@ class renderGL : public renderer {
   int getMaxLight() override;
   VERTEXPROCESSING_TYPE getVertexProcessingType() override;
   VERTEXPROCESSING_TYPE getCurrentVertexProcessingType() const override { return vertexProcessing; }
+  // From the context's GL; without a context, what the last context answered.
   MULTISAMPLE_TYPE getMaxMultiSampleType() override;
   MULTISAMPLE_TYPE getCurrentMultiSampleType() const override { return multiSample; }
   bool getTextureNonPowerOfTwo() const override { return nonPowerOfTwo; }
@@ -39,6 +40,9 @@ class renderGL : public renderer {
   int getRendererKind() const override { return 0; }
   bool isSupportRenderTargetOnTexture() override;
   bool setCurrentVertexProcessingType(VERTEXPROCESSING_TYPE type) override;
+  // The samples the next createContext asks for. Where the window system fixes a window's
+  // drawable when the window is made, that window must have been made for them
+  // (PLATFORM::windowDescriptor::samples); the context otherwise comes without them.
   bool setCurrentMultiSampleType(MULTISAMPLE_TYPE type) override;
   bool cacheRenderTargetOnTexture(renderTarget* target) override;
   bool isCachedRenderTargetOnTexture(const renderTarget* target) const override;
@@ -198,6 +202,8 @@ class renderGL : public renderer {
   bool nonPowerOfTwo = false;
   VERTEXPROCESSING_TYPE vertexProcessing = VERTEXPROCESSING_DEVICE;
   MULTISAMPLE_TYPE multiSample = MULTISAMPLE_NONE;
+  // What getMaxMultiSampleType answered last with a context.
+  MULTISAMPLE_TYPE mostSamples = MULTISAMPLE_NONE;
   SYSTEM::mutex textureDiscardLock;
   SYSTEM::mutex vertexBufferDiscardLock;
   SYSTEM::mutex indexBufferDiscardLock;
