@@ -152,9 +152,12 @@ bool deviceStateCopies::store(TEXTURE_ACTIVE unit, INSTANCING::textureInstance* 
   const TEXTURE::texture* object = texture ? texture->getTexture() : nullptr;
   const unsigned name =
       object && !object->getDeviceNames().empty() ? object->getDeviceNames().front() : 0;
-  const bool changed =
-      textures[unit] != texture || textureObjects[unit] != object || textureNames[unit] != name;
+  const INSTANCING::textureInstance::environmentDescriptor environment =
+      texture ? texture->environment : INSTANCING::textureInstance::environmentDescriptor();
+  const bool changed = textures[unit] != texture || textureObjects[unit] != object ||
+                       textureNames[unit] != name || textureEnvironments[unit] != environment;
   textures[unit] = texture;
+  textureEnvironments[unit] = environment;
   textureObjects[unit] = object;
   textureNames[unit] = name;
   return changed;

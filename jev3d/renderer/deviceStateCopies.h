@@ -2,6 +2,7 @@
 
 #include "jev3d/math/matrix4.h"
 #include "jev3d/renderer/cameraState.h"
+#include "jev3d/renderer/instancing/textureInstance.h"
 #include "jev3d/renderer/renderstate/alphastate.h"
 #include "jev3d/renderer/renderstate/blendstate.h"
 #include "jev3d/renderer/renderstate/clipPlanestate.h"
@@ -23,7 +24,6 @@ namespace JEV {
 namespace RENDERING {
 namespace INSTANCING {
 class renderTargetInstance;
-class textureInstance;
 }  // namespace INSTANCING
 
 // A device's own copy of every state it was last given, which its getCurrent...
@@ -55,7 +55,8 @@ class deviceStateCopies : public RENDERSTATE::renderStateEnums {
   bool store(const RENDERSTATE::pointSizestate& s);
   bool store(const RENDERSTATE::fogState& s);
   // Units past the 33 copies are not kept and always count as changed. The instance, the
-  // texture it holds and that texture's first device name are compared.
+  // texture it holds, that texture's first device name and the instance's environment
+  // are compared.
   bool store(TEXTURE_ACTIVE unit, INSTANCING::textureInstance* texture);
   bool storeCamera(const MATH::matrix4<float>& projection, const MATH::matrix4<float>& view);
   bool storeTransform(const MATH::matrix4<float>& matrix);
@@ -83,6 +84,7 @@ class deviceStateCopies : public RENDERSTATE::renderStateEnums {
  private:
   // What the compared texture and light copies depended on when they were stored.
   const void* textureObjects[TEXTURE_ACTIVE_COUNT] = {};
+  INSTANCING::textureInstance::environmentDescriptor textureEnvironments[TEXTURE_ACTIVE_COUNT];
   unsigned textureNames[TEXTURE_ACTIVE_COUNT] = {};
   MATH::matrix4<float> lightViews[LIGHT_SOURCE_COUNT];
 };

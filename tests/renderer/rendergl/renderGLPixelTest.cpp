@@ -257,6 +257,73 @@ TEST_F(glFixture, aTexturedQuadShowsItsTexturesColours) {
   EXPECT_EQ(gl.getTextureMemoryUsed(), 12u);
 }
 
+TEST_F(glFixture, theTextureEnvironmentCombinesTheTextureWithTheColourComingIn) {
+  JEV::IO::textureImage image;
+  image.width = 2;
+  image.height = 2;
+  image.components = 3;
+  // Bottom row first: red, green; top row: blue, white.
+  image.pixels = {255, 0, 0, 0, 255, 0, 0, 0, 255, 255, 255, 255};
+  auto* picture = new JEV::TEXTURE::texture(&gl);
+  picture->setImage(image);
+  picture->setParameters(JEV::TEXTURE::textureDescriptor{0, 1.0f});
+  JEV::SYSTEM::sharedPointer<JEV::TEXTURE::texture> held(picture);
+  ASSERT_TRUE(rc.getTextureStorage()->addEntry(
+      L"checker",
+      JEV::SYSTEM::sharedPointer<JEV::CORE::textureServer>(new JEV::CORE::textureServer(held, 1))));
+  textureInstance texture(rc.getTextureStorage());
+  ASSERT_TRUE(texture.connectToResourceStorage(L"checker"));
+  vertexBuffer vb(VC::COLOR | VC::TC0_2 | VC::POS3);
+  indexBuffer ib;
+  makeQuad(vb, ib, -1, -1, 1, 1, 0, JEV::CORE::color(100, 100, 100, 255));
+  lightingstate unlit(false, false);
+  drawNode quad([&] {
+    gl.renderIndexedGeometry(renderer::DRAW_TRIANGLES, &vb, &ib, 0, ib.getIndexNumber());
+  });
+  quad.connect(&texture, false);
+  texture.connect(&unlit, false);
+  auto near = [](pixel p, int r, int g, int b) {
+    return std::abs(p.r - r) <= 2 && std::abs(p.g - g) <= 2 && std::abs(p.b - b) <= 2;
+  };
+  using T = textureInstance;
+
+  frame(unlit);  // modulate by default
+  EXPECT_TRUE(near(at(32, 32), 100, 0, 0));
+  texture.environment.mode = T::TEXTURE_REPLACE;
+  frame(unlit);
+  EXPECT_TRUE(near(at(32, 32), 255, 0, 0));
+  texture.environment.mode = T::TEXTURE_ADD;
+  frame(unlit);
+  EXPECT_TRUE(near(at(32, 32), 255, 100, 100));
+  // Combine: the vertex colour minus the texture, then scaled.
+  texture.environment.mode = T::TEXTURE_COMBINE;
+  texture.environment.combiner.functionRGB = T::COMBINE_SUBTRACT;
+  texture.environment.combiner.sourceRGB[0] = T::SOURCE_PRIMARY_COLOR;
+  texture.environment.combiner.sourceRGB[1] = T::SOURCE_TEXTURE;
+  texture.environment.combiner.operandRGB[1] = T::OPERAND_SRC_COLOR;
+  frame(unlit);
+  EXPECT_TRUE(near(at(32, 32), 0, 100, 100));
+  EXPECT_TRUE(near(at(96, 96), 0, 0, 0));
+  texture.environment.combiner.scaleRGB = 2.0f;
+  frame(unlit);
+  EXPECT_TRUE(near(at(32, 32), 0, 200, 200));
+
+  // The texture matrix moves the coordinates; wraps decide what lies past the edge.
+  texture.environment.mode = T::TEXTURE_REPLACE;
+  texture.environment.matrix[12] = 0.5f;
+  frame(unlit);
+  EXPECT_TRUE(near(at(32, 32), 0, 255, 0));
+  EXPECT_TRUE(near(at(96, 32), 255, 0, 0)) << "repeated";
+  texture.environment.wrapS = T::WRAP_CLAMP_TO_EDGE;
+  frame(unlit);
+  EXPECT_TRUE(near(at(96, 32), 0, 255, 0)) << "clamped";
+
+  // Off, the unit draws untextured.
+  texture.environment.enable = false;
+  frame(unlit);
+  EXPECT_TRUE(near(at(32, 32), 100, 100, 100));
+}
+
 TEST_F(glFixture, scissorClipsAndAWireframeDrawsOverItsSurface) {
   vertexBuffer vb(VC::COLOR | VC::POS3);
   indexBuffer ib;
@@ -377,6 +444,9 @@ TEST_F(glFixture, aStateSetTwiceReachesGLTwiceUnlessUnchangedStatesAreSkipped) {
     EXPECT_GT(once, 0);
     ASSERT_TRUE(gl.setTextureState(other));
     EXPECT_EQ(activeTextureCounter::calls, once);
+    other.environment.mode = textureInstance::TEXTURE_REPLACE;
+    ASSERT_TRUE(gl.setTextureState(other));
+    EXPECT_EQ(activeTextureCounter::calls, 2 * once) << "a changed environment is sent";
     EXPECT_EQ(gl.getCurrentTextureState(textureInstance::TEXTURE1), &other);
     // The unit's copy goes before the instance does.
     ASSERT_TRUE(gl.setTextureState(unit1));
