@@ -120,6 +120,27 @@ struct glFixture : ::testing::Test {
     ASSERT_TRUE(gl.cacheIndexBuffer(&ib, indices, 6));
   }
 
+  // 2 × 2 pixels, bottom row first: red, green; top row: blue, white.
+  static JEV::IO::textureImage checkerImage() {
+    JEV::IO::textureImage image;
+    image.width = 2;
+    image.height = 2;
+    image.components = 3;
+    image.pixels = {255, 0, 0, 0, 255, 0, 0, 0, 255, 255, 255, 255};
+    return image;
+  }
+  // Stores a texture of `image` as "checker", nearest filtered; the storage holds it.
+  JEV::TEXTURE::texture* addChecker(const JEV::IO::textureImage& image) {
+    auto* picture = new JEV::TEXTURE::texture(&gl);
+    picture->setImage(image);
+    picture->setParameters(JEV::TEXTURE::textureDescriptor{0, 1.0f});
+    JEV::SYSTEM::sharedPointer<JEV::TEXTURE::texture> held(picture);
+    EXPECT_TRUE(rc.getTextureStorage()->addEntry(
+        L"checker", JEV::SYSTEM::sharedPointer<JEV::CORE::textureServer>(
+                        new JEV::CORE::textureServer(held, 1))));
+    return picture;
+  }
+
   windowHandle window = 0;
   renderGL gl;
   renderingContext rc{&gl, nullptr};
@@ -210,19 +231,9 @@ TEST_F(glFixture, aLitCubeIsBrighterOnTheFaceTowardTheLight) {
 }
 
 TEST_F(glFixture, aTexturedQuadShowsItsTexturesColours) {
-  JEV::IO::textureImage image;
-  image.width = 2;
-  image.height = 2;
-  image.components = 3;
-  // Bottom row first: red, green; top row: blue, white.
-  image.pixels = {255, 0, 0, 0, 255, 0, 0, 0, 255, 255, 255, 255};
-  auto* picture = new JEV::TEXTURE::texture(&gl);
-  picture->setImage(image);
-  picture->setParameters(JEV::TEXTURE::textureDescriptor{0, 1.0f});
-  JEV::SYSTEM::sharedPointer<JEV::TEXTURE::texture> held(picture);
-  ASSERT_TRUE(rc.getTextureStorage()->addEntry(
-      L"checker",
-      JEV::SYSTEM::sharedPointer<JEV::CORE::textureServer>(new JEV::CORE::textureServer(held, 1))));
+  JEV::IO::textureImage image = checkerImage();
+  JEV::TEXTURE::texture* picture = nullptr;
+  ASSERT_NO_FATAL_FAILURE(picture = addChecker(image));
   textureInstance texture(rc.getTextureStorage());
   ASSERT_TRUE(texture.connectToResourceStorage(L"checker"));
   EXPECT_FALSE(picture->isCached());
@@ -258,19 +269,8 @@ TEST_F(glFixture, aTexturedQuadShowsItsTexturesColours) {
 }
 
 TEST_F(glFixture, theTextureEnvironmentCombinesTheTextureWithTheColourComingIn) {
-  JEV::IO::textureImage image;
-  image.width = 2;
-  image.height = 2;
-  image.components = 3;
-  // Bottom row first: red, green; top row: blue, white.
-  image.pixels = {255, 0, 0, 0, 255, 0, 0, 0, 255, 255, 255, 255};
-  auto* picture = new JEV::TEXTURE::texture(&gl);
-  picture->setImage(image);
-  picture->setParameters(JEV::TEXTURE::textureDescriptor{0, 1.0f});
-  JEV::SYSTEM::sharedPointer<JEV::TEXTURE::texture> held(picture);
-  ASSERT_TRUE(rc.getTextureStorage()->addEntry(
-      L"checker",
-      JEV::SYSTEM::sharedPointer<JEV::CORE::textureServer>(new JEV::CORE::textureServer(held, 1))));
+  JEV::IO::textureImage image = checkerImage();
+  ASSERT_NO_FATAL_FAILURE(addChecker(image));
   textureInstance texture(rc.getTextureStorage());
   ASSERT_TRUE(texture.connectToResourceStorage(L"checker"));
   vertexBuffer vb(VC::COLOR | VC::TC0_2 | VC::POS3);

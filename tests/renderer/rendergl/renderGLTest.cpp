@@ -41,6 +41,19 @@ std::vector<std::uint8_t> clearReadAndShow(renderGL& gl, int w, int h, float r, 
   return px;
 }
 
+// A 64 × 64 window with the renderer's context on it; 0 when either cannot be made.
+windowHandle contextWindow(renderGL& gl) {
+  platform& p = current();
+  const windowHandle w =
+      p.createWindow(windowDescriptor{L"gl", rect{0, 0, 64, 64}, {}}, ignoreMessages);
+  bool recreate = false;
+  if (w && !gl.createContext(w, recreate)) {
+    p.destroyWindow(w);
+    return 0;
+  }
+  return w;
+}
+
 }  // namespace
 
 TEST(renderGL, contextIsMadeOnceAndTheClearColourReadsBack) {
@@ -96,12 +109,9 @@ TEST(renderGL, contextIsMadeOnceAndTheClearColourReadsBack) {
 
 TEST(renderGL, namesGivenUpFromAnotherThreadAreDeletedAtTheNextFrame) {
   platform& p = current();
-  const windowHandle w =
-      p.createWindow(windowDescriptor{L"gl", rect{0, 0, 64, 64}, {}}, ignoreMessages);
-  ASSERT_NE(w, 0u);
   renderGL gl;
-  bool recreate = false;
-  ASSERT_TRUE(gl.createContext(w, recreate));
+  const windowHandle w = contextWindow(gl);
+  ASSERT_NE(w, 0u);
   std::vector<unsigned> textures(3), buffers(2);
   glGenTextures(3, textures.data());
   for (unsigned t : textures) glBindTexture(GL_TEXTURE_2D, t);
@@ -128,12 +138,9 @@ TEST(renderGL, namesGivenUpFromAnotherThreadAreDeletedAtTheNextFrame) {
 
 TEST(renderGL, theContextHasAStencilBufferThatHoldsWhatIsCleared) {
   platform& p = current();
-  const windowHandle w =
-      p.createWindow(windowDescriptor{L"gl", rect{0, 0, 64, 64}, {}}, ignoreMessages);
-  ASSERT_NE(w, 0u);
   renderGL gl;
-  bool recreate = false;
-  ASSERT_TRUE(gl.createContext(w, recreate));
+  const windowHandle w = contextWindow(gl);
+  ASSERT_NE(w, 0u);
   ASSERT_TRUE(gl.init());
   p.showWindow(w, SW_SHOW);
   ASSERT_TRUE(waitExposed(p));
