@@ -66,8 +66,8 @@ bool renderGL::createContext(PLATFORM::windowHandle w, bool& recreate) {
     return false;
   }
   nonPowerOfTwo = glewIsSupported("GL_ARB_texture_non_power_of_two") != 0;
-  // The count asked for stays asked where the drawable could not give it; what the
-  // context has is GL's GL_SAMPLES.
+  // Multisampling starts off even in a multisampled context; what the context got is
+  // GL's GL_SAMPLES, whatever count was asked.
   glDisable(GL_MULTISAMPLE);
   return true;
 }
