@@ -46,6 +46,10 @@ struct windowDescriptor {
   std::wstring caption;
   rect area;  // client area
   windowStyle style;
+  // Samples a pixel of the window's GL drawable is made for, 0 for none. Where the
+  // drawable is fixed when the window is made, a multisampled context needs a window made
+  // for it; a window of a count the system cannot give is not made.
+  int samples = 0;
 };
 
 struct message {
@@ -113,8 +117,10 @@ class platform {
   virtual std::int64_t defaultProcedure(windowHandle window, unsigned msg, std::uint64_t wParam,
                                         std::int64_t lParam) = 0;
 
-  // A double-buffered RGBA context with a depth buffer and the fixed-function pipeline.
-  virtual glContextHandle createGLContext(windowHandle window) = 0;
+  // A double-buffered RGBA context with 24 depth bits, 8 stencil bits and the
+  // fixed-function pipeline; multisampled when `samples` is above 0 and the window's
+  // drawable allows it (see windowDescriptor::samples). GL tells what the context got.
+  virtual glContextHandle createGLContext(windowHandle window, int samples) = 0;
   virtual bool makeCurrent(windowHandle window, glContextHandle context) = 0;
   virtual void deleteGLContext(glContextHandle context) = 0;
   virtual bool swapBuffers(windowHandle window) = 0;

@@ -367,7 +367,7 @@ std::int64_t scriptedPlatform::defaultProcedure(windowHandle, unsigned, std::uin
   return 0;
 }
 
-glContextHandle scriptedPlatform::createGLContext(windowHandle window) {
+glContextHandle scriptedPlatform::createGLContext(windowHandle window, int samples) {
   std::lock_guard<std::mutex> g(lock);
   if (!records.count(window)) return nullptr;
   if (createContextFailures > 0) {
@@ -375,7 +375,8 @@ glContextHandle scriptedPlatform::createGLContext(windowHandle window) {
     log("createGLContext failed");
     return nullptr;
   }
-  log("createGLContext " + std::to_string(window));
+  log("createGLContext " + std::to_string(window) +
+      (samples > 0 ? " samples " + std::to_string(samples) : std::string()));
   return reinterpret_cast<glContextHandle>(nextContext++);
 }
 

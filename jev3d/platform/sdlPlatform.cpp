@@ -19,6 +19,22 @@ namespace {
 
 std::string toUtf8(const std::wstring& w) { return IO::XML::wstringToUtf8(w); }
 
+// What every context asks: double-buffered RGBA with 24 depth and 8 stencil bits on the
+// compatibility profile, and sample buffers when samples are asked.
+void setContextAttributes(int samples) {
+  SDL_GL_ResetAttributes();
+  SDL_GL_SetAttribute(SDL_GL_CONTEXT_PROFILE_MASK, SDL_GL_CONTEXT_PROFILE_COMPATIBILITY);
+  SDL_GL_SetAttribute(SDL_GL_DOUBLEBUFFER, 1);
+  SDL_GL_SetAttribute(SDL_GL_RED_SIZE, 8);
+  SDL_GL_SetAttribute(SDL_GL_GREEN_SIZE, 8);
+  SDL_GL_SetAttribute(SDL_GL_BLUE_SIZE, 8);
+  SDL_GL_SetAttribute(SDL_GL_ALPHA_SIZE, 8);
+  SDL_GL_SetAttribute(SDL_GL_DEPTH_SIZE, 24);
+  SDL_GL_SetAttribute(SDL_GL_STENCIL_SIZE, 8);
+  SDL_GL_SetAttribute(SDL_GL_MULTISAMPLEBUFFERS, samples > 0 ? 1 : 0);
+  SDL_GL_SetAttribute(SDL_GL_MULTISAMPLESAMPLES, samples > 0 ? samples : 0);
+}
+
 std::uint64_t buttonBits(Uint32 state) {
   std::uint64_t bits = 0;
   if (state & SDL_BUTTON_LMASK) bits |= MK_LBUTTON;
@@ -299,14 +315,8 @@ void sdlPlatform::getScreenSize(int& width, int& height) {
 
 windowHandle sdlPlatform::createWindow(const windowDescriptor& desc, windowProcedure procedure) {
   if (!d->ready) return 0;
-  SDL_GL_ResetAttributes();
-  SDL_GL_SetAttribute(SDL_GL_CONTEXT_PROFILE_MASK, SDL_GL_CONTEXT_PROFILE_COMPATIBILITY);
-  SDL_GL_SetAttribute(SDL_GL_DOUBLEBUFFER, 1);
-  SDL_GL_SetAttribute(SDL_GL_RED_SIZE, 8);
-  SDL_GL_SetAttribute(SDL_GL_GREEN_SIZE, 8);
-  SDL_GL_SetAttribute(SDL_GL_BLUE_SIZE, 8);
-  SDL_GL_SetAttribute(SDL_GL_ALPHA_SIZE, 8);
-  SDL_GL_SetAttribute(SDL_GL_DEPTH_SIZE, 24);
+  // The drawable's format is chosen here on most of SDL's drivers.
+  setContextAttributes(desc.samples);
   Uint32 flags = SDL_WINDOW_OPENGL | SDL_WINDOW_HIDDEN;
   if (desc.style.resizable) flags |= SDL_WINDOW_RESIZABLE;
   if (desc.style.popup) flags |= SDL_WINDOW_BORDERLESS;
@@ -586,9 +596,10 @@ std::int64_t sdlPlatform::defaultProcedure(windowHandle, unsigned, std::uint64_t
   return 0;
 }
 
-glContextHandle sdlPlatform::createGLContext(windowHandle window) {
+glContextHandle sdlPlatform::createGLContext(windowHandle window, int samples) {
   SDL_Window* sdl = d->sdlWindow(window);
   if (!sdl) return nullptr;
+  setContextAttributes(samples);
   SDL_GLContext context = SDL_GL_CreateContext(sdl);
   if (!context) {
     std::fprintf(stderr, "jev3d: cannot create a GL context: %s\n", SDL_GetError());

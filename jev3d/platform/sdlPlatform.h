@@ -51,7 +51,7 @@ class sdlPlatform : public platform {
   std::int64_t dispatchMessage(const message& m) override;
   std::int64_t defaultProcedure(windowHandle window, unsigned msg, std::uint64_t wParam,
                                 std::int64_t lParam) override;
-  glContextHandle createGLContext(windowHandle window) override;
+  glContextHandle createGLContext(windowHandle window, int samples) override;
   bool makeCurrent(windowHandle window, glContextHandle context) override;
   void deleteGLContext(glContextHandle context) override;
   bool swapBuffers(windowHandle window) override;

@@ -2,6 +2,9 @@
 
 #include <tuple>
 
+#include "jev3d/renderer/instancing/textureInstance.h"
+#include "jev3d/resources/texture.h"
+
 namespace JEV {
 namespace RENDERING {
 namespace {
@@ -75,8 +78,10 @@ bool deviceStateCopies::store(const RENDERSTATE::lightstate& s) {
                           copy.spotCutoff, copy.constantAttenuation, copy.linearAttenuation,
                           copy.quadraticAttenuation, copy.viewFlag.cV()) ||
       !sameMatrix(s.positionMatrix.cV(), copy.positionMatrix.cV()) ||
-      !sameMatrix(s.directionMatrix.cV(), copy.directionMatrix.cV());
+      !sameMatrix(s.directionMatrix.cV(), copy.directionMatrix.cV()) ||
+      !sameMatrix(camera.view.cV(), lightViews[s.light]);
   s.clone(&copy);
+  lightViews[s.light] = camera.view.cV();
   return changed;
 }
 
@@ -143,8 +148,18 @@ bool deviceStateCopies::store(const RENDERSTATE::fogState& s) {
 
 bool deviceStateCopies::store(TEXTURE_ACTIVE unit, INSTANCING::textureInstance* texture) {
   if (unit < 0 || unit >= TEXTURE_ACTIVE_COUNT) return true;
-  const bool changed = textures[unit] != texture;
+  // An instance may be given another texture, and a texture may be cached anew.
+  const TEXTURE::texture* object = texture ? texture->getTexture() : nullptr;
+  const unsigned name =
+      object && !object->getDeviceNames().empty() ? object->getDeviceNames().front() : 0;
+  const INSTANCING::textureInstance::environmentDescriptor environment =
+      texture ? texture->environment : INSTANCING::textureInstance::environmentDescriptor();
+  const bool changed = textures[unit] != texture || textureObjects[unit] != object ||
+                       textureNames[unit] != name || textureEnvironments[unit] != environment;
   textures[unit] = texture;
+  textureEnvironments[unit] = environment;
+  textureObjects[unit] = object;
+  textureNames[unit] = name;
   return changed;
 }
 

@@ -2,6 +2,7 @@
 
 #include "jev3d/math/matrix4.h"
 #include "jev3d/renderer/cameraState.h"
+#include "jev3d/renderer/instancing/textureInstance.h"
 #include "jev3d/renderer/renderstate/alphastate.h"
 #include "jev3d/renderer/renderstate/blendstate.h"
 #include "jev3d/renderer/renderstate/clipPlanestate.h"
@@ -23,12 +24,12 @@ namespace JEV {
 namespace RENDERING {
 namespace INSTANCING {
 class renderTargetInstance;
-class textureInstance;
 }  // namespace INSTANCING
 
 // A device's own copy of every state it was last given, which its getCurrent...
-// operations return. A back end stores each state it is given here and sends it on only
-// when it differs from the copy: the one place where repeated states are skipped.
+// operations return. A back end stores each state it is given here; where it is asked to
+// skip unchanged states, what a store reports decides whether the state is sent: the one
+// place where repeated states may be skipped.
 class deviceStateCopies : public RENDERSTATE::renderStateEnums {
  public:
   deviceStateCopies();
@@ -40,7 +41,8 @@ class deviceStateCopies : public RENDERSTATE::renderStateEnums {
   bool store(const RENDERSTATE::blendstate& s);
   bool store(const RENDERSTATE::cullstate& s);
   bool store(const RENDERSTATE::lightingstate& s);
-  // Lights past the 24 copies are not kept and always count as changed.
+  // Lights past the 24 copies are not kept and always count as changed. A light is placed
+  // through the view: a new view since its last store counts as a change.
   bool store(const RENDERSTATE::lightstate& s);
   bool store(const RENDERSTATE::colorMaterialstate& s);
   bool store(const RENDERSTATE::materialstate& s);
@@ -52,7 +54,9 @@ class deviceStateCopies : public RENDERSTATE::renderStateEnums {
   bool store(const RENDERSTATE::wireframestate& s);
   bool store(const RENDERSTATE::pointSizestate& s);
   bool store(const RENDERSTATE::fogState& s);
-  // Units past the 33 copies are not kept and always count as changed.
+  // Units past the 33 copies are not kept and always count as changed. The instance, the
+  // texture it holds, that texture's first device name and the instance's environment
+  // are compared.
   bool store(TEXTURE_ACTIVE unit, INSTANCING::textureInstance* texture);
   bool storeCamera(const MATH::matrix4<float>& projection, const MATH::matrix4<float>& view);
   bool storeTransform(const MATH::matrix4<float>& matrix);
@@ -76,6 +80,13 @@ class deviceStateCopies : public RENDERSTATE::renderStateEnums {
   INSTANCING::renderTargetInstance* renderTarget = nullptr;
   cameraState camera;
   transformState transform;
+
+ private:
+  // What the compared texture and light copies depended on when they were stored.
+  const void* textureObjects[TEXTURE_ACTIVE_COUNT] = {};
+  INSTANCING::textureInstance::environmentDescriptor textureEnvironments[TEXTURE_ACTIVE_COUNT];
+  unsigned textureNames[TEXTURE_ACTIVE_COUNT] = {};
+  MATH::matrix4<float> lightViews[LIGHT_SOURCE_COUNT];
 };
 
 }  // namespace RENDERING

@@ -1,16 +1,10 @@
 #include "jev3d/scene/pickRayNode.h"
 
+#include "jev3d/renderer/renderer.h"
 #include "jev3d/renderer/renderingContext.h"
+#include "jev3d/renderer/renderstate/viewportstate.h"
 #include "jev3d/system/inputEvent.h"
 #include "jev3d/system/winMain.h"
-
-// The device's current viewport and its pick helper belong to the render states; the
-// ray is cast only where they are part of the build.
-#if __has_include("jev3d/renderer/renderstate/viewportstate.h")
-#include "jev3d/renderer/renderer.h"
-#include "jev3d/renderer/renderstate/viewportstate.h"
-#define JEV3D_SCENE_CASTS_PICK_RAY 1
-#endif
 
 namespace JEV {
 namespace SG {
@@ -52,14 +46,12 @@ void pickRayNode::render(RENDERING::renderingContext* rc) {
       }
       registered = true;
     }
-#ifdef JEV3D_SCENE_CASTS_PICK_RAY
     if (RENDERING::renderer* device = rc ? rc->getRenderer() : nullptr) {
       int viewport[4];
       device->getCurrentViewportState().getComputed(viewport);
       device->pickRay(int(mouseX.cV()) - viewport[0], int(mouseY.cV()) - viewport[1], rayOrigin.V(),
                       rayDirection.V());
     }
-#endif
   }
   node::render(rc);
 }

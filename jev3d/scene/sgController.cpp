@@ -3,6 +3,7 @@
 #include <set>
 #include <vector>
 
+#include "jev3d/renderer/renderingContext.h"
 #include "jev3d/system/winBase.h"
 
 namespace JEV {
@@ -52,6 +53,16 @@ CAM::trackballNode* sgController::addTrackballNode(const std::wstring& id) {
 
 CAM::trackballNode* sgController::addTrackballNode(const std::string& id) {
   return addTrackballNode(widen(id));
+}
+
+RENDERING::INSTANCING::textureInstance* sgController::addTextureStateNode(const std::wstring& id) {
+  RENDERING::renderingContext* rc = window ? window->getRenderingContext() : nullptr;
+  return addTyped(
+      id, new RENDERING::INSTANCING::textureInstance(rc ? rc->getTextureStorage() : nullptr));
+}
+
+RENDERING::INSTANCING::textureInstance* sgController::addTextureStateNode(const std::string& id) {
+  return addTextureStateNode(widen(id));
 }
 
 node* sgController::getNode(const std::wstring& id) { return nodes.getEntry(id).get(); }

@@ -2,12 +2,44 @@
 
 #include <string>
 
+#include "jev3d/renderer/cameraState.h"
+#include "jev3d/renderer/instancing/renderTargetInstance.h"
+#include "jev3d/renderer/instancing/textureInstance.h"
+#include "jev3d/renderer/renderstate/alphastate.h"
+#include "jev3d/renderer/renderstate/blendstate.h"
+#include "jev3d/renderer/renderstate/clipPlanestate.h"
+#include "jev3d/renderer/renderstate/colorMaterialstate.h"
+#include "jev3d/renderer/renderstate/colorbufferstate.h"
+#include "jev3d/renderer/renderstate/cullstate.h"
+#include "jev3d/renderer/renderstate/fogState.h"
+#include "jev3d/renderer/renderstate/lightingstate.h"
+#include "jev3d/renderer/renderstate/lightstate.h"
+#include "jev3d/renderer/renderstate/materialstate.h"
+#include "jev3d/renderer/renderstate/pointSizestate.h"
+#include "jev3d/renderer/renderstate/scissorstate.h"
+#include "jev3d/renderer/renderstate/viewportstate.h"
+#include "jev3d/renderer/renderstate/wireframestate.h"
+#include "jev3d/renderer/renderstate/zbufferstate.h"
+#include "jev3d/renderer/transformState.h"
 #include "jev3d/resources/storage.h"
 #include "jev3d/scene/node.h"
 #include "jev3d/scene/pickRayNode.h"
 #include "jev3d/scene/shellNode.h"
 #include "jev3d/scene/trackballNode.h"
 #include "jev3d/system/sharedPointer.h"
+
+// The four getters of one node type: wide and narrow ids, const and not.
+#define JEV3D_SG_GETTERS(stem, type)                                                 \
+  type* get##stem(const std::wstring& id) { return getTyped<type>(id); }             \
+  type* get##stem(const std::string& id) { return getTyped<type>(id); }              \
+  const type* get##stem(const std::wstring& id) const { return getTyped<type>(id); } \
+  const type* get##stem(const std::string& id) const { return getTyped<type>(id); }
+
+// The two adds of a node type made in its default state, and its getters.
+#define JEV3D_SG_NODE_FAMILY(stem, type)                                     \
+  type* add##stem(const std::wstring& id) { return addTyped(id, new type); } \
+  type* add##stem(const std::string& id) { return addTyped(id, new type); }  \
+  JEV3D_SG_GETTERS(stem, type)
 
 namespace JEV {
 namespace SYSTEM {
@@ -48,6 +80,32 @@ class sgController {
   // A trackball on the window's input and rendering contexts.
   CAM::trackballNode* addTrackballNode(const std::wstring& id);
   CAM::trackballNode* addTrackballNode(const std::string& id);
+
+  // The render states, each in its default state (a point size of 1).
+  JEV3D_SG_NODE_FAMILY(AlphaStateNode, RENDERING::RENDERSTATE::alphastate)
+  JEV3D_SG_NODE_FAMILY(ClipPlaneStateNode, RENDERING::RENDERSTATE::clipPlanestate)
+  JEV3D_SG_NODE_FAMILY(BlendStateNode, RENDERING::RENDERSTATE::blendstate)
+  JEV3D_SG_NODE_FAMILY(CullStateNode, RENDERING::RENDERSTATE::cullstate)
+  JEV3D_SG_NODE_FAMILY(LightingStateNode, RENDERING::RENDERSTATE::lightingstate)
+  JEV3D_SG_NODE_FAMILY(LightStateNode, RENDERING::RENDERSTATE::lightstate)
+  JEV3D_SG_NODE_FAMILY(ColorMaterialStateNode, RENDERING::RENDERSTATE::colorMaterialstate)
+  JEV3D_SG_NODE_FAMILY(MaterialStateNode, RENDERING::RENDERSTATE::materialstate)
+  JEV3D_SG_NODE_FAMILY(ScissorStateNode, RENDERING::RENDERSTATE::scissorstate)
+  JEV3D_SG_NODE_FAMILY(ViewportStateNode, RENDERING::RENDERSTATE::viewportstate)
+  JEV3D_SG_NODE_FAMILY(ZbufferStateNode, RENDERING::RENDERSTATE::zbufferstate)
+  JEV3D_SG_NODE_FAMILY(ColorBufferStateNode, RENDERING::RENDERSTATE::colorbufferstate)
+  JEV3D_SG_NODE_FAMILY(PointSizeStateNode, RENDERING::RENDERSTATE::pointSizestate)
+  JEV3D_SG_NODE_FAMILY(WireFrameStateNode, RENDERING::RENDERSTATE::wireframestate)
+  JEV3D_SG_NODE_FAMILY(FogStateNode, RENDERING::RENDERSTATE::fogState)
+  JEV3D_SG_NODE_FAMILY(TransformStateNode, RENDERING::transformState)
+  JEV3D_SG_NODE_FAMILY(CameraStateNode, RENDERING::cameraState)
+
+  // A texture instance on the window's texture storage (none without a window).
+  RENDERING::INSTANCING::textureInstance* addTextureStateNode(const std::wstring& id);
+  RENDERING::INSTANCING::textureInstance* addTextureStateNode(const std::string& id);
+  JEV3D_SG_GETTERS(TextureStateNode, RENDERING::INSTANCING::textureInstance)
+  // A render target instance; it draws into the window until it is given a target.
+  JEV3D_SG_NODE_FAMILY(RenderTargetStateNode, RENDERING::INSTANCING::renderTargetInstance)
 
   node* getNode(const std::wstring& id);
   node* getNode(const std::string& id);
@@ -137,3 +195,6 @@ class sgController {
 
 }  // namespace SG
 }  // namespace JEV
+
+#undef JEV3D_SG_NODE_FAMILY
+#undef JEV3D_SG_GETTERS

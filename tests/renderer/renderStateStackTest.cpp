@@ -145,33 +145,51 @@ TEST_F(stackFixture, aStateErasedWhileItsSubtreeIsDrawnComesOffWithoutBeingAppli
   EXPECT_EQ(stack.getDepth(alphastate::ALPHA_STATE), 1);
 }
 
-TEST_F(stackFixture, aRepeatedStateReachesTheRendererEveryTimeAndTheDeviceOnce) {
+TEST_F(stackFixture, aRepeatedStateReachesTheDeviceEveryTimeUnlessItSkipsUnchangedOnes) {
   alphastate first(true, alphastate::ALPHA_LESS, 0.1f);
   alphastate same(true, alphastate::ALPHA_LESS, 0.1f);
   probeNode leaf(device);
   same.connect(&first, false);
   leaf.connect(&same, false);
   first.render(&rc);
-  // No cache in the stack: push, push, pop, pop all call the renderer.
+  // No cache in the stack: push, push, pop, pop all call the renderer, which sends each.
   EXPECT_EQ(device.count("setAlphaState"), 4);
-  // The device copy skips the second push and the first pop, which change nothing.
-  EXPECT_EQ(device.sent, (strings{"setAlphaState 1 1 0.1", "setAlphaState 0 7 0"}));
+  EXPECT_EQ(device.countSent("setAlphaState"), 4);
 
-  // Batching: pushes without apply, then one apply.
+  // A device that skips unchanged states drops the second push and the first pop.
   device.clearLog();
+  device.skipUnchangedStates = true;
+  first.render(&rc);
+  EXPECT_EQ(device.count("setAlphaState"), 4);
+  EXPECT_EQ(device.sent, (strings{"setAlphaState 1 1 0.1", "setAlphaState 0 7 0"}));
+}
+
+TEST_F(stackFixture, pushesWithoutApplyBatchIntoOneDeviceCall) {
   blendstate b1(true, blendstate::SRC_ONE, blendstate::DST_ONE);
   blendstate b2(true, blendstate::SRC_ZERO, blendstate::DST_ONE);
   stack.pushState(blendstate::BLEND_STATE, &b1, false);
   stack.pushState(blendstate::BLEND_STATE, &b2, true);
   EXPECT_EQ(device.calls, (strings{"setBlendState 1 0 1"}));
+  // Pops the same way: the bottom entry goes to the device once.
+  device.clearLog();
+  stack.popState(blendstate::BLEND_STATE, false);
+  stack.popState(blendstate::BLEND_STATE, true);
+  EXPECT_EQ(device.calls, (strings{"setBlendState 0 4 5"}));
+  EXPECT_EQ(stack.getDepth(blendstate::BLEND_STATE), 1);
 }
 
-TEST_F(stackFixture, zbufferThatClearsFirstIsSentEveryTime) {
+TEST_F(stackFixture, zbufferThatClearsFirstIsSentEveryTimeEvenWhenSkippingUnchangedStates) {
+  device.skipUnchangedStates = true;
   zbufferstate z(true, zbufferstate::DEPTH_LESS, false, true);
   stack.pushState(zbufferstate::ZBUFFER_STATE, &z, true);
   stack.popState(zbufferstate::ZBUFFER_STATE, false);
   stack.pushState(zbufferstate::ZBUFFER_STATE, &z, true);
   EXPECT_EQ(device.countSent("setZbufferState 1 1 0 1"), 2);
+  // Without clearing first, the same state is skipped the second time.
+  zbufferstate plain(true, zbufferstate::DEPTH_LESS, true, false);
+  stack.pushState(zbufferstate::ZBUFFER_STATE, &plain, true);
+  stack.pushState(zbufferstate::ZBUFFER_STATE, &plain, true);
+  EXPECT_EQ(device.countSent("setZbufferState 1 1 1 0"), 1);
 }
 
 TEST_F(stackFixture, lightTwentyThreeUsesSlotThirtyThree) {

@@ -103,3 +103,42 @@ TEST_F(pickRayTest, withoutAMainWindowNothingIsRegistered) {
   EXPECT_TRUE(bare.registered);
   for (EVENT_TYPE type : MOVES) EXPECT_EQ(handlers(type), 0u);
 }
+
+TEST_F(pickRayTest, theRayIsTheRenderersPickRayUnderTheCameraAndViewportAbove) {
+  using matrix4f = JEV::MATH::matrix4<float>;
+  using point3f = JEV::MATH::point3<float>;
+  // 90 degrees, square, near 1, far 100; the camera 5 back from the origin.
+  const float n = 1.0f, f = 100.0f;
+  const matrix4f projection(1, 0, 0, 0, 0, 1, 0, 0, 0, 0, (f + n) / (f - n), 1, 0, 0,
+                            -2 * f * n / (f - n), 0);
+  matrix4f view;
+  view[14] = 5.0f;
+  auto* camera = scene.addCameraStateNode("camera");
+  camera->projection = projection;
+  camera->view = view;
+  auto* viewport = scene.addViewportStateNode("viewport");
+  viewport->set(10, 20, 200, 100, false, JEV::RENDERING::RENDERSTATE::viewportstate::VIEWPORT_FREE);
+  viewport->connect(camera, false);
+  ray->connect(viewport, false);
+  ray->mouseX = 110.0f + 30.0f;
+  ray->mouseY = 70.0f - 10.0f;
+  scene.setRoot("camera");
+  scene.render();
+
+  const int rect[4] = {10, 20, 200, 100};
+  point3f origin, direction;
+  ASSERT_TRUE(
+      JEV::RENDERING::renderer::pickRay(130, 40, view, projection, rect, origin, direction));
+  EXPECT_LT((ray->rayOrigin.cV() - origin).norm(), 1e-5f);
+  EXPECT_LT((ray->rayDirection.cV() - direction).norm(), 1e-5f);
+  EXPECT_NEAR(ray->rayDirection.cV().norm(), 1.0f, 1e-5f);
+
+  // The pixel at the viewport's centre looks straight down the camera's axis from the
+  // near plane in front of the camera.
+  ray->mouseX = 110.0f + 10.0f;
+  ray->mouseY = 70.0f + 20.0f;
+  scene.render();
+  EXPECT_NEAR(ray->rayDirection.cV().z, 1.0f, 1e-4f);
+  EXPECT_NEAR(ray->rayOrigin.cV().x, 0.0f, 1e-4f);
+  EXPECT_NEAR(ray->rayOrigin.cV().z, -4.0f, 1e-3f);
+}

@@ -81,6 +81,97 @@ TEST_F(sgControllerTest, nodesAreStoredAndFoundByWideAndNarrowIds) {
   EXPECT_TRUE(shell->isLeaf());
 }
 
+namespace {
+
+// Adds a node of one family under a wide and a narrow id, and checks what the family's
+// getters and a second add of the same id give.
+template <class T, class Add, class Get, class AddNarrow>
+void checkFamily(sgController& scene, const std::string& id, Add add, Get get,
+                 AddNarrow addNarrow) {
+  SCOPED_TRACE(id);
+  T* wide = (scene.*add)(JEV::IO::XML::utf8ToWstring(id));
+  ASSERT_NE(wide, nullptr);
+  EXPECT_EQ(wide->getId(), JEV::IO::XML::utf8ToWstring(id));
+  EXPECT_EQ((scene.*get)(JEV::IO::XML::utf8ToWstring(id)), wide);
+  EXPECT_FALSE(wide->isConnected());
+  EXPECT_EQ((scene.*add)(JEV::IO::XML::utf8ToWstring(id)), nullptr);
+  const std::string narrowId = id + " narrow";
+  T* narrow = (scene.*addNarrow)(narrowId);
+  ASSERT_NE(narrow, nullptr);
+  EXPECT_NE(narrow, wide);
+  EXPECT_EQ(scene.getNode(narrowId), narrow);
+}
+
+}  // namespace
+
+TEST_F(sgControllerTest, everyStateNodeFamilyAddsAndGetsByName) {
+  using namespace JEV::RENDERING;
+  using namespace JEV::RENDERING::RENDERSTATE;
+  using INSTANCING::renderTargetInstance;
+  using INSTANCING::textureInstance;
+  using W = const std::wstring&;
+  using N = const std::string&;
+#define FAMILY(T, stem)                                                                        \
+  checkFamily<T>(scene, #stem, static_cast<T* (sgController::*)(W)>(&sgController::add##stem), \
+                 static_cast<T* (sgController::*)(W)>(&sgController::get##stem),               \
+                 static_cast<T* (sgController::*)(N)>(&sgController::add##stem))
+  FAMILY(alphastate, AlphaStateNode);
+  FAMILY(clipPlanestate, ClipPlaneStateNode);
+  FAMILY(blendstate, BlendStateNode);
+  FAMILY(cullstate, CullStateNode);
+  FAMILY(lightingstate, LightingStateNode);
+  FAMILY(lightstate, LightStateNode);
+  FAMILY(colorMaterialstate, ColorMaterialStateNode);
+  FAMILY(materialstate, MaterialStateNode);
+  FAMILY(scissorstate, ScissorStateNode);
+  FAMILY(viewportstate, ViewportStateNode);
+  FAMILY(zbufferstate, ZbufferStateNode);
+  FAMILY(colorbufferstate, ColorBufferStateNode);
+  FAMILY(pointSizestate, PointSizeStateNode);
+  FAMILY(wireframestate, WireFrameStateNode);
+  FAMILY(fogState, FogStateNode);
+  FAMILY(transformState, TransformStateNode);
+  FAMILY(cameraState, CameraStateNode);
+  FAMILY(textureInstance, TextureStateNode);
+  FAMILY(renderTargetInstance, RenderTargetStateNode);
+#undef FAMILY
+  EXPECT_EQ(scene.getNodeCount(), 2 * 19);
+
+  // Narrow ids, const getters, and what each is made with.
+  pointSizestate* points = scene.addPointSizeStateNode("points");
+  ASSERT_NE(points, nullptr);
+  EXPECT_EQ(points->size.cV(), 1.0f);
+  const sgController& constScene = scene;
+  EXPECT_EQ(constScene.getPointSizeStateNode("points"), points);
+  EXPECT_EQ(constScene.getPointSizeStateNode(L"points"), points);
+  textureInstance* texture = scene.addTextureStateNode("texture");
+  ASSERT_NE(texture, nullptr);
+  EXPECT_EQ(texture->getResourceStorage(), win.getRenderingContext()->getTextureStorage());
+  EXPECT_NE(texture->getResourceStorage(), nullptr);
+  EXPECT_EQ(scene.addTextureStateNode("texture"), nullptr);
+  renderTargetInstance* target = scene.addRenderTargetStateNode("target");
+  ASSERT_NE(target, nullptr);
+  EXPECT_TRUE(target->isWindowTarget());
+  EXPECT_EQ(constScene.getRenderTargetStateNode("target"), target);
+  EXPECT_EQ(scene.getAlphaStateNode("missing"), nullptr);
+}
+
+TEST_F(sgControllerTest, addedStateNodesHoldForTheirSubtree) {
+  using namespace JEV::RENDERING::RENDERSTATE;
+  blendstate* blend = scene.addBlendStateNode("blend");
+  blend->set(true, blendstate::SRC_ONE, blendstate::DST_ONE);
+  wireframestate* wire = scene.addWireFrameStateNode(L"wire");
+  wire->mode = wireframestate::FILL_LINE;
+  wire->connect(blend, false);
+  ASSERT_NE(add("leaf", "wire"), nullptr);
+  ASSERT_TRUE(scene.setRoot("blend"));
+  device.clearLog();
+  scene.render();
+  EXPECT_EQ(device.only("setBlendState"), (strings{"setBlendState 1 1 1", "setBlendState 0 4 5"}));
+  EXPECT_EQ(device.only("setWireFrameState"),
+            (strings{"setWireFrameState 1", "setWireFrameState 0"}));
+}
+
 TEST_F(sgControllerTest, anIdInUseIsRefusedAndTheStoredNodeKeepsIt) {
   node* first = add("a");
   ASSERT_NE(first, nullptr);

@@ -14,9 +14,10 @@
 
 // A renderer with no device, for tests on the scripted platform: contexts come from the
 // platform, frames are swaps on it, and every device call is logged in `calls` as its
-// name and arguments ("setAlphaState 1 4 0.5"). A state call whose values differ from the
-// device's copy is logged in `sent` as well: that is what a back end passes on to the
-// graphics API. makeCurrentContext, called at the head of everything, is not logged.
+// name and arguments ("setAlphaState 1 4 0.5"). What a back end passes on to the graphics
+// API is logged in `sent` as well: every state call, or with `skipUnchangedStates` only
+// those whose values differ from the device's copy. makeCurrentContext, called at the
+// head of everything, is not logged.
 class recordingRenderer : public JEV::RENDERING::renderer {
  public:
   using color = JEV::CORE::color;
@@ -30,7 +31,7 @@ class recordingRenderer : public JEV::RENDERING::renderer {
     recreate = false;
     if (!w) return false;
     if (context) return true;
-    context = JEV::PLATFORM::current().createGLContext(w);
+    context = JEV::PLATFORM::current().createGLContext(w, 0);
     if (!context) return false;
     window = w;
     if (recreateRequests > 0) {
@@ -373,6 +374,7 @@ class recordingRenderer : public JEV::RENDERING::renderer {
 
   std::vector<std::string> calls;
   std::vector<std::string> sent;
+  bool skipUnchangedStates = false;
   int recreateRequests = 0;
   JEV::PLATFORM::glContextHandle context = nullptr;
   JEV::PLATFORM::windowHandle window = 0;
@@ -412,7 +414,7 @@ class recordingRenderer : public JEV::RENDERING::renderer {
   template <class... A>
   bool logState(bool changed, const char* what, const A&... args) {
     calls.push_back(format(what, args...));
-    if (changed) sent.push_back(calls.back());
+    if (changed || !skipUnchangedStates) sent.push_back(calls.back());
     return true;
   }
 

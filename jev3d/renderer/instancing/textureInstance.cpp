@@ -4,6 +4,23 @@ namespace JEV {
 namespace RENDERING {
 namespace INSTANCING {
 
+bool textureInstance::combinerDescriptor::operator==(const combinerDescriptor& o) const {
+  for (int i = 0; i < 3; ++i) {
+    if (sourceRGB[i] != o.sourceRGB[i] || sourceAlpha[i] != o.sourceAlpha[i] ||
+        operandRGB[i] != o.operandRGB[i] || operandAlpha[i] != o.operandAlpha[i]) {
+      return false;
+    }
+  }
+  return functionRGB == o.functionRGB && functionAlpha == o.functionAlpha && scaleRGB == o.scaleRGB;
+}
+
+bool textureInstance::environmentDescriptor::operator==(const environmentDescriptor& o) const {
+  for (int i = 0; i < 16; ++i)
+    if (matrix[i] != o.matrix[i]) return false;
+  return enable == o.enable && mode == o.mode && wrapS == o.wrapS && wrapT == o.wrapT &&
+         filter == o.filter && color.toU32() == o.color.toU32() && combiner == o.combiner;
+}
+
 textureInstance::textureInstance(CORE::textureStorage* s) : resourceInstance(s) {}
 
 textureInstance::textureInstance(TEXTURE_ACTIVE u) : resourceInstance(nullptr), unit(u) {}

@@ -53,7 +53,7 @@ bool renderGL::createContext(PLATFORM::windowHandle w, bool& recreate) {
   if (w == 0) return false;
   if (context) return true;
   PLATFORM::platform& p = PLATFORM::current();
-  context = p.createGLContext(w);
+  context = p.createGLContext(w, int(multiSample));
   if (!context) return false;
   window = w;
   if (!makeCurrentContext(true)) {
@@ -66,6 +66,8 @@ bool renderGL::createContext(PLATFORM::windowHandle w, bool& recreate) {
     return false;
   }
   nonPowerOfTwo = glewIsSupported("GL_ARB_texture_non_power_of_two") != 0;
+  // Multisampling starts off even in a multisampled context; what the context got is
+  // GL's GL_SAMPLES, whatever count was asked.
   glDisable(GL_MULTISAMPLE);
   return true;
 }

@@ -32,6 +32,7 @@ class renderGL : public renderer {
   int getMaxLight() override;
   VERTEXPROCESSING_TYPE getVertexProcessingType() override;
   VERTEXPROCESSING_TYPE getCurrentVertexProcessingType() const override { return vertexProcessing; }
+  // From the context's GL; without a context, what the last context answered.
   MULTISAMPLE_TYPE getMaxMultiSampleType() override;
   MULTISAMPLE_TYPE getCurrentMultiSampleType() const override { return multiSample; }
   bool getTextureNonPowerOfTwo() const override { return nonPowerOfTwo; }
@@ -39,6 +40,9 @@ class renderGL : public renderer {
   int getRendererKind() const override { return 0; }
   bool isSupportRenderTargetOnTexture() override;
   bool setCurrentVertexProcessingType(VERTEXPROCESSING_TYPE type) override;
+  // The samples the next createContext asks for. Where the window system fixes a window's
+  // drawable when the window is made, that window must have been made for them
+  // (PLATFORM::windowDescriptor::samples); the context otherwise comes without them.
   bool setCurrentMultiSampleType(MULTISAMPLE_TYPE type) override;
   bool cacheRenderTargetOnTexture(renderTarget* target) override;
   bool isCachedRenderTargetOnTexture(const renderTarget* target) const override;
@@ -164,6 +168,16 @@ class renderGL : public renderer {
   int getWidth() const { return width; }
   int getHeight() const { return height; }
 
+  // Each state setter stores a copy of the state and sends it to GL, every time: GL then
+  // holds exactly what the last setter said, even where other code touched GL between.
+  // With this option on, a state equal to the stored copy is not sent again, which saves
+  // the calls of a scene that repeats its states. Two states are sent even then: a
+  // z-buffer state that clears first (the clear is its effect), and a material while
+  // colour-material tracking has written into GL's material. Lights are compared with the
+  // view they were placed under. Off by default.
+  void setSkipUnchangedStates(bool on) { skipUnchanged = on; }
+  bool getSkipUnchangedStates() const { return skipUnchanged; }
+
  private:
   // Loads GL's projection and model-view matrices from the current camera and transform.
   bool loadMatrices();
@@ -175,7 +189,8 @@ class renderGL : public renderer {
   void unbookTexture(unsigned name);
   bool uploadIndices(indexBuffer* buffer, const void* indices, uint32_t bytes, unsigned count);
   bool isCachedStream(const vertexBuffer& buffer, unsigned stream) const;
-  // Whether a state goes to GL: when it differs from the copy, or while all are sent.
+  // Whether a state goes to GL: always, unless unchanged states are skipped and this one
+  // equals its copy.
   bool mustSend(bool changed);
 
   PLATFORM::glContextHandle context = nullptr;
@@ -187,6 +202,8 @@ class renderGL : public renderer {
   bool nonPowerOfTwo = false;
   VERTEXPROCESSING_TYPE vertexProcessing = VERTEXPROCESSING_DEVICE;
   MULTISAMPLE_TYPE multiSample = MULTISAMPLE_NONE;
+  // What getMaxMultiSampleType answered last with a context.
+  MULTISAMPLE_TYPE mostSamples = MULTISAMPLE_NONE;
   SYSTEM::mutex textureDiscardLock;
   SYSTEM::mutex vertexBufferDiscardLock;
   SYSTEM::mutex indexBufferDiscardLock;
@@ -197,6 +214,7 @@ class renderGL : public renderer {
   std::vector<unsigned> fontDiscardList;
   deviceStateCopies current;
   bool sendAll = false;
+  bool skipUnchanged = false;
   std::map<unsigned, uint32_t> textureBooking;
   MATH::point4<float> frustumPlanes[6];
   // Colour material has written into GL's material since the copy was last sent.

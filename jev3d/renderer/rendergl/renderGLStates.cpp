@@ -14,8 +14,8 @@ namespace {
 
 using matrix4f = MATH::matrix4<float>;
 
-// Each state setter stores the state in the device copies and sends it to GL only when
-// the copy says it changed.
+// Each state setter stores the state in the device copies and sends it to GL; with
+// unchanged states skipped, only when the copy says it changed.
 
 const GLenum alphaFunctions[] = {GL_NEVER,   GL_LESS,     GL_EQUAL,  GL_LEQUAL,
                                  GL_GREATER, GL_NOTEQUAL, GL_GEQUAL, GL_ALWAYS};
@@ -43,6 +43,14 @@ const GLclampd depthNear[] = {0.0, double(0.0001f), double(0.00015f)};
 const GLclampd depthFar[] = {1.0, double(0.9999f), double(0.99989f)};
 const GLenum fogTypes[] = {GL_LINEAR, GL_EXP, GL_EXP2};
 const GLenum fogHints[] = {GL_FASTEST, GL_NICEST};
+
+const GLenum textureModes[] = {GL_REPLACE, GL_DECAL, GL_MODULATE, GL_BLEND, GL_ADD, GL_COMBINE};
+const GLenum wraps[] = {GL_REPEAT, GL_CLAMP_TO_EDGE, GL_MIRRORED_REPEAT, GL_CLAMP_TO_BORDER};
+const GLenum combineFunctions[] = {GL_REPLACE,     GL_MODULATE,    GL_ADD,         GL_ADD_SIGNED,
+                                   GL_INTERPOLATE, GL_SUBTRACT,    GL_DOT3_RGB,    GL_DOT3_RGBA};
+const GLenum combineSources[] = {GL_TEXTURE, GL_CONSTANT, GL_PRIMARY_COLOR, GL_PREVIOUS};
+const GLenum combineOperands[] = {GL_SRC_COLOR, GL_ONE_MINUS_SRC_COLOR, GL_SRC_ALPHA,
+                                  GL_ONE_MINUS_SRC_ALPHA};
 
 template <class E, size_t N>
 GLenum lookup(const GLenum (&table)[N], E value) {
@@ -74,6 +82,27 @@ void sendMaterialSide(GLenum face, CORE::color emissive, CORE::color ambient, CO
               shininess < 0.0f     ? 0.0f
               : shininess > 128.0f ? 128.0f
                                    : shininess);
+}
+
+// The fifteen terms of the combine mode.
+void sendCombiner(const INSTANCING::textureInstance::combinerDescriptor& c) {
+  const GLenum sourcesRGB[] = {GL_SRC0_RGB, GL_SRC1_RGB, GL_SRC2_RGB};
+  const GLenum sourcesAlpha[] = {GL_SRC0_ALPHA, GL_SRC1_ALPHA, GL_SRC2_ALPHA};
+  const GLenum operandsRGB[] = {GL_OPERAND0_RGB, GL_OPERAND1_RGB, GL_OPERAND2_RGB};
+  const GLenum operandsAlpha[] = {GL_OPERAND0_ALPHA, GL_OPERAND1_ALPHA, GL_OPERAND2_ALPHA};
+  glTexEnvi(GL_TEXTURE_ENV, GL_COMBINE_RGB, GLint(lookup(combineFunctions, c.functionRGB)));
+  // The dot products are colour functions only.
+  const size_t alphaFunction = size_t(c.functionAlpha) < 6 ? size_t(c.functionAlpha) : 1;
+  glTexEnvi(GL_TEXTURE_ENV, GL_COMBINE_ALPHA, GLint(combineFunctions[alphaFunction]));
+  for (int i = 0; i < 3; ++i) {
+    glTexEnvi(GL_TEXTURE_ENV, sourcesRGB[i], GLint(lookup(combineSources, c.sourceRGB[i])));
+    glTexEnvi(GL_TEXTURE_ENV, sourcesAlpha[i], GLint(lookup(combineSources, c.sourceAlpha[i])));
+    glTexEnvi(GL_TEXTURE_ENV, operandsRGB[i], GLint(lookup(combineOperands, c.operandRGB[i])));
+    // Alpha operands take the alpha forms only.
+    const size_t a = size_t(c.operandAlpha[i]) % 2 == 1 ? 3 : 2;
+    glTexEnvi(GL_TEXTURE_ENV, operandsAlpha[i], GLint(combineOperands[a]));
+  }
+  glTexEnvf(GL_TEXTURE_ENV, GL_RGB_SCALE, c.scaleRGB);
 }
 
 MATH::point4<float> times(const MATH::point4<float>& p, const matrix4f& m) { return p * m; }
@@ -219,7 +248,8 @@ bool renderGL::setTextureState(INSTANCING::textureInstance& s) {
   if (s.unit >= units) return false;
   glActiveTexture(GLenum(GL_TEXTURE0 + s.unit));
   TEXTURE::texture* t = s.getTexture();
-  if (!t || t->getDeviceNames().empty()) {
+  const INSTANCING::textureInstance::environmentDescriptor& e = s.environment;
+  if (!e.enable || !t || t->getDeviceNames().empty()) {
     glBindTexture(GL_TEXTURE_2D, 0);
     glDisable(GL_TEXTURE_2D);
     glActiveTexture(GL_TEXTURE0);
@@ -227,12 +257,28 @@ bool renderGL::setTextureState(INSTANCING::textureInstance& s) {
   }
   glEnable(GL_TEXTURE_2D);
   glBindTexture(GL_TEXTURE_2D, t->getDeviceNames().front());
+  GLint mode = GL_MODELVIEW;
+  glGetIntegerv(GL_MATRIX_MODE, &mode);
   glMatrixMode(GL_TEXTURE);
-  glLoadIdentity();
-  glMatrixMode(GL_MODELVIEW);
-  glTexEnvi(GL_TEXTURE_ENV, GL_TEXTURE_ENV_MODE, GL_MODULATE);
-  glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_WRAP_S, GL_REPEAT);
-  glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_WRAP_T, GL_REPEAT);
+  glLoadMatrixf(&e.matrix[0]);
+  glMatrixMode(GLenum(mode));
+  GLfloat colour[4];
+  toFloats(e.color, colour);
+  glTexEnvfv(GL_TEXTURE_ENV, GL_TEXTURE_ENV_COLOR, colour);
+  glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_WRAP_S, GLint(lookup(wraps, e.wrapS)));
+  glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_WRAP_T, GLint(lookup(wraps, e.wrapT)));
+  glTexEnvi(GL_TEXTURE_ENV, GL_TEXTURE_ENV_MODE, GLint(lookup(textureModes, e.mode)));
+  if (e.mode == INSTANCING::textureInstance::TEXTURE_COMBINE) sendCombiner(e.combiner);
+  if (e.filter) {
+    const int kind = t->getParameters().filter;
+    const bool mipmapped = kind != 0 && glGenerateMipmap;
+    glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MAG_FILTER, mipmapped ? GL_LINEAR : GL_NEAREST);
+    glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER,
+                    !mipmapped  ? GL_NEAREST
+                    : kind == 1 ? GL_LINEAR_MIPMAP_NEAREST
+                                : GL_LINEAR_MIPMAP_LINEAR);
+    if (mipmapped) glGenerateMipmap(GL_TEXTURE_2D);
+  }
   glActiveTexture(GL_TEXTURE0);
   return true;
 }
@@ -310,7 +356,9 @@ bool renderGL::setFogState(RENDERSTATE::fogState& s) {
   return true;
 }
 
-bool renderGL::mustSend(bool changed) { return (changed || sendAll) && makeCurrentContext(false); }
+bool renderGL::mustSend(bool changed) {
+  return (changed || sendAll || !skipUnchanged) && makeCurrentContext(false);
+}
 
 void renderGL::sendDefaultStates() {
   sendAll = true;

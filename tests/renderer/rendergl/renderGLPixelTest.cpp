@@ -23,9 +23,11 @@
 #include "jev3d/renderer/renderstate/colorMaterialstate.h"
 #include "jev3d/renderer/renderstate/lightingstate.h"
 #include "jev3d/renderer/renderstate/lightstate.h"
+#include "jev3d/renderer/renderstate/materialstate.h"
 #include "jev3d/renderer/renderstate/scissorstate.h"
 #include "jev3d/renderer/renderstate/viewportstate.h"
 #include "jev3d/renderer/renderstate/wireframestate.h"
+#include "jev3d/renderer/renderstate/zbufferstate.h"
 #include "jev3d/renderer/transformState.h"
 #include "jev3d/renderer/vertexBuffer.h"
 #include "jev3d/resources/textureStorage.h"
@@ -118,6 +120,27 @@ struct glFixture : ::testing::Test {
     ASSERT_TRUE(gl.cacheIndexBuffer(&ib, indices, 6));
   }
 
+  // 2 × 2 pixels, bottom row first: red, green; top row: blue, white.
+  static JEV::IO::textureImage checkerImage() {
+    JEV::IO::textureImage image;
+    image.width = 2;
+    image.height = 2;
+    image.components = 3;
+    image.pixels = {255, 0, 0, 0, 255, 0, 0, 0, 255, 255, 255, 255};
+    return image;
+  }
+  // Stores a texture of `image` as "checker", nearest filtered; the storage holds it.
+  JEV::TEXTURE::texture* addChecker(const JEV::IO::textureImage& image) {
+    auto* picture = new JEV::TEXTURE::texture(&gl);
+    picture->setImage(image);
+    picture->setParameters(JEV::TEXTURE::textureDescriptor{0, 1.0f});
+    JEV::SYSTEM::sharedPointer<JEV::TEXTURE::texture> held(picture);
+    EXPECT_TRUE(rc.getTextureStorage()->addEntry(
+        L"checker", JEV::SYSTEM::sharedPointer<JEV::CORE::textureServer>(
+                        new JEV::CORE::textureServer(held, 1))));
+    return picture;
+  }
+
   windowHandle window = 0;
   renderGL gl;
   renderingContext rc{&gl, nullptr};
@@ -208,19 +231,9 @@ TEST_F(glFixture, aLitCubeIsBrighterOnTheFaceTowardTheLight) {
 }
 
 TEST_F(glFixture, aTexturedQuadShowsItsTexturesColours) {
-  JEV::IO::textureImage image;
-  image.width = 2;
-  image.height = 2;
-  image.components = 3;
-  // Bottom row first: red, green; top row: blue, white.
-  image.pixels = {255, 0, 0, 0, 255, 0, 0, 0, 255, 255, 255, 255};
-  auto* picture = new JEV::TEXTURE::texture(&gl);
-  picture->setImage(image);
-  picture->setParameters(JEV::TEXTURE::textureDescriptor{0, 1.0f});
-  JEV::SYSTEM::sharedPointer<JEV::TEXTURE::texture> held(picture);
-  ASSERT_TRUE(rc.getTextureStorage()->addEntry(
-      L"checker",
-      JEV::SYSTEM::sharedPointer<JEV::CORE::textureServer>(new JEV::CORE::textureServer(held, 1))));
+  JEV::IO::textureImage image = checkerImage();
+  JEV::TEXTURE::texture* picture = nullptr;
+  ASSERT_NO_FATAL_FAILURE(picture = addChecker(image));
   textureInstance texture(rc.getTextureStorage());
   ASSERT_TRUE(texture.connectToResourceStorage(L"checker"));
   EXPECT_FALSE(picture->isCached());
@@ -253,6 +266,62 @@ TEST_F(glFixture, aTexturedQuadShowsItsTexturesColours) {
   frame(unlit);
   EXPECT_TRUE(picture->isCached());
   EXPECT_EQ(gl.getTextureMemoryUsed(), 12u);
+}
+
+TEST_F(glFixture, theTextureEnvironmentCombinesTheTextureWithTheColourComingIn) {
+  JEV::IO::textureImage image = checkerImage();
+  ASSERT_NO_FATAL_FAILURE(addChecker(image));
+  textureInstance texture(rc.getTextureStorage());
+  ASSERT_TRUE(texture.connectToResourceStorage(L"checker"));
+  vertexBuffer vb(VC::COLOR | VC::TC0_2 | VC::POS3);
+  indexBuffer ib;
+  makeQuad(vb, ib, -1, -1, 1, 1, 0, JEV::CORE::color(100, 100, 100, 255));
+  lightingstate unlit(false, false);
+  drawNode quad([&] {
+    gl.renderIndexedGeometry(renderer::DRAW_TRIANGLES, &vb, &ib, 0, ib.getIndexNumber());
+  });
+  quad.connect(&texture, false);
+  texture.connect(&unlit, false);
+  auto near = [](pixel p, int r, int g, int b) {
+    return std::abs(p.r - r) <= 2 && std::abs(p.g - g) <= 2 && std::abs(p.b - b) <= 2;
+  };
+  using T = textureInstance;
+
+  frame(unlit);  // modulate by default
+  EXPECT_TRUE(near(at(32, 32), 100, 0, 0));
+  texture.environment.mode = T::TEXTURE_REPLACE;
+  frame(unlit);
+  EXPECT_TRUE(near(at(32, 32), 255, 0, 0));
+  texture.environment.mode = T::TEXTURE_ADD;
+  frame(unlit);
+  EXPECT_TRUE(near(at(32, 32), 255, 100, 100));
+  // Combine: the vertex colour minus the texture, then scaled.
+  texture.environment.mode = T::TEXTURE_COMBINE;
+  texture.environment.combiner.functionRGB = T::COMBINE_SUBTRACT;
+  texture.environment.combiner.sourceRGB[0] = T::SOURCE_PRIMARY_COLOR;
+  texture.environment.combiner.sourceRGB[1] = T::SOURCE_TEXTURE;
+  texture.environment.combiner.operandRGB[1] = T::OPERAND_SRC_COLOR;
+  frame(unlit);
+  EXPECT_TRUE(near(at(32, 32), 0, 100, 100));
+  EXPECT_TRUE(near(at(96, 96), 0, 0, 0));
+  texture.environment.combiner.scaleRGB = 2.0f;
+  frame(unlit);
+  EXPECT_TRUE(near(at(32, 32), 0, 200, 200));
+
+  // The texture matrix moves the coordinates; wraps decide what lies past the edge.
+  texture.environment.mode = T::TEXTURE_REPLACE;
+  texture.environment.matrix[12] = 0.5f;
+  frame(unlit);
+  EXPECT_TRUE(near(at(32, 32), 0, 255, 0));
+  EXPECT_TRUE(near(at(96, 32), 255, 0, 0)) << "repeated";
+  texture.environment.wrapS = T::WRAP_CLAMP_TO_EDGE;
+  frame(unlit);
+  EXPECT_TRUE(near(at(96, 32), 0, 255, 0)) << "clamped";
+
+  // Off, the unit draws untextured.
+  texture.environment.enable = false;
+  frame(unlit);
+  EXPECT_TRUE(near(at(32, 32), 100, 100, 100));
 }
 
 TEST_F(glFixture, scissorClipsAndAWireframeDrawsOverItsSurface) {
@@ -316,11 +385,73 @@ TEST_F(glFixture, replacingOnlyThePositionsDrawsTheNewShape) {
       gl.renderIndexedGeometry(renderer::DRAW_TRIANGLES, &vb, &ib, 0, vb.getNum(VC::TC0_2)));
 }
 
-TEST_F(glFixture, aStateSetTwiceReachesGLOnce) {
+namespace {
+
+// Counts the calls that reach GL's glActiveTexture, by standing in for GLEW's entry point
+// while it lives.
+class activeTextureCounter {
+ public:
+  activeTextureCounter() : saved(__glewActiveTexture) {
+    real = saved;
+    calls = 0;
+    __glewActiveTexture = &count;
+  }
+  ~activeTextureCounter() { __glewActiveTexture = saved; }
+  activeTextureCounter(const activeTextureCounter&) = delete;
+  activeTextureCounter& operator=(const activeTextureCounter&) = delete;
+  static int calls;
+
+ private:
+  static void GLAPIENTRY count(GLenum unit) {
+    ++calls;
+    real(unit);
+  }
+  static PFNGLACTIVETEXTUREPROC real;
+  PFNGLACTIVETEXTUREPROC saved;
+};
+int activeTextureCounter::calls = 0;
+PFNGLACTIVETEXTUREPROC activeTextureCounter::real = nullptr;
+
+}  // namespace
+
+TEST_F(glFixture, aStateSetTwiceReachesGLTwiceUnlessUnchangedStatesAreSkipped) {
+  EXPECT_FALSE(gl.getSkipUnchangedStates());
+  textureInstance unit1{textureInstance::TEXTURE1};
   alphastate a(true, alphastate::ALPHA_GREATER, 0.5f);
+  {
+    // Every setter sends: a unit selected for the state and back, each time.
+    activeTextureCounter counter;
+    ASSERT_TRUE(gl.setTextureState(unit1));
+    const int once = activeTextureCounter::calls;
+    EXPECT_GT(once, 0);
+    ASSERT_TRUE(gl.setTextureState(unit1));
+    EXPECT_EQ(activeTextureCounter::calls, 2 * once);
+  }
+  // So GL holds what the last setter said, even after a change behind the renderer's back.
+  ASSERT_TRUE(gl.setAlphaState(a));
+  glDisable(GL_ALPHA_TEST);
   ASSERT_TRUE(gl.setAlphaState(a));
   EXPECT_TRUE(glIsEnabled(GL_ALPHA_TEST));
-  // Changed behind the renderer's back: the same state again is not sent, a new one is.
+
+  gl.setSkipUnchangedStates(true);
+  {
+    activeTextureCounter counter;
+    ASSERT_TRUE(gl.setTextureState(unit1));
+    EXPECT_EQ(activeTextureCounter::calls, 0) << "equal to the copy";
+    textureInstance other{textureInstance::TEXTURE1};
+    ASSERT_TRUE(gl.setTextureState(other));
+    const int once = activeTextureCounter::calls;
+    EXPECT_GT(once, 0);
+    ASSERT_TRUE(gl.setTextureState(other));
+    EXPECT_EQ(activeTextureCounter::calls, once);
+    other.environment.mode = textureInstance::TEXTURE_REPLACE;
+    ASSERT_TRUE(gl.setTextureState(other));
+    EXPECT_EQ(activeTextureCounter::calls, 2 * once) << "a changed environment is sent";
+    EXPECT_EQ(gl.getCurrentTextureState(textureInstance::TEXTURE1), &other);
+    // The unit's copy goes before the instance does.
+    ASSERT_TRUE(gl.setTextureState(unit1));
+  }
+  // The same state again is not sent, a new one is.
   glDisable(GL_ALPHA_TEST);
   ASSERT_TRUE(gl.setAlphaState(a));
   EXPECT_FALSE(glIsEnabled(GL_ALPHA_TEST));
@@ -330,6 +461,51 @@ TEST_F(glFixture, aStateSetTwiceReachesGLOnce) {
   GLint function = 0;
   glGetIntegerv(GL_ALPHA_TEST_FUNC, &function);
   EXPECT_EQ(function, GL_LESS);
+}
+
+TEST_F(glFixture, skippingUnchangedStatesKeepsClearsTrackedMaterialsAndMovedLights) {
+  gl.setSkipUnchangedStates(true);
+  // A z-buffer state that clears first clears every time.
+  zbufferstate clearing(true, zbufferstate::DEPTH_LESS, true, true);
+  ASSERT_TRUE(gl.setZbufferState(clearing));
+  glClearDepth(0.25);
+  glClear(GL_DEPTH_BUFFER_BIT);
+  ASSERT_TRUE(gl.setZbufferState(clearing));
+  float depth = 0.0f;
+  ASSERT_TRUE(gl.readPixels(5, 5, 1, 1, renderer::PIXELDATA_DEPTH, renderer::DATA_FLOAT, &depth));
+  EXPECT_FLOAT_EQ(depth, 1.0f);
+
+  // While colour material tracks, GL's material is not the copy: the same material is
+  // sent again.
+  colorMaterialstate tracking;
+  ASSERT_TRUE(gl.setColorMaterialState(tracking));
+  materialstate m;
+  ASSERT_TRUE(gl.setMaterialState(m));
+  glColor4f(1.0f, 0.0f, 0.0f, 1.0f);  // written into the diffuse while tracking
+  colorMaterialstate off;
+  off.mode = colorMaterialstate::COLOR_MATERIAL_OFF;
+  ASSERT_TRUE(gl.setColorMaterialState(off));
+  ASSERT_TRUE(gl.setMaterialState(m));
+  GLfloat diffuse[4] = {};
+  glGetMaterialfv(GL_FRONT, GL_DIFFUSE, diffuse);
+  EXPECT_NEAR(diffuse[0], 150.0f / 255.0f, 1e-3f);
+  EXPECT_NEAR(diffuse[1], 150.0f / 255.0f, 1e-3f);
+
+  // A directional light placed under one view is placed again under another.
+  lightstate light;
+  light.enable = true;
+  light.direction = point3f(0, 0, 1);
+  ASSERT_TRUE(gl.setLightState(light));
+  const point3f before = gl.getCurrentLightState(lightstate::LIGHT0).getCameraSpaceDirection();
+  matrix4f turned;  // a quarter turn about y
+  turned[0] = 0.0f;
+  turned[2] = -1.0f;
+  turned[8] = 1.0f;
+  turned[10] = 0.0f;
+  ASSERT_TRUE(gl.setCameraState(matrix4f(), turned));
+  ASSERT_TRUE(gl.setLightState(light));
+  const point3f after = gl.getCurrentLightState(lightstate::LIGHT0).getCameraSpaceDirection();
+  EXPECT_GT((after - before).norm(), 0.5f);
 }
 
 TEST_F(glFixture, frustumPlanesBoundWhatTheCameraSees) {

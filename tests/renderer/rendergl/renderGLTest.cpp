@@ -41,6 +41,19 @@ std::vector<std::uint8_t> clearReadAndShow(renderGL& gl, int w, int h, float r, 
   return px;
 }
 
+// A 64 × 64 window with the renderer's context on it; 0 when either cannot be made.
+windowHandle contextWindow(renderGL& gl) {
+  platform& p = current();
+  const windowHandle w =
+      p.createWindow(windowDescriptor{L"gl", rect{0, 0, 64, 64}, {}}, ignoreMessages);
+  bool recreate = false;
+  if (w && !gl.createContext(w, recreate)) {
+    p.destroyWindow(w);
+    return 0;
+  }
+  return w;
+}
+
 }  // namespace
 
 TEST(renderGL, contextIsMadeOnceAndTheClearColourReadsBack) {
@@ -96,12 +109,9 @@ TEST(renderGL, contextIsMadeOnceAndTheClearColourReadsBack) {
 
 TEST(renderGL, namesGivenUpFromAnotherThreadAreDeletedAtTheNextFrame) {
   platform& p = current();
-  const windowHandle w =
-      p.createWindow(windowDescriptor{L"gl", rect{0, 0, 64, 64}, {}}, ignoreMessages);
-  ASSERT_NE(w, 0u);
   renderGL gl;
-  bool recreate = false;
-  ASSERT_TRUE(gl.createContext(w, recreate));
+  const windowHandle w = contextWindow(gl);
+  ASSERT_NE(w, 0u);
   std::vector<unsigned> textures(3), buffers(2);
   glGenTextures(3, textures.data());
   for (unsigned t : textures) glBindTexture(GL_TEXTURE_2D, t);
@@ -123,5 +133,92 @@ TEST(renderGL, namesGivenUpFromAnotherThreadAreDeletedAtTheNextFrame) {
   for (unsigned t : t0) EXPECT_FALSE(glIsTexture(t));
   for (unsigned b : b0) EXPECT_FALSE(glIsBuffer(b));
   gl.deleteContext();
+  p.destroyWindow(w);
+}
+
+TEST(renderGL, theContextHasAStencilBufferThatHoldsWhatIsCleared) {
+  platform& p = current();
+  renderGL gl;
+  const windowHandle w = contextWindow(gl);
+  ASSERT_NE(w, 0u);
+  ASSERT_TRUE(gl.init());
+  p.showWindow(w, SW_SHOW);
+  ASSERT_TRUE(waitExposed(p));
+  GLint stencilBits = 0;
+  glGetIntegerv(GL_STENCIL_BITS, &stencilBits);
+  EXPECT_GE(stencilBits, 8);
+  glViewport(0, 0, 64, 64);
+  glDisable(GL_SCISSOR_TEST);
+  glStencilMask(0xFF);
+  glClearStencil(0x5A);
+  glClear(GL_STENCIL_BUFFER_BIT);
+  // Then draw a quad over the left half that writes 0x21 where it covers.
+  glEnable(GL_STENCIL_TEST);
+  glStencilFunc(GL_ALWAYS, 0x21, 0xFF);
+  glStencilOp(GL_KEEP, GL_KEEP, GL_REPLACE);
+  glDisable(GL_DEPTH_TEST);
+  glMatrixMode(GL_PROJECTION);
+  glLoadIdentity();
+  glMatrixMode(GL_MODELVIEW);
+  glLoadIdentity();
+  glBegin(GL_QUADS);
+  glVertex2f(-1.0f, -1.0f);
+  glVertex2f(0.0f, -1.0f);
+  glVertex2f(0.0f, 1.0f);
+  glVertex2f(-1.0f, 1.0f);
+  glEnd();
+  glDisable(GL_STENCIL_TEST);
+  std::uint8_t left = 0, right = 0;
+  ASSERT_TRUE(gl.readPixels(10, 32, 1, 1, renderer::PIXELDATA_STENCIL, renderer::DATA_UNSIGNED_BYTE,
+                            &left));
+  ASSERT_TRUE(gl.readPixels(54, 32, 1, 1, renderer::PIXELDATA_STENCIL, renderer::DATA_UNSIGNED_BYTE,
+                            &right));
+  EXPECT_EQ(left, 0x21);
+  EXPECT_EQ(right, 0x5A);
+  gl.deleteContext();
+  p.destroyWindow(w);
+}
+
+TEST(renderGL, aMultisampleCountChosenFromTheContextGivesAMultisampledContext) {
+  platform& p = current();
+  renderGL gl;
+  bool recreate = false;
+  EXPECT_FALSE(gl.setCurrentMultiSampleType(renderer::MULTISAMPLE_2)) << "nothing answered yet";
+  const windowHandle plain =
+      p.createWindow(windowDescriptor{L"gl", rect{0, 0, 64, 64}, {}}, ignoreMessages);
+  ASSERT_NE(plain, 0u);
+  ASSERT_TRUE(gl.createContext(plain, recreate));
+  GLint sampleBuffers = -1;
+  glGetIntegerv(GL_SAMPLE_BUFFERS, &sampleBuffers);
+  EXPECT_EQ(sampleBuffers, 0) << "none asked";
+  const renderer::MULTISAMPLE_TYPE most = gl.getMaxMultiSampleType();
+  GLint maxSamples = 0;
+  glGetIntegerv(GL_MAX_SAMPLES, &maxSamples);
+  EXPECT_LE(int(most), maxSamples);
+  EXPECT_EQ(gl.getCurrentMultiSampleType(), renderer::MULTISAMPLE_NONE);
+  gl.deleteContext();
+  p.destroyWindow(plain);
+  if (most == renderer::MULTISAMPLE_NONE) GTEST_SKIP() << "this GL does no multisampling";
+
+  // Chosen between two contexts, from what the last one answered.
+  EXPECT_FALSE(gl.setCurrentMultiSampleType(renderer::MULTISAMPLE_TYPE(2 * int(most))));
+  ASSERT_TRUE(gl.setCurrentMultiSampleType(most));
+  windowDescriptor wanted{L"gl", rect{0, 0, 64, 64}, {}};
+  wanted.samples = int(most);
+  const windowHandle w = p.createWindow(wanted, ignoreMessages);
+  ASSERT_NE(w, 0u);
+  ASSERT_TRUE(gl.createContext(w, recreate));
+  EXPECT_EQ(gl.getCurrentMultiSampleType(), most);
+  GLint samples = 0, stencilBits = 0, depthBits = 0;
+  glGetIntegerv(GL_SAMPLE_BUFFERS, &sampleBuffers);
+  glGetIntegerv(GL_SAMPLES, &samples);
+  glGetIntegerv(GL_STENCIL_BITS, &stencilBits);
+  glGetIntegerv(GL_DEPTH_BITS, &depthBits);
+  EXPECT_EQ(sampleBuffers, 1);
+  EXPECT_GE(samples, int(most));
+  EXPECT_GE(stencilBits, 8);
+  EXPECT_GE(depthBits, 24);
+  gl.deleteContext();
+  EXPECT_EQ(gl.getCurrentMultiSampleType(), renderer::MULTISAMPLE_NONE);
   p.destroyWindow(w);
 }
