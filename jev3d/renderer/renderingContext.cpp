@@ -1,5 +1,8 @@
 #include "jev3d/renderer/renderingContext.h"
 
+#include "jev3d/renderer/cameraStack.h"
+#include "jev3d/renderer/renderStateStack.h"
+#include "jev3d/renderer/transformStack.h"
 #include "jev3d/resources/meshStorage.h"
 #include "jev3d/resources/textureStorage.h"
 
@@ -11,8 +14,11 @@ renderingContext::renderingContext(renderer* d, audioRenderer* a)
       windowY(0),
       device(d),
       audio(a),
+      cameras(std::make_shared<cameraStack>(d)),
+      transforms(std::make_shared<transformStack>(d)),
       meshStorage(std::make_shared<CORE::meshStorage>(d)),
-      textureStorage(std::make_shared<CORE::textureStorage>(d)) {}
+      textureStorage(std::make_shared<CORE::textureStorage>(d)),
+      renderStates(std::make_shared<RENDERSTATE::renderStateStack>(d)) {}
 
 renderingContext::renderingContext(const renderingContext& other)
     : windowX(other.windowX.cV()),
@@ -21,10 +27,16 @@ renderingContext::renderingContext(const renderingContext& other)
       windowHeight(other.windowHeight.cV()),
       device(other.device),
       audio(other.audio),
+      cameras(other.cameras),
+      transforms(other.transforms),
       meshStorage(other.meshStorage),
-      textureStorage(other.textureStorage) {}
+      textureStorage(other.textureStorage),
+      renderStates(other.renderStates) {}
 
 void renderingContext::discard() {
+  renderStates->popToBottom();
+  transforms->clear();
+  cameras->popToBottom();
   meshStorage->clear();
   textureStorage->clear();
 }

@@ -14,10 +14,16 @@ namespace RENDERING {
 
 class renderer;
 class audioRenderer;
+class cameraStack;
+class transformStack;
+namespace RENDERSTATE {
+class renderStateStack;
+}
 
-// What every render and update of a window receives: the window's client rectangle as
-// fields, and its devices. The stacks and resource storages join it with the scene and
-// resource layers.
+// What every render and update of a window receives: the camera, transform and render
+// state stacks, the resource storages, the window's client rectangle as fields, and its
+// devices. A copy shares the stacks and storages; the last context holding them frees
+// them.
 class renderingContext {
  public:
   renderingContext(renderer* device, audioRenderer* audio);
@@ -31,6 +37,9 @@ class renderingContext {
 
   renderer* getRenderer() const { return device; }
   audioRenderer* getAudioRenderer() const { return audio; }
+  cameraStack* getCameraStack() const { return cameras.get(); }
+  transformStack* getTransformStack() const { return transforms.get(); }
+  RENDERSTATE::renderStateStack* getRenderStateStack() const { return renderStates.get(); }
   // The window's resource storages, made with the context and shared by its copies.
   CORE::meshStorage* getMeshStorage() const { return meshStorage.get(); }
   CORE::textureStorage* getTextureStorage() const { return textureStorage.get(); }
@@ -43,9 +52,12 @@ class renderingContext {
  private:
   renderer* device;
   audioRenderer* audio;
-  // Shared, so that a copy uses the same storages; the last context to go drops them.
+  // Made in this order: the stacks, the storages, then the render state stack.
+  std::shared_ptr<cameraStack> cameras;
+  std::shared_ptr<transformStack> transforms;
   std::shared_ptr<CORE::meshStorage> meshStorage;
   std::shared_ptr<CORE::textureStorage> textureStorage;
+  std::shared_ptr<RENDERSTATE::renderStateStack> renderStates;
 };
 
 }  // namespace RENDERING

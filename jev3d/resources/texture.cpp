@@ -4,11 +4,25 @@
 
 #include "jev3d/io/image/ioTexture.h"
 #include "jev3d/io/xml/stringConversion.h"
+#include "jev3d/renderer/renderer.h"
 
 namespace JEV {
 namespace TEXTURE {
 
 texture::texture(RENDERING::renderer* render) : deviceResource(render) {}
+
+texture::~texture() { texture::discard(); }
+
+bool texture::cache() {
+  if (isCached()) return true;
+  return getRender() && getRender()->cacheTexture(this);
+}
+
+bool texture::discard() {
+  std::vector<unsigned> names = getDeviceNames();
+  if (getRender() && !names.empty()) getRender()->addTextureToDiscardList(names);
+  return deviceResource::discard();
+}
 
 bool texture::clear() {
   discard();

@@ -22,7 +22,12 @@ struct textureDescriptor {
 class texture : public CORE::deviceResource {
  public:
   explicit texture(RENDERING::renderer* render);
+  ~texture() override;
 
+  // Uploads the picture through the renderer (on the drawing thread).
+  bool cache() override;
+  // Hands the device names to the renderer's discard list, so any thread may call it.
+  bool discard() override;
   // Hands the device names back and drops the picture.
   bool clear() override;
 

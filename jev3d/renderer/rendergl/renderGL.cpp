@@ -2,6 +2,8 @@
 
 #include <GL/glew.h>
 
+#include "jev3d/renderer/instancing/renderTargetInstance.h"
+#include "jev3d/renderer/renderStateStack.h"
 #include "jev3d/renderer/renderingContext.h"
 
 namespace JEV {
@@ -19,6 +21,13 @@ const GLenum pixelFormats[] = {GL_COLOR_INDEX, GL_STENCIL_INDEX, GL_DEPTH_COMPON
                                GL_RGBA,        GL_LUMINANCE,     GL_LUMINANCE_ALPHA, GL_BGR};
 const GLenum dataTypes[] = {GL_UNSIGNED_BYTE, GL_BYTE,         GL_BITMAP, GL_UNSIGNED_SHORT,
                             GL_SHORT,         GL_UNSIGNED_INT, GL_INT,    GL_FLOAT};
+
+// glewInit on an EGL context (the headless path) loads the entry points and then reports
+// that there is no GLX display, which does not matter there.
+bool initGlew() {
+  const GLenum result = glewInit();
+  return result == GLEW_OK || result == GLEW_ERROR_NO_GLX_DISPLAY;
+}
 
 void takeOver(const SYSTEM::mutex& lock, std::vector<unsigned>& list,
               std::vector<unsigned>& names) {
@@ -52,7 +61,7 @@ bool renderGL::createContext(PLATFORM::windowHandle w, bool& recreate) {
     return false;
   }
   glewExperimental = GL_FALSE;
-  if (glewInit() != GLEW_OK) {
+  if (!initGlew()) {
     deleteContext();
     return false;
   }
@@ -130,11 +139,24 @@ renderer::VERTEXPROCESSING_TYPE renderGL::getVertexProcessingType() {
                                                         : VERTEXPROCESSING_CLIENT;
 }
 
-bool renderGL::resetDevice(renderingContext* ctx) { return ctx != nullptr; }
+bool renderGL::resetDevice(renderingContext* ctx) {
+  if (!ctx) return false;
+  width = ctx->windowWidth.cV();
+  height = ctx->windowHeight.cV();
+  // The window target draws over the whole client rectangle.
+  INSTANCING::renderTargetInstance& target =
+      ctx->getRenderStateStack()->getCurrentRenderTargetState();
+  if (target.isWindowTarget()) {
+    target.scissor.set(0, 0, width, height, target.scissor.enable.cV(), false);
+    target.viewport.set(0, 0, width, height, false, RENDERSTATE::viewportstate::VIEWPORT_FREE);
+    target.viewport.computeSize(this);
+  }
+  return true;
+}
 
 bool renderGL::init() {
   if (!makeCurrentContext(false)) return false;
-  if (glewInit() != GLEW_OK) return false;
+  if (!initGlew()) return false;
   if (vertexProcessing == VERTEXPROCESSING_DEVICE &&
       !glewIsSupported("GL_ARB_vertex_buffer_object")) {
     vertexProcessing = VERTEXPROCESSING_CLIENT;
@@ -150,19 +172,28 @@ bool renderGL::init() {
   glGetFloatv(GL_POINT_SIZE_RANGE, range);
   pointSizeMin = range[0];
   pointSizeMax = range[1];
+  sendDefaultStates();
   return true;
 }
 
-void renderGL::addTextureNamesToDiscardList(std::vector<unsigned>& names) {
+void renderGL::addTextureToDiscardList(std::vector<unsigned>& names) {
   takeOver(textureDiscardLock, textureDiscardList, names);
 }
 
-void renderGL::addVertexBufferNamesToDiscardList(std::vector<unsigned>& names) {
+void renderGL::addVertexBufferToDiscardList(std::vector<unsigned>& names) {
   takeOver(vertexBufferDiscardLock, vertexBufferDiscardList, names);
 }
 
-void renderGL::addIndexBufferNamesToDiscardList(std::vector<unsigned>& names) {
+void renderGL::addIndexBufferToDiscardList(std::vector<unsigned>& names) {
   takeOver(indexBufferDiscardLock, indexBufferDiscardList, names);
+}
+
+void renderGL::addTextureToDiscardList3D(std::vector<unsigned>& names) {
+  takeOver(textureDiscardLock, textureDiscardList, names);
+}
+
+void renderGL::addFontToDiscardList(std::vector<unsigned>& names) {
+  takeOver(fontDiscardLock, fontDiscardList, names);
 }
 
 bool renderGL::emptyDiscardList() {
@@ -185,6 +216,13 @@ bool renderGL::emptyDiscardList() {
   }
   indexBufferDiscardList.clear();
   indexBufferDiscardLock.release();
+  // A font's device objects are its glyph textures.
+  fontDiscardLock.wait(SYSTEM::INFINITE);
+  for (unsigned n : fontDiscardList) {
+    if (glIsTexture(n)) glDeleteTextures(1, &n);
+  }
+  fontDiscardList.clear();
+  fontDiscardLock.release();
   return true;
 }
 

@@ -3,6 +3,7 @@
 #include <string>
 #include <vector>
 
+#include "jev3d/renderer/deviceStateCopies.h"
 #include "jev3d/renderer/renderer.h"
 #include "jev3d/system/mutex.h"
 
@@ -28,25 +29,149 @@ class renderGL : public renderer {
   int getMaxTextureUnits() override;
   int getMaxLight() override;
   VERTEXPROCESSING_TYPE getVertexProcessingType() override;
+  VERTEXPROCESSING_TYPE getCurrentVertexProcessingType() const override { return vertexProcessing; }
+  MULTISAMPLE_TYPE getMaxMultiSampleType() override;
+  MULTISAMPLE_TYPE getCurrentMultiSampleType() const override { return multiSample; }
   bool getTextureNonPowerOfTwo() const override { return nonPowerOfTwo; }
   const std::wstring& getRendererName() const override { return name; }
   int getRendererKind() const override { return 0; }
+  bool isSupportRenderTargetOnTexture() override;
+  bool setCurrentVertexProcessingType(VERTEXPROCESSING_TYPE type) override;
+  bool setCurrentMultiSampleType(MULTISAMPLE_TYPE type) override;
+  bool cacheRenderTargetOnTexture(renderTarget* target) override;
+  bool isCachedRenderTargetOnTexture(const renderTarget* target) const override;
+  bool discardRenderTargetOnTexture(renderTarget* target) override;
+  bool clear(INSTANCING::renderTargetInstance& target) override;
   bool resetDevice(renderingContext* context) override;
-  bool init() override;
-  bool emptyDiscardList() override;
+  bool beginScene(INSTANCING::renderTargetInstance& target) override;
+  bool endScene() override { return true; }
 
-  // Hand GL names over for deletion at the head of the next frame; safe from any thread.
-  // The vector is emptied.
-  void addTextureNamesToDiscardList(std::vector<unsigned>& names);
-  void addVertexBufferNamesToDiscardList(std::vector<unsigned>& names);
-  void addIndexBufferNamesToDiscardList(std::vector<unsigned>& names);
+  bool setAlphaState(RENDERSTATE::alphastate& state) override;
+  bool setClipPlaneState(RENDERSTATE::clipPlanestate& state) override;
+  bool setBlendState(RENDERSTATE::blendstate& state) override;
+  bool setCullState(RENDERSTATE::cullstate& state) override;
+  bool setLightingState(RENDERSTATE::lightingstate& state) override;
+  bool setLightState(RENDERSTATE::lightstate& state) override;
+  bool setColorMaterialState(RENDERSTATE::colorMaterialstate& state) override;
+  bool setMaterialState(RENDERSTATE::materialstate& state) override;
+  bool setTextureState(INSTANCING::textureInstance& state) override;
+  bool setTexture3DState(INSTANCING::textureInstance& state) override;
+  bool setZbufferState(RENDERSTATE::zbufferstate& state) override;
+  bool setColorBufferState(RENDERSTATE::colorbufferstate& state) override;
+  bool setViewportState(RENDERSTATE::viewportstate& state) override;
+  bool setScissorState(RENDERSTATE::scissorstate& state) override;
+  bool setWireFrameState(RENDERSTATE::wireframestate& state) override;
+  bool setPointSizeState(RENDERSTATE::pointSizestate& state) override;
+  bool setFogState(RENDERSTATE::fogState& state) override;
+
+  const RENDERSTATE::alphastate& getCurrentAlphaState() const override { return current.alpha; }
+  const RENDERSTATE::clipPlanestate& getCurrentClipPlaneStateState(CLIP_PLANE plane) const override;
+  const RENDERSTATE::blendstate& getCurrentBlendState() const override { return current.blend; }
+  const RENDERSTATE::cullstate& getCurrentCullState() const override { return current.cull; }
+  const RENDERSTATE::lightingstate& getCurrentLightingState() const override {
+    return current.lighting;
+  }
+  const RENDERSTATE::lightstate& getCurrentLightState(LIGHT_SOURCE light) const override;
+  const RENDERSTATE::colorMaterialstate& getCurrentColorMaterialState() const override {
+    return current.colorMaterial;
+  }
+  const RENDERSTATE::materialstate& getCurrentMaterialState() const override {
+    return current.material;
+  }
+  INSTANCING::textureInstance* getCurrentTextureState(TEXTURE_ACTIVE unit) const override;
+  const RENDERSTATE::zbufferstate& getCurrentZbufferState() const override {
+    return current.zbuffer;
+  }
+  const RENDERSTATE::colorbufferstate& getCurrentColorBufferState() const override {
+    return current.colorBuffer;
+  }
+  const RENDERSTATE::viewportstate& getCurrentViewportState() const override {
+    return current.viewport;
+  }
+  const RENDERSTATE::scissorstate& getCurrentScissorState() const override {
+    return current.scissor;
+  }
+  const RENDERSTATE::wireframestate& getCurrentWireFrameState() const override {
+    return current.wireframe;
+  }
+  const RENDERSTATE::pointSizestate& getCurrentPointSizeState() const override {
+    return current.pointSize;
+  }
+  const RENDERSTATE::fogState& getCurrentFogState() const override { return current.fog; }
+  INSTANCING::renderTargetInstance* getCurrentRenderTargetState() const override {
+    return current.renderTarget;
+  }
+
+  bool createFont(GUI::font* font) override;
+  bool cacheFont(GUI::font* font) override;
+  bool isCachedFont(const GUI::font* font) const override;
+  bool discardFont(GUI::font* font) override;
+  bool getFontBox(GUI::font* font, const std::wstring& text, int& width, int& height) override;
+  int getFontMaxHeight(GUI::font* font) override;
+  bool renderText(GUI::font* font, const std::wstring& text, int x, int y,
+                  CORE::color colour) override;
+
+  bool setCameraState(const MATH::matrix4<float>& projection,
+                      const MATH::matrix4<float>& view) override;
+  const cameraState& getCurrentCameraState() const override { return current.camera; }
+  bool setTransformState(const MATH::matrix4<float>& matrix) override;
+  const transformState& getCurrentTransformState() const override { return current.transform; }
+  bool updateFrustum() override;
+  MATH::point4<float> getFrustumPlane(int index) const override;
+
+  bool cacheTexture(TEXTURE::texture* texture) override;
+  bool cacheTexture3D(TEXTURE::texture3D* texture) override;
+  bool updateTexture(TEXTURE::texture* texture, const void* pixels) override;
+  bool updateTexture(TEXTURE::texture* texture) override;
+  bool discardTexture(TEXTURE::texture* texture) override;
+  bool discardTexture3D(TEXTURE::texture3D* texture) override;
+
+  bool cacheVertexDeclaration(vertexDeclaration* declaration) override;
+  bool cacheIndexBuffer(indexBuffer* buffer, const unsigned short* indices,
+                        unsigned count) override;
+  bool cacheIndexBuffer(indexBuffer* buffer, const unsigned* indices, unsigned count) override;
+  bool cacheVertexBufferElement(vertexBuffer* buffer, unsigned component, const void* data,
+                                unsigned count) override;
+  bool isCachedVertexBuffer(const vertexBuffer* buffer) const override;
+  bool isCachedVertexBufferElement(const vertexBuffer* buffer, unsigned component) const override;
+  bool isCachedIndexBuffer(const indexBuffer* buffer) const override;
+  bool lockVertexBufferElement(vertexBuffer* buffer, unsigned component, void*& data) override;
+  bool unlockVertexBufferElement(vertexBuffer* buffer, unsigned component) override;
+  bool discardIndexBuffer(indexBuffer* buffer) override;
+  bool discardVertexBuffer(vertexBuffer* buffer) override;
+  bool discardVertexBufferElement(vertexBuffer* buffer, unsigned component) override;
+  bool renderGeometry(DRAW_MODE mode, vertexBuffer* buffer, unsigned first,
+                      unsigned count) override;
+  bool renderIndexedGeometry(DRAW_MODE mode, vertexBuffer* buffer, indexBuffer* indices,
+                             const std::vector<std::pair<unsigned, unsigned>>& ranges) override;
+  bool renderIndexedGeometry(DRAW_MODE mode, vertexBuffer* buffer, indexBuffer* indices,
+                             unsigned first, unsigned count) override;
+  bool setVertexDeclaration(vertexDeclaration* declaration) override;
+  bool setVertexBuffer(vertexBuffer* buffer) override;
+  bool setIndexBuffer(indexBuffer* buffer) override;
+  bool draw(DRAW_MODE mode, unsigned first, unsigned count) override;
+
+  bool init() override;
+  void addTextureToDiscardList(std::vector<unsigned>& names) override;
+  void addTextureToDiscardList3D(std::vector<unsigned>& names) override;
+  void addVertexBufferToDiscardList(std::vector<unsigned>& names) override;
+  void addIndexBufferToDiscardList(std::vector<unsigned>& names) override;
+  void addFontToDiscardList(std::vector<unsigned>& names) override;
+  bool emptyDiscardList() override;
 
   int getWidth() const { return width; }
   int getHeight() const { return height; }
-  VERTEXPROCESSING_TYPE getCurrentVertexProcessingType() const { return vertexProcessing; }
-  MULTISAMPLE_TYPE getCurrentMultiSampleType() const { return multiSample; }
 
  private:
+  // Loads GL's projection and model-view matrices from the current camera and transform.
+  bool loadMatrices();
+  // Sends every state once, so that GL and the device copies agree.
+  void sendDefaultStates();
+  bool uploadIndices(indexBuffer* buffer, const void* indices, uint32_t bytes, unsigned count);
+  bool isCachedStream(const vertexBuffer& buffer, unsigned stream) const;
+  // Whether a state goes to GL: when it differs from the copy, or while all are sent.
+  bool mustSend(bool changed);
+
   PLATFORM::glContextHandle context = nullptr;
   PLATFORM::windowHandle window = 0;
   unsigned currentVertexMask = 0;
@@ -59,9 +184,16 @@ class renderGL : public renderer {
   SYSTEM::mutex textureDiscardLock;
   SYSTEM::mutex vertexBufferDiscardLock;
   SYSTEM::mutex indexBufferDiscardLock;
+  SYSTEM::mutex fontDiscardLock;
   std::vector<unsigned> textureDiscardList;
   std::vector<unsigned> vertexBufferDiscardList;
   std::vector<unsigned> indexBufferDiscardList;
+  std::vector<unsigned> fontDiscardList;
+  deviceStateCopies current;
+  bool sendAll = false;
+  MATH::point4<float> frustumPlanes[6];
+  // Colour material has written into GL's material since the copy was last sent.
+  bool materialTracked = false;
 };
 
 }  // namespace RENDERING

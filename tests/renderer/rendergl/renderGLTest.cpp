@@ -126,8 +126,8 @@ TEST(renderGL, namesGivenUpFromAnotherThreadAreDeletedAtTheNextFrame) {
   const std::vector<unsigned> t0 = textures, b0 = buffers;
 
   std::thread worker([&] {
-    gl.addTextureNamesToDiscardList(textures);
-    gl.addVertexBufferNamesToDiscardList(buffers);
+    gl.addTextureToDiscardList(textures);
+    gl.addVertexBufferToDiscardList(buffers);
   });
   worker.join();
   EXPECT_TRUE(textures.empty());

@@ -1,0 +1,198 @@
+#pragma once
+
+namespace JEV {
+namespace RENDERING {
+namespace RENDERSTATE {
+
+// The enumerations of the state classes, gathered so that the renderer's table can name
+// them without the scene graph. Their numbers are the format of saved states and map onto
+// the graphics API by position.
+struct renderStateEnums {
+  // The index of a stack of renderStateStack: 256 slots, these in use.
+  enum RENDER_STATE {
+    ALPHA_STATE = 0,
+    BLEND_STATE = 1,
+    CULL_STATE = 2,
+    LIGHTING_STATE = 3,
+    FOG_STATE = 4,
+    LIGHT_STATE0 = 10,  // one slot a light: LIGHT_STATE0 + light index
+    LIGHT_STATE23 = 33,
+    COLOR_MATERIAL_STATE = 34,
+    MATERIAL_STATE = 35,
+    POINT_SIZE_STATE = 36,
+    TEXTURE_STATE0 = 40,  // one slot a texture unit: TEXTURE_STATE0 + unit
+    TEXTURE_STATE32 = 72,
+    COLOR_BUFFER_STATE = 73,
+    ZBUFFER_STATE = 74,
+    VIEWPORT_STATE = 75,
+    SCISSOR_STATE = 76,
+    WIREFRAME_STATE = 77,
+    RENDER_TARGET_STATE = 79,
+    CLIP_PLANE_STATE0 = 180,  // one slot a plane: CLIP_PLANE_STATE0 + plane
+    CLIP_PLANE_STATE5 = 185,
+    RENDER_STATE_COUNT = 256
+  };
+
+  enum ALPHA_FUNC {
+    ALPHA_NEVER,
+    ALPHA_LESS,
+    ALPHA_EQUAL,
+    ALPHA_LEQUAL,
+    ALPHA_GREATER,
+    ALPHA_NOTEQUAL,
+    ALPHA_GEQUAL,
+    ALPHA_ALWAYS
+  };
+  // Less-or-equal stands before equal here, unlike ALPHA_FUNC.
+  enum DEPTH_FUNC {
+    DEPTH_NEVER,
+    DEPTH_LESS,
+    DEPTH_LEQUAL,
+    DEPTH_EQUAL,
+    DEPTH_GREATER,
+    DEPTH_NOTEQUAL,
+    DEPTH_GEQUAL,
+    DEPTH_ALWAYS
+  };
+  enum SRC_BLEND {
+    SRC_ZERO,
+    SRC_ONE,
+    SRC_DST_COLOR,
+    SRC_ONE_MINUS_DST_COLOR,
+    SRC_SRC_ALPHA,
+    SRC_ONE_MINUS_SRC_ALPHA,
+    SRC_DST_ALPHA,
+    SRC_ONE_MINUS_DST_ALPHA,
+    SRC_SRC_ALPHA_SATURATE
+  };
+  enum DST_BLEND {
+    DST_ZERO,
+    DST_ONE,
+    DST_SRC_COLOR,
+    DST_ONE_MINUS_SRC_COLOR,
+    DST_SRC_ALPHA,
+    DST_ONE_MINUS_SRC_ALPHA,
+    DST_DST_ALPHA,
+    DST_ONE_MINUS_DST_ALPHA
+  };
+  enum FRONT_FACE_MODE { FRONT_FACE_CCW, FRONT_FACE_CW };
+  enum FILL_MODE { FILL_SOLID, FILL_LINE, FILL_POINT };
+  enum COLOR_MATERIAL {
+    COLOR_MATERIAL_EMISSION,
+    COLOR_MATERIAL_AMBIENT,
+    COLOR_MATERIAL_DIFFUSE,
+    COLOR_MATERIAL_SPECULAR,
+    COLOR_MATERIAL_AMBIENT_AND_DIFFUSE,
+    COLOR_MATERIAL_OFF
+  };
+  enum FACE_MATERIAL { FACE_FRONT, FACE_BACK, FACE_FRONT_AND_BACK };
+  enum FOG_TYPE { FOG_LINEAR, FOG_EXP, FOG_EXP2 };
+  enum FOG_MODE { FOG_FASTEST, FOG_NICEST };
+  enum LIGHT_TYPE { LIGHT_DIRECTIONAL, LIGHT_POINT, LIGHT_SPOT };
+  // 0 takes the requested rectangle; any other value letterboxes it to 16:9.
+  enum VIEWPORT_TYPE { VIEWPORT_FREE, VIEWPORT_16_9 };
+  enum LIGHT_SOURCE {
+    LIGHT0,
+    LIGHT1,
+    LIGHT2,
+    LIGHT3,
+    LIGHT4,
+    LIGHT5,
+    LIGHT6,
+    LIGHT7,
+    LIGHT8,
+    LIGHT9,
+    LIGHT10,
+    LIGHT11,
+    LIGHT12,
+    LIGHT13,
+    LIGHT14,
+    LIGHT15,
+    LIGHT16,
+    LIGHT17,
+    LIGHT18,
+    LIGHT19,
+    LIGHT20,
+    LIGHT21,
+    LIGHT22,
+    LIGHT23,
+    LIGHT_SOURCE_COUNT
+  };
+  enum TEXTURE_ACTIVE {
+    TEXTURE0,
+    TEXTURE1,
+    TEXTURE2,
+    TEXTURE3,
+    TEXTURE4,
+    TEXTURE5,
+    TEXTURE6,
+    TEXTURE7,
+    TEXTURE8,
+    TEXTURE9,
+    TEXTURE10,
+    TEXTURE11,
+    TEXTURE12,
+    TEXTURE13,
+    TEXTURE14,
+    TEXTURE15,
+    TEXTURE16,
+    TEXTURE17,
+    TEXTURE18,
+    TEXTURE19,
+    TEXTURE20,
+    TEXTURE21,
+    TEXTURE22,
+    TEXTURE23,
+    TEXTURE24,
+    TEXTURE25,
+    TEXTURE26,
+    TEXTURE27,
+    TEXTURE28,
+    TEXTURE29,
+    TEXTURE30,
+    TEXTURE31,
+    TEXTURE32,
+    TEXTURE_ACTIVE_COUNT
+  };
+  enum CLIP_PLANE {
+    CLIP_PLANE0,
+    CLIP_PLANE1,
+    CLIP_PLANE2,
+    CLIP_PLANE3,
+    CLIP_PLANE4,
+    CLIP_PLANE5,
+    CLIP_PLANE_COUNT
+  };
+  // The presets of materialstate, in table order.
+  enum MATERIAL_TYPE {
+    MATERIAL_EMERALD,
+    MATERIAL_JADE,
+    MATERIAL_OBSIDIAN,
+    MATERIAL_PEARL,
+    MATERIAL_RUBY,
+    MATERIAL_TURQUOISE,
+    MATERIAL_BRASS,
+    MATERIAL_BRONZE,
+    MATERIAL_CHROME,
+    MATERIAL_COPPER,
+    MATERIAL_GOLD,
+    MATERIAL_SILVER,
+    MATERIAL_BLACK_PLASTIC,
+    MATERIAL_CYAN_PLASTIC,
+    MATERIAL_GREEN_PLASTIC,
+    MATERIAL_RED_PLASTIC,
+    MATERIAL_WHITE_PLASTIC,
+    MATERIAL_YELLOW_PLASTIC,
+    MATERIAL_BLACK_RUBBER,
+    MATERIAL_CYAN_RUBBER,
+    MATERIAL_GREEN_RUBBER,
+    MATERIAL_RED_RUBBER,
+    MATERIAL_WHITE_RUBBER,
+    MATERIAL_YELLOW_RUBBER,
+    MATERIAL_TYPE_COUNT
+  };
+};
+
+}  // namespace RENDERSTATE
+}  // namespace RENDERING
+}  // namespace JEV

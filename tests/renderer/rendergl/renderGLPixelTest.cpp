@@ -1,0 +1,359 @@
+// Scenes drawn through the state nodes and vertex buffers, read back pixel by pixel.
+#include <GL/glew.h>
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <cstdint>
+#include <cstdlib>
+#include <functional>
+#include <thread>
+#include <vector>
+
+#include "jev3d/platform/messages.h"
+#include "jev3d/renderer/indexBuffer.h"
+#include "jev3d/renderer/instancing/renderTargetInstance.h"
+#include "jev3d/renderer/instancing/textureInstance.h"
+#include "jev3d/renderer/renderStateStack.h"
+#include "jev3d/renderer/rendergl/renderGL.h"
+#include "jev3d/renderer/renderingContext.h"
+#include "jev3d/renderer/renderstate/alphastate.h"
+#include "jev3d/renderer/renderstate/colorMaterialstate.h"
+#include "jev3d/renderer/renderstate/lightingstate.h"
+#include "jev3d/renderer/renderstate/lightstate.h"
+#include "jev3d/renderer/renderstate/scissorstate.h"
+#include "jev3d/renderer/renderstate/wireframestate.h"
+#include "jev3d/renderer/transformState.h"
+#include "jev3d/renderer/vertexBuffer.h"
+#include "jev3d/resources/textureStorage.h"
+
+using namespace JEV::PLATFORM;
+using namespace JEV::RENDERING;
+using namespace JEV::RENDERING::RENDERSTATE;
+using JEV::RENDERING::INSTANCING::textureInstance;
+using point3f = JEV::MATH::point3<float>;
+using matrix4f = JEV::MATH::matrix4<float>;
+using VC = vertexDeclaration::VERTEX_COMPONENTS;
+
+namespace {
+
+constexpr int size = 128;
+
+std::int64_t ignore(windowHandle, unsigned, std::uint64_t, std::int64_t) { return 0; }
+
+bool waitExposed(platform& p) {
+  const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(10);
+  while (std::chrono::steady_clock::now() < end) {
+    message m;
+    while (p.peekMessage(m)) {
+      if (m.msg == WM_PAINT) return true;
+    }
+    std::this_thread::sleep_for(std::chrono::milliseconds(5));
+  }
+  return false;
+}
+
+// A node that draws through a callback.
+class drawNode : public JEV::SG::node {
+ public:
+  explicit drawNode(std::function<void()> f) : draw(std::move(f)) {}
+  void render(renderingContext* rc) override {
+    draw();
+    JEV::SG::node::render(rc);
+  }
+  std::function<void()> draw;
+};
+
+struct pixel {
+  int r, g, b;
+};
+
+struct glFixture : ::testing::Test {
+  void SetUp() override {
+    window =
+        current().createWindow(windowDescriptor{L"pixels", rect{10, 10, size, size}, {}}, ignore);
+    ASSERT_NE(window, 0u);
+    bool recreate = false;
+    ASSERT_TRUE(gl.createContext(window, recreate));
+    ASSERT_TRUE(gl.init());
+    current().showWindow(window, SW_SHOW);
+    ASSERT_TRUE(waitExposed(current()));
+    rc.windowWidth = size;
+    rc.windowHeight = size;
+    ASSERT_TRUE(gl.resetDevice(&rc));
+  }
+  void TearDown() override {
+    rc.discard();
+    gl.deleteContext();
+    if (window) current().destroyWindow(window);
+  }
+
+  // One frame: begin the window target with its clear, walk `root`, read back.
+  void frame(JEV::SG::node& root) {
+    ASSERT_TRUE(gl.makeCurrentContext(false));
+    ASSERT_TRUE(gl.emptyDiscardList());
+    auto& target = rc.getRenderStateStack()->getCurrentRenderTargetState();
+    target.clearColour = JEV::CORE::color(0, 0, 0, 255);
+    gl.beginScene(target);
+    gl.clear(target);
+    root.render(&rc);
+    pixels.assign(size_t(size) * size * 4, 0);
+    ASSERT_TRUE(gl.readPixels(0, 0, size, size, renderer::PIXELDATA_RGBA,
+                              renderer::DATA_UNSIGNED_BYTE, pixels.data()));
+    gl.swapBuffers();
+  }
+  pixel at(int x, int y) const {
+    const std::uint8_t* p = pixels.data() + (size_t(y) * size + size_t(x)) * 4;
+    return pixel{p[0], p[1], p[2]};
+  }
+  int brightness(int x, int y) const {
+    const pixel p = at(x, y);
+    return p.r + p.g + p.b;
+  }
+
+  // A quad over [x0, x1] × [y0, y1] at depth z, two triangles, with an optional colour
+  // and texture coordinates.
+  void makeQuad(vertexBuffer& vb, indexBuffer& ib, float x0, float y0, float x1, float y1, float z,
+                JEV::CORE::color colour) {
+    const float pos[] = {x0, y0, z, x1, y0, z, x1, y1, z, x0, y1, z};
+    const JEV::CORE::color colours[] = {colour, colour, colour, colour};
+    const float uv[] = {0, 0, 1, 0, 1, 1, 0, 1};
+    const unsigned indices[] = {0, 1, 2, 0, 2, 3};
+    if (vb.getDeclaration().isVertexComponent(VC::COLOR)) {
+      ASSERT_TRUE(gl.cacheVertexBufferElement(&vb, VC::COLOR, colours, 4));
+    }
+    if (vb.getDeclaration().isVertexComponent(VC::TC0_2)) {
+      ASSERT_TRUE(gl.cacheVertexBufferElement(&vb, VC::TC0_2, uv, 4));
+    }
+    ASSERT_TRUE(gl.cacheVertexBufferElement(&vb, VC::POS3, pos, 4));
+    ASSERT_TRUE(gl.cacheIndexBuffer(&ib, indices, 6));
+  }
+
+  windowHandle window = 0;
+  renderGL gl;
+  renderingContext rc{&gl, nullptr};
+  std::vector<std::uint8_t> pixels;
+};
+
+// The identity camera maps [-1, 1] to the window; depth grows with z.
+struct cubeFace {
+  point3f normal, u, v;
+};
+
+}  // namespace
+
+TEST_F(glFixture, aLitCubeIsBrighterOnTheFaceTowardTheLight) {
+  // 24 corners, four a face, each with the face's normal.
+  const cubeFace faces[6] = {{{1, 0, 0}, {0, 1, 0}, {0, 0, 1}}, {{-1, 0, 0}, {0, 0, 1}, {0, 1, 0}},
+                             {{0, 1, 0}, {0, 0, 1}, {1, 0, 0}}, {{0, -1, 0}, {1, 0, 0}, {0, 0, 1}},
+                             {{0, 0, 1}, {1, 0, 0}, {0, 1, 0}}, {{0, 0, -1}, {0, 1, 0}, {1, 0, 0}}};
+  std::vector<float> positions, normals;
+  std::vector<unsigned> indices;
+  for (const cubeFace& f : faces) {
+    const unsigned base = unsigned(positions.size() / 3);
+    for (int corner = 0; corner < 4; ++corner) {
+      const float su = corner == 1 || corner == 2 ? 1.0f : -1.0f;
+      const float sv = corner >= 2 ? 1.0f : -1.0f;
+      const point3f p = f.normal + f.u * su + f.v * sv;
+      positions.insert(positions.end(), {p.x, p.y, p.z});
+      normals.insert(normals.end(), {f.normal.x, f.normal.y, f.normal.z});
+    }
+    indices.insert(indices.end(), {base, base + 1, base + 2, base, base + 2, base + 3});
+  }
+  vertexBuffer vb(VC::NORMAL | VC::POS3);
+  indexBuffer ib;
+  ASSERT_TRUE(gl.cacheVertexBufferElement(&vb, VC::NORMAL, normals.data(), 24));
+  ASSERT_TRUE(gl.cacheVertexBufferElement(&vb, VC::POS3, positions.data(), 24));
+  ASSERT_TRUE(gl.cacheIndexBuffer(&ib, indices.data(), unsigned(indices.size())));
+  EXPECT_TRUE(gl.isCachedVertexBuffer(&vb));
+  EXPECT_TRUE(gl.isCachedIndexBuffer(&ib));
+  EXPECT_EQ(gl.getMemoryUsed(), 24u * 12 * 2 + 36 * 4);
+
+  // Turned so that the -z, -x and -y faces look at the viewer (the camera looks along +z).
+  matrix4f turn = matrix4f().setRotateRad(0.6f, 0, 1, 0) * matrix4f().setRotateRad(-0.5f, 1, 0, 0);
+  transformState placed(matrix4f::getScale(0.4f, 0.4f, 0.4f) * turn);
+  // Diffuse light only, on the material's own diffuse colour.
+  lightstate light;
+  light.enable = true;
+  light.ambient = JEV::CORE::color(0, 0, 0, 255);
+  colorMaterialstate materialOnly(colorMaterialstate::COLOR_MATERIAL_OFF,
+                                  colorMaterialstate::FACE_FRONT_AND_BACK);
+  drawNode cube([&] {
+    gl.renderIndexedGeometry(renderer::DRAW_TRIANGLES, &vb, &ib, 0, ib.getIndexNumber());
+  });
+  cube.connect(&placed, false);
+  placed.connect(&light, false);
+  light.connect(&materialOnly, false);
+
+  // The two faces that look most at the viewer (the most negative z once turned): aim
+  // the light at one, then the other, and read both centres.
+  point3f visible[2] = {faces[0].normal, faces[1].normal};
+  for (const cubeFace& f : faces) {
+    const float z = (f.normal * turn).z;
+    if (z < (visible[0] * turn).z) {
+      visible[1] = visible[0];
+      visible[0] = f.normal;
+    } else if (z < (visible[1] * turn).z && !(f.normal == visible[0])) {
+      visible[1] = f.normal;
+    }
+  }
+  ASSERT_LT((visible[1] * turn).z, -0.2f);
+  int windowX[2], windowY[2];
+  const int viewport[4] = {0, 0, size, size};
+  for (int i = 0; i < 2; ++i) {
+    point3f w;
+    ASSERT_TRUE(renderer::project(visible[i], placed.matrix.cV(), matrix4f(), viewport, w));
+    windowX[i] = int(w.x);
+    windowY[i] = int(w.y);
+  }
+  for (int lit = 0; lit < 2; ++lit) {
+    const point3f towardViewer = visible[lit] * turn;
+    light.direction = point3f(-towardViewer.x, -towardViewer.y, -towardViewer.z);
+    frame(materialOnly);
+    const int litFace = brightness(windowX[lit], windowY[lit]);
+    const int otherFace = brightness(windowX[1 - lit], windowY[1 - lit]);
+    EXPECT_GT(litFace, 150) << "face " << lit;
+    EXPECT_GT(litFace, otherFace + 100) << "face " << lit;
+  }
+  EXPECT_EQ(brightness(2, 2), 0) << "the background stays clear";
+}
+
+TEST_F(glFixture, aTexturedQuadShowsItsTexturesColours) {
+  JEV::IO::textureImage image;
+  image.width = 2;
+  image.height = 2;
+  image.components = 3;
+  // Bottom row first: red, green; top row: blue, white.
+  image.pixels = {255, 0, 0, 0, 255, 0, 0, 0, 255, 255, 255, 255};
+  auto* picture = new JEV::TEXTURE::texture(&gl);
+  picture->setImage(image);
+  picture->setParameters(JEV::TEXTURE::textureDescriptor{0, 1.0f});
+  JEV::SYSTEM::sharedPointer<JEV::TEXTURE::texture> held(picture);
+  ASSERT_TRUE(rc.getTextureStorage()->addEntry(
+      L"checker",
+      JEV::SYSTEM::sharedPointer<JEV::CORE::textureServer>(new JEV::CORE::textureServer(held, 1))));
+  textureInstance texture(rc.getTextureStorage());
+  ASSERT_TRUE(texture.connectToResourceStorage(L"checker"));
+  EXPECT_FALSE(picture->isCached());
+
+  vertexBuffer vb(VC::TC0_2 | VC::POS3);
+  indexBuffer ib;
+  makeQuad(vb, ib, -1, -1, 1, 1, 0, JEV::CORE::color());
+  lightingstate unlit(false, false);
+  drawNode quad([&] {
+    gl.renderIndexedGeometry(renderer::DRAW_TRIANGLES, &vb, &ib, 0, ib.getIndexNumber());
+  });
+  quad.connect(&texture, false);
+  texture.connect(&unlit, false);
+  frame(unlit);
+  EXPECT_TRUE(picture->isCached()) << "uploaded at its first use";
+  EXPECT_EQ(gl.getTextureMemoryUsed(), 12u);
+  const pixel red = at(32, 32), green = at(96, 32), blue = at(32, 96), white = at(96, 96);
+  EXPECT_EQ(red.r, 255);
+  EXPECT_EQ(red.g + red.b, 0);
+  EXPECT_EQ(green.g, 255);
+  EXPECT_EQ(green.r + green.b, 0);
+  EXPECT_EQ(blue.b, 255);
+  EXPECT_EQ(blue.r + blue.g, 0);
+  EXPECT_EQ(white.r + white.g + white.b, 765);
+}
+
+TEST_F(glFixture, scissorClipsAndAWireframeDrawsOverItsSurface) {
+  vertexBuffer vb(VC::COLOR | VC::POS3);
+  indexBuffer ib;
+  makeQuad(vb, ib, -1, -1, 1, 1, 0.5f, JEV::CORE::color(200, 0, 0, 255));
+  vertexBuffer lines(VC::COLOR | VC::POS3);
+  indexBuffer lineIndices;
+  makeQuad(lines, lineIndices, -1, -1, 1, 1, 0.5f, JEV::CORE::color(0, 255, 0, 255));
+  lightingstate unlit(false, false);
+  scissorstate leftHalf(0, 0, size / 2, size, true, false);
+  drawNode surface([&] {
+    gl.renderIndexedGeometry(renderer::DRAW_TRIANGLES, &vb, &ib, 0, ib.getIndexNumber());
+  });
+  wireframestate wire(wireframestate::FILL_LINE);
+  drawNode overlay([&] {
+    gl.renderIndexedGeometry(renderer::DRAW_TRIANGLES, &lines, &lineIndices, 0,
+                             lineIndices.getIndexNumber());
+  });
+  leftHalf.connect(&unlit, false);
+  surface.connect(&leftHalf, false);
+  wire.connect(&leftHalf, false);
+  overlay.connect(&wire, false);
+  frame(unlit);
+
+  EXPECT_EQ(at(10, 40).r, 200) << "inside the scissor";
+  EXPECT_EQ(brightness(100, 40), 0) << "outside the scissor";
+  // The shared diagonal of the two triangles passes through (x, x); the lines, at the
+  // same depth, win through their depth range.
+  int greenOnDiagonal = 0;
+  for (int x = 8; x < 56; ++x) {
+    for (int d = -1; d <= 1; ++d) greenOnDiagonal += at(x, x + d).g == 255 ? 1 : 0;
+  }
+  EXPECT_GT(greenOnDiagonal, 40);
+  EXPECT_EQ(at(40, 10).g, 0) << "off the lines the surface shows";
+}
+
+TEST_F(glFixture, replacingOnlyThePositionsDrawsTheNewShape) {
+  vertexBuffer vb(VC::COLOR | VC::POS3);
+  indexBuffer ib;
+  makeQuad(vb, ib, -1, -1, 0, 1, 0, JEV::CORE::color(0, 0, 255, 255));
+  lightingstate unlit(false, false);
+  drawNode quad([&] {
+    gl.renderIndexedGeometry(renderer::DRAW_TRIANGLES, &vb, &ib, 0, ib.getIndexNumber());
+  });
+  quad.connect(&unlit, false);
+  frame(unlit);
+  EXPECT_EQ(at(20, 64).b, 255);
+  EXPECT_EQ(at(108, 64).b, 0);
+
+  const unsigned colourName = vb.getName(0);
+  const float right[] = {0, -1, 0, 1, -1, 0, 1, 1, 0, 0, 1, 0};
+  ASSERT_TRUE(gl.cacheVertexBufferElement(&vb, VC::POS3, right, 4));
+  EXPECT_EQ(vb.getName(0), colourName) << "the colours stay where they were";
+  frame(unlit);
+  EXPECT_EQ(at(20, 64).b, 0);
+  EXPECT_EQ(at(108, 64).b, 255);
+
+  // A count past the index list draws nothing.
+  EXPECT_FALSE(
+      gl.renderIndexedGeometry(renderer::DRAW_TRIANGLES, &vb, &ib, 0, vb.getNum(VC::TC0_2)));
+}
+
+TEST_F(glFixture, aStateSetTwiceReachesGLOnce) {
+  alphastate a(true, alphastate::ALPHA_GREATER, 0.5f);
+  ASSERT_TRUE(gl.setAlphaState(a));
+  EXPECT_TRUE(glIsEnabled(GL_ALPHA_TEST));
+  // Changed behind the renderer's back: the same state again is not sent, a new one is.
+  glDisable(GL_ALPHA_TEST);
+  ASSERT_TRUE(gl.setAlphaState(a));
+  EXPECT_FALSE(glIsEnabled(GL_ALPHA_TEST));
+  alphastate b(true, alphastate::ALPHA_LESS, 0.5f);
+  ASSERT_TRUE(gl.setAlphaState(b));
+  EXPECT_TRUE(glIsEnabled(GL_ALPHA_TEST));
+  GLint function = 0;
+  glGetIntegerv(GL_ALPHA_TEST_FUNC, &function);
+  EXPECT_EQ(function, GL_LESS);
+}
+
+TEST_F(glFixture, frustumPlanesBoundWhatTheCameraSees) {
+  // 90 degrees, square, near 1, far 100, looking along +z from the origin.
+  const float n = 1.0f, f = 100.0f;
+  const matrix4f projection(1, 0, 0, 0, 0, 1, 0, 0, 0, 0, (f + n) / (f - n), 1, 0, 0,
+                            -2 * f * n / (f - n), 0);
+  ASSERT_TRUE(gl.setCameraState(projection, matrix4f()));
+  ASSERT_TRUE(gl.updateFrustum());
+  auto inside = [&](point3f p) {
+    for (int i = 0; i < 6; ++i) {
+      const JEV::MATH::point4<float> plane = gl.getFrustumPlane(i);
+      if (plane.x * p.x + plane.y * p.y + plane.z * p.z + plane.w < 0.0f) return false;
+    }
+    return true;
+  };
+  EXPECT_TRUE(inside(point3f(0, 0, 10)));
+  EXPECT_TRUE(inside(point3f(4.9f, -4.9f, 5)));
+  EXPECT_FALSE(inside(point3f(5.1f, 0, 5))) << "outside the 90 degree cone";
+  EXPECT_FALSE(inside(point3f(0, 0, 0.5f))) << "before the near plane";
+  EXPECT_FALSE(inside(point3f(0, 0, 101))) << "past the far plane";
+  EXPECT_FALSE(inside(point3f(0, 0, -10))) << "behind the camera";
+  const JEV::MATH::point4<float> left = gl.getFrustumPlane(0);
+  EXPECT_NEAR(left.x * left.x + left.y * left.y + left.z * left.z, 1.0f, 1e-5f);
+}
