@@ -46,8 +46,9 @@ class guiControllerTest : public scriptedPlatformTest {
  protected:
   void SetUp() override {
     scriptedPlatformTest::SetUp();
-    gui = new guiController(&win, &app);
-    win.setGui(gui);
+    // Every main window comes with its controller.
+    gui = dynamic_cast<guiController*>(win.getGui());
+    ASSERT_NE(gui, nullptr);
   }
   std::int64_t send(unsigned msg, std::uint64_t w = 0, std::int64_t l = 0) {
     return platform.send(win.getHWnd(), msg, w, l);
