@@ -2,6 +2,10 @@
 
 #include <algorithm>
 
+#include "jev3d/renderer/cameraStack.h"
+#include "jev3d/renderer/renderStateStack.h"
+#include "jev3d/renderer/renderingContext.h"
+
 namespace JEV {
 namespace GUI {
 
@@ -12,7 +16,37 @@ canvas::canvas(const std::wstring& id, guiController* controller, SYSTEM::winBas
 
 canvas::~canvas() = default;
 
-void canvas::render(RENDERING::renderingContext* rc) { widget::render(rc); }
+void canvas::render(RENDERING::renderingContext* rc) {
+  widget::render(rc);
+  RENDERING::RENDERSTATE::renderStateStack* states = rc ? rc->getRenderStateStack() : nullptr;
+  statesPushed = states != nullptr;
+  if (!states) return;
+  const float zx = zoomX.cV() > 0 ? zoomX.cV() : 1.0f;
+  const float zy = zoomY.cV() > 0 ? zoomY.cV() : 1.0f;
+  const float x0 = position.x + viewX.cV();
+  const float y0 = position.y + viewY.cV();
+  viewCamera.projection =
+      MATH::matrix4<float>::getOrthoLH(x0, x0 + size.x / zx, y0, y0 + size.y / zy, -1, 1);
+  viewCamera.view = MATH::matrix4<float>();
+  clip.set(int(position.x), int(position.y), int(size.x), int(size.y), true, false);
+  rc->getCameraStack()->push(&viewCamera, true);
+  using RS = RENDERING::RENDERSTATE::renderStateEnums;
+  states->pushState(RS::LIGHTING_STATE, &unlit, true);
+  states->pushState(RS::ZBUFFER_STATE, &noDepth, true);
+  states->pushState(RS::SCISSOR_STATE, &clip, true);
+}
+
+void canvas::postRender(RENDERING::renderingContext* rc) {
+  widget::postRender(rc);
+  if (!statesPushed) return;
+  statesPushed = false;
+  using RS = RENDERING::RENDERSTATE::renderStateEnums;
+  RENDERING::RENDERSTATE::renderStateStack* states = rc->getRenderStateStack();
+  states->popState(RS::SCISSOR_STATE, true);
+  states->popState(RS::ZBUFFER_STATE, true);
+  states->popState(RS::LIGHTING_STATE, true);
+  rc->getCameraStack()->pop(true);
+}
 
 bool canvas::preUpdate(RENDERING::renderingContext* rc, SYSTEM::updateContext* uc) {
   followRect();
@@ -20,12 +54,9 @@ bool canvas::preUpdate(RENDERING::renderingContext* rc, SYSTEM::updateContext* u
 }
 
 void canvas::followRect() {
-  const float x = static_cast<float>(rectX.cV());
-  const float y = static_cast<float>(rectY.cV());
   const float w = static_cast<float>(rectWidth.cV());
   const float h = static_cast<float>(rectHeight.cV());
-  // A canvas's rectangle is its own: a desktop of a minimised window keeps size 0.
-  if (position.x != x || position.y != y || size.x != w || size.y != h) setRect2D(x, y, w, h);
+  if (size.x != w || size.y != h) setSize(w, h);
 }
 
 void canvas::transformMouse(float& x, float& y) const {

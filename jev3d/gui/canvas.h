@@ -4,6 +4,10 @@
 
 #include "jev3d/fields/fieldBase.h"
 #include "jev3d/gui/widget.h"
+#include "jev3d/renderer/cameraState.h"
+#include "jev3d/renderer/renderstate/lightingstate.h"
+#include "jev3d/renderer/renderstate/scissorstate.h"
+#include "jev3d/renderer/renderstate/zbufferstate.h"
 #include "jev3d/system/eventDelegate.h"
 
 namespace JEV {
@@ -18,8 +22,12 @@ class canvas : public widget {
   canvas(const std::wstring& id, guiController* controller, SYSTEM::winBase* window);
   ~canvas() override;
 
-  // Draws nothing of its own: a canvas is the ground its widgets stand on.
+  // Draws nothing of its own: a canvas is the ground its widgets stand on. It sets up
+  // what its widgets draw under, whatever the 3D scene left: a camera in pixels over its
+  // view, no lighting, no depth test, its rectangle as the clip.
   void render(RENDERING::renderingContext* rc) override;
+  // Draws the widgets, then takes the canvas's states off again.
+  void postRender(RENDERING::renderingContext* rc) override;
   // Takes the rectangle fields over before the widgets update.
   bool preUpdate(RENDERING::renderingContext* rc, SYSTEM::updateContext* uc) override;
 
@@ -32,7 +40,8 @@ class canvas : public widget {
   void addTopMost(widget* w);
   void removeTopMost(widget* w);
   const std::vector<widget*>& getTopMost() const { return topMost; }
-  // Position and size from the four rectangle fields.
+  // The size from the rectangle fields. The origin stays: widget positions are relative
+  // to the window's client area, as the mouse is.
   void followRect();
 
   // 0 the desktop, 1 a view with its own mouse transform.
@@ -49,6 +58,12 @@ class canvas : public widget {
   SYSTEM::transformMouseEventDelegate transformMouseEvent;
 
  private:
+  RENDERING::cameraState viewCamera;
+  RENDERING::RENDERSTATE::lightingstate unlit{false, false};
+  RENDERING::RENDERSTATE::zbufferstate noDepth{
+      false, RENDERING::RENDERSTATE::renderStateEnums::DEPTH_LEQUAL, false, false};
+  RENDERING::RENDERSTATE::scissorstate clip;
+  bool statesPushed = false;
   // Top-most widgets in the order they were marked; the last is searched first.
   std::vector<widget*> topMost;
 };

@@ -11,6 +11,7 @@
 #include "jev3d/gui/label.h"
 #include "jev3d/gui/panel.h"
 #include "jev3d/gui/widget.h"
+#include "jev3d/renderer/cameraStack.h"
 #include "jev3d/resources/textureStorage.h"
 #include "system/windowTestSupport.h"
 
@@ -499,18 +500,21 @@ TEST_F(guiControllerTest, renderBracketsTheWidgetsInTheGuiStates) {
     addPanelAt(L"p", 10, 10);
     device.calls.clear();
     gui->render();
+    // The first call of each kind, in order: the controller's skin and blending, then the
+    // desktop's pixel camera, unlit and without depth test, then the patches.
     std::vector<std::string> order;
     for (const std::string& c : device.calls) {
-      for (const char* key :
-           {"setTextureState", "setAlphaState", "setBlendState", "renderIndexedGeometry"}) {
-        if (c.rfind(key, 0) == 0 && (order.empty() || order.back() != key)) order.push_back(key);
+      for (const char* key : {"setTextureState", "setAlphaState", "setBlendState", "setCameraState",
+                              "setLightingState 0", "setZbufferState 0", "renderIndexedGeometry"}) {
+        if (c.rfind(key, 0) == 0 && std::find(order.begin(), order.end(), key) == order.end())
+          order.push_back(key);
       }
     }
-    ASSERT_GE(order.size(), 4u);
-    EXPECT_EQ(order[0], "setTextureState");
-    EXPECT_EQ(order[1], "setAlphaState");
-    EXPECT_EQ(order[2], "setBlendState");
-    EXPECT_EQ(order[3], "renderIndexedGeometry");
+    EXPECT_EQ(order, (std::vector<std::string>{"setTextureState", "setAlphaState", "setBlendState",
+                                               "setCameraState", "setLightingState 0",
+                                               "setZbufferState 0", "renderIndexedGeometry"}));
+    // After the frame the stacks are as the scene left them.
+    EXPECT_EQ(win.getRenderingContext()->getCameraStack()->getDepth(), 1);
   });
 }
 
