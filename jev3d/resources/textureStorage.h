@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <string>
 
 #include "jev3d/resources/mtResourceStorage.h"
@@ -33,6 +34,16 @@ class textureStorage : public mtResourceStorage<SYSTEM::sharedPointer<TEXTURE::t
                            const TEXTURE::textureDescriptor& parameters = {},
                            int memoryManagement = SRS_DISCARD_WITHOUT_CLIENTS,
                            bool forceReload = false);
+
+  // The skins and icons compiled into the library, each under its resource id
+  // ("GUI_DEFAULT_SKIN", "GUI_AXIS_ICON", ...), kept cached while the storage lives. Skins
+  // are sampled nearest, so that their tiles' borders land on whole pixels. Ids already
+  // present are left as they are. False, with a message on the error stream and no entry
+  // added, when the archive cannot be read or any of its pictures is missing or does not
+  // decode.
+  bool loadDefaultTexture();
+  // The same from another archive of that layout, held in memory.
+  bool loadDefaultTexture(const unsigned char* archive, size_t size);
 };
 
 }  // namespace CORE
