@@ -2,9 +2,17 @@
 
 #include <algorithm>
 
+#include "jev3d/gui/button.h"
 #include "jev3d/gui/canvas.h"
+#include "jev3d/gui/checkbox.h"
 #include "jev3d/gui/label.h"
 #include "jev3d/gui/panel.h"
+#include "jev3d/gui/picturebox.h"
+#include "jev3d/gui/progressbar.h"
+#include "jev3d/gui/radiobutton.h"
+#include "jev3d/gui/scrollbar.h"
+#include "jev3d/gui/separator.h"
+#include "jev3d/gui/slider.h"
 #include "jev3d/gui/widget.h"
 #include "jev3d/io/xml/stringConversion.h"
 #include "jev3d/renderer/renderStateStack.h"
@@ -270,9 +278,24 @@ widget* guiController::add(WIDGET_CLASS cls, const std::wstring& widgetName, wid
       return addLabel(widgetName, parent);
     case WC_CANVAS:
       return addCanvas(widgetName, parent);
+    case WC_BUTTON:
+      return make<button>(widgetName, parent);
+    case WC_CHECKBOX:
+      return make<checkbox>(widgetName, parent);
+    case WC_RADIOBUTTON:
+      return make<radiobutton>(widgetName, parent);
+    case WC_PICTUREBOX:
+      return make<picturebox>(widgetName, parent);
+    case WC_SLIDER:
+      return make<slider>(widgetName, parent);
+    case WC_SCROLLBAR:
+      return make<scrollbar>(widgetName, parent);
+    case WC_SEPARATOR:
+      return make<separator>(widgetName, parent);
+    case WC_PROGRESSBAR:
+      return make<progressbar>(widgetName, parent);
     default:
-      // The standard controls and containers are built by their own classes, which this
-      // factory learns as they come; until then a project naming them gets null.
+      // Classes this library does not build yet: a project naming them gets null.
       return nullptr;
   }
 }
