@@ -5,7 +5,9 @@
 #include "jev3d/gui/button.h"
 #include "jev3d/gui/canvas.h"
 #include "jev3d/gui/checkbox.h"
+#include "jev3d/gui/item.h"
 #include "jev3d/gui/label.h"
+#include "jev3d/gui/menu.h"
 #include "jev3d/gui/panel.h"
 #include "jev3d/gui/picturebox.h"
 #include "jev3d/gui/progressbar.h"
@@ -294,6 +296,10 @@ widget* guiController::add(WIDGET_CLASS cls, const std::wstring& widgetName, wid
       return make<separator>(widgetName, parent);
     case WC_PROGRESSBAR:
       return make<progressbar>(widgetName, parent);
+    case WC_ITEM:
+      return make<item>(widgetName, parent);
+    case WC_MENU:
+      return make<menu>(widgetName, parent);
     default:
       // Classes this library does not build yet: a project naming them gets null.
       return nullptr;

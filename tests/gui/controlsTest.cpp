@@ -12,7 +12,9 @@
 #include "jev3d/gui/button.h"
 #include "jev3d/gui/checkbox.h"
 #include "jev3d/gui/guiController.h"
+#include "jev3d/gui/item.h"
 #include "jev3d/gui/label.h"
+#include "jev3d/gui/menu.h"
 #include "jev3d/gui/panel.h"
 #include "jev3d/gui/picturebox.h"
 #include "jev3d/gui/progressbar.h"
@@ -473,5 +475,119 @@ TEST_F(controlsTest, disabledControlsIgnoreInput) {
     EXPECT_TRUE(box->checked.cV());
     EXPECT_FLOAT_EQ(s->value.cV(), 32.0f);
     EXPECT_FLOAT_EQ(sb->value.cV(), 50.0f);
+  });
+}
+
+TEST_F(controlsTest, menuOpensHighlightsAndFiresItsItemOnce) {
+  run([&] {
+    gui->update();
+    panel* target = addAt<panel>(WC_PANEL, L"target", 10, 150, 100, 60);
+    auto* m = static_cast<menu*>(gui->add(WC_MENU, L"m", nullptr));
+    ASSERT_NE(m, nullptr);
+    EXPECT_EQ(m->getClass(), WC_MENU);
+    EXPECT_FALSE(m->isVisible()) << "hidden until shown";
+    EXPECT_TRUE(m->isTopMost());
+    item* open = m->addItem(widget::ICON_FILE_OPEN, L"Open");
+    item* save = m->addItem(widget::ICON_FILE_SAVE, L"Save");
+    menu* more = m->addSubMenu(widget::ICON_NULL, L"More");
+    ASSERT_NE(more, nullptr);
+    item* deep = more->addItem(widget::ICON_NULL, L"Deep");
+    item* opener = m->getItems()[2];
+    EXPECT_EQ(more->getOpener(), opener);
+    EXPECT_EQ(opener->getSubMenu(), more);
+    EXPECT_TRUE(opener->getFlags().isFlagSet(WF_SUB_MENU));
+    EXPECT_TRUE(opener->getExpanderPart()->isVisible());
+    EXPECT_FALSE(open->getExpanderPart()->isVisible());
+    EXPECT_EQ(deep->treeLevel, 1);
+    EXPECT_EQ(deep->treeParent, opener);
+    for (item* i : {open, save, opener}) {
+      EXPECT_EQ(i->getClass(), WC_ITEM);
+      EXPECT_EQ(i->getClassColor(), WCC_ITEM);
+      EXPECT_EQ(i->getRedirect(), m);
+      for (const wchar_t* suffix : {L"_ICON", L"_CAPTION", L"_EXPANDER"}) partOf(i, suffix);
+    }
+    EXPECT_EQ(open->getCaptionPart()->getCaption(), L"Open");
+    EXPECT_EQ(open->getIconPart()->getIdTexture(), L"GUI_FILE_OPEN_ICON");
+    EXPECT_FLOAT_EQ(m->getHeight(), 4.0f + 3 * item::itemHeight);
+
+    counter opens, saves, deeps;
+    listen(open, opens, SYSTEM::MOUSE_LEFT_CLICK);
+    listen(save, saves, SYSTEM::MOUSE_LEFT_CLICK);
+    listen(deep, deeps, SYSTEM::MOUSE_LEFT_CLICK);
+    gui->setPopUpMenu(target, L"m");
+    auto rightClickAt = [&](float x, float y) {
+      moveTo(x, y);
+      press(WM_RBUTTONDOWN);
+      press(WM_RBUTTONUP);
+      gui->update();
+    };
+    // A right click on the target opens the menu there, items from the top down.
+    rightClickAt(50, 180);
+    EXPECT_TRUE(m->isVisible());
+    EXPECT_EQ(gui->getSchedule().getPopup(), m);
+    EXPECT_FLOAT_EQ(m->getAbsolutePos().x, 50.0f);
+    EXPECT_FLOAT_EQ(m->getAbsolutePos().y + m->getHeight(), 180.0f);
+    EXPECT_GT(open->getAbsolutePos().y, save->getAbsolutePos().y);
+    EXPECT_EQ(m->getHighlighted(), nullptr);
+
+    // The mouse over an item highlights it; the click runs its delegate once and closes.
+    auto middle = [](widget* w) { return w->getAbsolutePos() + widget::point3f(60, 10, 0); };
+    const auto onSave = middle(save);
+    moveTo(onSave.x, onSave.y);
+    gui->update();
+    EXPECT_EQ(m->getHighlighted(), save);
+    EXPECT_EQ(gui->getWidgetBelowMouse(onSave.x, onSave.y), save);
+    clickAt(onSave.x, onSave.y);
+    EXPECT_EQ(saves.count, 1);
+    EXPECT_EQ(opens.count, 0);
+    EXPECT_FALSE(m->isVisible());
+    EXPECT_EQ(gui->getSchedule().getPopup(), nullptr);
+    EXPECT_EQ(m->getHighlighted(), nullptr);
+    moveTo(300, 20);
+    clickAt(onSave.x, onSave.y);
+    EXPECT_EQ(saves.count, 1) << "a closed menu hears nothing";
+
+    // Entering the opener shows the sub-menu at its right; a click deep in it closes both.
+    rightClickAt(50, 180);
+    const auto onMore = middle(opener);
+    moveTo(onMore.x, onMore.y);
+    gui->update();
+    EXPECT_TRUE(more->isVisible());
+    EXPECT_FLOAT_EQ(more->getAbsolutePos().x, m->getAbsolutePos().x + m->getWidth() - 2.0f);
+    const auto onDeep = middle(deep);
+    moveTo(onDeep.x, onDeep.y);
+    gui->update();
+    EXPECT_EQ(more->getHighlighted(), deep);
+    EXPECT_TRUE(m->isVisible()) << "the chain stays open while the mouse is in it";
+    clickAt(onDeep.x, onDeep.y);
+    EXPECT_EQ(deeps.count, 1);
+    EXPECT_FALSE(more->isVisible());
+    EXPECT_FALSE(m->isVisible());
+
+    // The keys move the highlight and click; a click outside closes the menu.
+    rightClickAt(50, 180);
+    const auto onOpen = middle(open);
+    moveTo(onOpen.x, onOpen.y);
+    gui->update();
+    key(VK_DOWN);
+    EXPECT_EQ(m->getHighlighted(), save);
+    key(VK_UP);
+    key(VK_UP);
+    EXPECT_EQ(m->getHighlighted(), opener) << "round from the top";
+    key(VK_DOWN);
+    key(VK_RETURN);
+    EXPECT_EQ(opens.count, 1);
+    EXPECT_FALSE(m->isVisible());
+    rightClickAt(50, 180);
+    EXPECT_TRUE(m->isVisible());
+    clickAt(20, 160);
+    EXPECT_FALSE(m->isVisible());
+
+    // A menu that is not closable stays open after a click on an item.
+    m->notClosable = true;
+    rightClickAt(50, 180);
+    clickAt(onSave.x, onSave.y);
+    EXPECT_EQ(saves.count, 2);
+    EXPECT_TRUE(m->isVisible());
   });
 }
