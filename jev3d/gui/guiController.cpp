@@ -15,6 +15,7 @@
 #include "jev3d/gui/scrollbar.h"
 #include "jev3d/gui/separator.h"
 #include "jev3d/gui/slider.h"
+#include "jev3d/gui/tab.h"
 #include "jev3d/gui/widget.h"
 #include "jev3d/io/xml/stringConversion.h"
 #include "jev3d/renderer/renderStateStack.h"
@@ -300,6 +301,8 @@ widget* guiController::add(WIDGET_CLASS cls, const std::wstring& widgetName, wid
       return make<item>(widgetName, parent);
     case WC_MENU:
       return make<menu>(widgetName, parent);
+    case WC_TAB:
+      return make<tab>(widgetName, parent);
     default:
       // Classes this library does not build yet: a project naming them gets null.
       return nullptr;

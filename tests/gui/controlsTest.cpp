@@ -22,6 +22,7 @@
 #include "jev3d/gui/scrollbar.h"
 #include "jev3d/gui/separator.h"
 #include "jev3d/gui/slider.h"
+#include "jev3d/gui/tab.h"
 #include "system/windowTestSupport.h"
 
 using namespace JEV;
@@ -589,5 +590,58 @@ TEST_F(controlsTest, menuOpensHighlightsAndFiresItsItemOnce) {
     clickAt(onSave.x, onSave.y);
     EXPECT_EQ(saves.count, 2);
     EXPECT_TRUE(m->isVisible());
+  });
+}
+
+TEST_F(controlsTest, tabHeadsSelectTheirPages) {
+  run([&] {
+    gui->update();
+    auto* t = addAt<tab>(WC_TAB, L"t", 10, 10, 300, 200);
+    EXPECT_EQ(t->getClass(), WC_TAB);
+    EXPECT_EQ(t->getClassColor(), WCC_ITEM);
+    EXPECT_EQ(t->addTab(L"Mesh"), 0);
+    EXPECT_EQ(t->addTab(L"Scan"), 1);
+    EXPECT_EQ(t->addTab(L"View"), 2);
+    ASSERT_EQ(t->getTabCount(), 3u);
+    for (unsigned i = 0; i < 3; ++i) {
+      EXPECT_EQ(partOf(t, L"_HEAD" + std::to_wstring(i)), t->getItemTab(i));
+      EXPECT_EQ(partOf(t, L"_BODY" + std::to_wstring(i)), t->getPanelTab(i));
+    }
+    EXPECT_EQ(t->getItemTab(1)->getCaption(), L"Scan");
+    EXPECT_EQ(t->getItemTab(3), nullptr);
+    // The heads lie in a row along the top; the first page shows.
+    EXPECT_LT(t->getItemTab(0)->getAbsolutePos().x, t->getItemTab(1)->getAbsolutePos().x);
+    EXPECT_FLOAT_EQ(t->getItemTab(1)->getAbsolutePos().y, 10 + 200 - tab::headHeight);
+    EXPECT_TRUE(t->getPanelTab(0)->isVisible());
+    EXPECT_FALSE(t->getPanelTab(1)->isVisible());
+
+    panel* content = gui->addPanel(std::wstring(L"content"), nullptr);
+    EXPECT_TRUE(t->addWidgetToTab(2, content));
+    EXPECT_EQ(content->getParent(), t->getPanelTab(2));
+
+    counter changes;
+    listen(t, changes, SYSTEM::TAB_CHANGE);
+    const auto head = t->getItemTab(2)->getAbsolutePos() + widget::point3f(40, 11, 0);
+    clickAt(head.x, head.y);
+    EXPECT_EQ(t->getSelectedTab(), 2u);
+    EXPECT_EQ(changes.count, 1);
+    for (unsigned i = 0; i < 3; ++i) EXPECT_EQ(t->getPanelTab(i)->isVisible(), i == 2);
+    EXPECT_EQ(t->getItemTab(2)->getU(), 80.0f) << "the selected head's tile";
+    EXPECT_EQ(t->getItemTab(0)->getU(), 48.0f);
+    // A press on the page itself changes nothing.
+    clickAt(150, 50);
+    EXPECT_EQ(t->getSelectedTab(), 2u);
+    EXPECT_EQ(changes.count, 1);
+
+    // A hidden head leaves its place to the next.
+    const float third = t->getItemTab(2)->getAbsolutePos().x;
+    t->hideItemTab(1, true);
+    EXPECT_FALSE(t->getItemTab(1)->isVisible());
+    EXPECT_LT(t->getItemTab(2)->getAbsolutePos().x, third);
+    t->setHeadShadowNormal(WS_NO_BACKGROUND);
+    EXPECT_EQ(t->getItemTab(0)->getShadow(), WS_NO_BACKGROUND);
+    EXPECT_EQ(t->getItemTab(2)->getShadow(), WS_NONE);
+    t->removeTabMargin(0);
+    EXPECT_EQ(t->getPanelTab(0)->getMargin()[0], 0.0f);
   });
 }
