@@ -5,6 +5,7 @@
 #include "jev3d/gui/button.h"
 #include "jev3d/gui/canvas.h"
 #include "jev3d/gui/checkbox.h"
+#include "jev3d/gui/combobox.h"
 #include "jev3d/gui/item.h"
 #include "jev3d/gui/label.h"
 #include "jev3d/gui/menu.h"
@@ -303,6 +304,8 @@ widget* guiController::add(WIDGET_CLASS cls, const std::wstring& widgetName, wid
       return make<menu>(widgetName, parent);
     case WC_TAB:
       return make<tab>(widgetName, parent);
+    case WC_COMBOBOX:
+      return make<combobox>(widgetName, parent);
     default:
       // Classes this library does not build yet: a project naming them gets null.
       return nullptr;

@@ -11,6 +11,7 @@
 
 #include "jev3d/gui/button.h"
 #include "jev3d/gui/checkbox.h"
+#include "jev3d/gui/combobox.h"
 #include "jev3d/gui/guiController.h"
 #include "jev3d/gui/item.h"
 #include "jev3d/gui/label.h"
@@ -643,5 +644,66 @@ TEST_F(controlsTest, tabHeadsSelectTheirPages) {
     EXPECT_EQ(t->getItemTab(2)->getShadow(), WS_NONE);
     t->removeTabMargin(0);
     EXPECT_EQ(t->getPanelTab(0)->getMargin()[0], 0.0f);
+  });
+}
+
+TEST_F(controlsTest, comboBoxShowsItsListAndSelectsAnItem) {
+  run([&] {
+    gui->update();
+    auto* c = addAt<combobox>(WC_COMBOBOX, L"c", 20, 180, 120, 22);
+    EXPECT_EQ(c->getClass(), WC_COMBOBOX);
+    EXPECT_EQ(partOf(c, L"_CAPTION"), static_cast<widget*>(c->getCaptionPart()));
+    EXPECT_EQ(partOf(c, L"_ARROW"), static_cast<widget*>(c->getArrow()));
+    panel* list = c->getFocusPanel();
+    ASSERT_NE(list, nullptr);
+    EXPECT_EQ(gui->getWidget(L"c_LIST"), list);
+    EXPECT_TRUE(list->isPrivate());
+    EXPECT_EQ(list->getRedirect(), c);
+    EXPECT_FALSE(list->isVisible());
+    for (const wchar_t* text : {L"PLY", L"STL", L"OBJ"}) c->addItem(text);
+    EXPECT_EQ(c->getItemCount(), 3);
+    EXPECT_EQ(c->getItemSelect(), -1);
+    counter selects;
+    listen(c, selects, SYSTEM::ITEM_SELECT);
+
+    // The arrow shows the list under the box; an item click selects it and hides the list.
+    clickAt(20 + 120 - 8, 190);
+    EXPECT_TRUE(c->isOpen());
+    EXPECT_FLOAT_EQ(list->getAbsolutePos().y + list->getHeight(), 180.0f);
+    const auto stl = c->getItem(1)->getAbsolutePos() + widget::point3f(30, 10, 0);
+    EXPECT_EQ(gui->getWidgetBelowMouse(stl.x, stl.y), c->getItem(1));
+    clickAt(stl.x, stl.y);
+    EXPECT_EQ(c->getItemSelect(), 1);
+    EXPECT_EQ(c->getCaption(), L"STL");
+    EXPECT_EQ(selects.count, 1);
+    EXPECT_FALSE(c->isOpen());
+
+    // The caption toggles it too; a press elsewhere hides it.
+    clickAt(40, 190);
+    EXPECT_TRUE(c->isOpen());
+    clickAt(40, 190);
+    EXPECT_FALSE(c->isOpen());
+    c->open();
+    c->open();
+    EXPECT_TRUE(c->isOpen()) << "open on an open list keeps it";
+    clickAt(300, 20);
+    EXPECT_FALSE(c->isOpen());
+
+    // The wheel over the closed box and the keys step the selection.
+    wheelAt(40, 190, -1);
+    EXPECT_EQ(c->getItemSelect(), 2);
+    wheelAt(40, 190, -1);
+    EXPECT_EQ(c->getItemSelect(), 2) << "no wrap";
+    key(VK_UP);
+    EXPECT_EQ(c->getItemSelect(), 1);
+    EXPECT_EQ(selects.count, 3);
+    EXPECT_TRUE(c->setItemSelect(std::wstring(L"PLY"), false));
+    EXPECT_EQ(c->getCaption(), L"PLY");
+    EXPECT_FALSE(c->setItemSelect(7, true));
+    EXPECT_EQ(selects.count, 3);
+    c->clear();
+    EXPECT_EQ(c->getItemCount(), 0);
+    EXPECT_EQ(c->getItemSelect(), -1);
+    EXPECT_FALSE(gui->isValid(L"c_ITEM0"));
   });
 }
