@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "jev3d/gui/button.h"
+#include "jev3d/gui/buttongroup.h"
 #include "jev3d/gui/canvas.h"
 #include "jev3d/gui/checkbox.h"
 #include "jev3d/gui/combobox.h"
@@ -306,6 +307,8 @@ widget* guiController::add(WIDGET_CLASS cls, const std::wstring& widgetName, wid
       return make<tab>(widgetName, parent);
     case WC_COMBOBOX:
       return make<combobox>(widgetName, parent);
+    case WC_BUTTONGROUP:
+      return make<buttongroup>(widgetName, parent);
     default:
       // Classes this library does not build yet: a project naming them gets null.
       return nullptr;

@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "jev3d/gui/button.h"
+#include "jev3d/gui/buttongroup.h"
 #include "jev3d/gui/checkbox.h"
 #include "jev3d/gui/combobox.h"
 #include "jev3d/gui/guiController.h"
@@ -705,5 +706,48 @@ TEST_F(controlsTest, comboBoxShowsItsListAndSelectsAnItem) {
     EXPECT_EQ(c->getItemCount(), 0);
     EXPECT_EQ(c->getItemSelect(), -1);
     EXPECT_FALSE(gui->isValid(L"c_ITEM0"));
+  });
+}
+
+TEST_F(controlsTest, buttonGroupSelectsOneItemAndScrollsByItsArrows) {
+  run([&] {
+    gui->update();
+    // Room for two items of 80 between the 24-pixel arrows.
+    auto* g = addAt<buttongroup>(WC_BUTTONGROUP, L"g", 10, 100, 2 * 24 + 160, 24);
+    EXPECT_EQ(g->getClass(), WC_BUTTONGROUP);
+    partOf(g, L"_PANEL");
+    partOf(g, L"_ARROW_LEFT");
+    partOf(g, L"_ARROW_RIGHT");
+    for (const wchar_t* text : {L"Move", L"Rotate", L"Scale"}) g->addItem(text, widget::ICON_NULL);
+    EXPECT_EQ(g->getItemCount(), 3);
+    EXPECT_EQ(g->getItemSelect(), -1);
+    counter selects;
+    listen(g, selects, SYSTEM::ITEM_SELECT);
+
+    // A click on an item selects it, and only it.
+    clickAt(10 + 24 + 80 + 40, 112);
+    EXPECT_EQ(g->getItemSelect(), 1);
+    EXPECT_EQ(selects.count, 1);
+    EXPECT_EQ(g->getItem(1)->getU(), 80.0f);
+    EXPECT_EQ(g->getItem(0)->getU(), 48.0f);
+    // The third is out of view until the right arrow brings it.
+    EXPECT_NE(gui->getWidgetBelowMouse(10 + 24 + 2 * 80 + 10, 112), g->getItem(2));
+    clickAt(10 + 24 + 160 + 12, 112);
+    EXPECT_EQ(g->getFirstVisible(), 1);
+    clickAt(10 + 24 + 80 + 40, 112);
+    EXPECT_EQ(g->getItemSelect(), 2);
+    clickAt(10 + 24 + 160 + 12, 112);
+    EXPECT_EQ(g->getFirstVisible(), 1) << "not past the last";
+    clickAt(10 + 12, 112);
+    EXPECT_EQ(g->getFirstVisible(), 0);
+    EXPECT_EQ(selects.count, 2);
+    // Selecting by code brings the item into view; setLastItemSelect picks the last.
+    EXPECT_TRUE(g->setLastItemSelect(false));
+    EXPECT_EQ(g->getFirstVisible(), 1);
+    EXPECT_EQ(selects.count, 2);
+    EXPECT_FALSE(g->setItemSelect(5, true));
+    g->setSkinAsItem(true);
+    EXPECT_TRUE(g->getItem(2)->getFlags().isFlagSet(WF_LOCK_DOWN));
+    EXPECT_FALSE(g->getItem(1)->getFlags().isFlagSet(WF_LOCK_DOWN));
   });
 }
