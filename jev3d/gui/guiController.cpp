@@ -438,7 +438,7 @@ void guiController::eraseAfter(widget* w) { eraseList.push_back(w); }
 
 bool guiController::eraseNow(widget* w) {
   if (!w) return false;
-  // Take a reference, so that the id stays readable while the entry goes.
+  // A copy: the widget, and its id with it, goes with the entry.
   const std::wstring id = w->getId();
   if (widgets.getEntry(id).get() != w) return false;
   forgetWidget(w);

@@ -160,7 +160,8 @@ class guiController : public SYSTEM::windowGui {
   // Erases at a later render, at most ERASE_PER_FRAME a frame; the widget stays drawn
   // in the frame that queued it.
   void eraseAfter(widget* w);
-  // Erases at once; the MT form takes the GUI lock.
+  // Erases a live widget at once: its children stay, unparented. The MT form takes the
+  // GUI lock.
   bool eraseNow(widget* w);
   bool eraseNowMT(widget* w);
 
