@@ -4,6 +4,7 @@
 #include <list>
 #include <map>
 #include <string>
+#include <unordered_set>
 #include <vector>
 
 #include "jev3d/fields/fieldBase.h"
@@ -213,6 +214,9 @@ class guiController : public SYSTEM::windowGui {
   guiColorTable colorTable;
   bool texteditWithFocusEnter = false;
   std::map<widget*, std::wstring> popUpMenus;
+  // The registry's widgets, for walks over all of them: the registry is keyed by id.
+  std::unordered_set<widget*> live;
+  bool discarding = false;
   std::wstring name;
 
  private:
