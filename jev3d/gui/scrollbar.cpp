@@ -4,6 +4,7 @@
 
 #include "jev3d/gui/button.h"
 #include "jev3d/gui/internal/controlParts.h"
+#include "jev3d/gui/internal/iconButton.h"
 #include "jev3d/platform/messages.h"
 
 namespace JEV {
@@ -28,30 +29,19 @@ scrollbar::~scrollbar() = default;
 
 void scrollbar::config() {
   setSize(120, 16);
-  arrowLow = INTERNAL::addPart<button>(this, WC_BUTTON, L"_ARROW_LOW");
-  arrowHigh = INTERNAL::addPart<button>(this, WC_BUTTON, L"_ARROW_HIGH");
+  arrowLow = INTERNAL::addIconButton(this, L"_ARROW_LOW", ICON_ARROW_LEFT, WCC_BUTTON_ARROW);
+  arrowHigh = INTERNAL::addIconButton(this, L"_ARROW_HIGH", ICON_ARROW_RIGHT, WCC_BUTTON_ARROW);
   bar = INTERNAL::addPart<widget>(this, WC_PANEL, L"_BAR");
-  cursor = INTERNAL::addPart<button>(this, WC_BUTTON, L"_CURSOR");
-  for (button* b : {arrowLow, arrowHigh, cursor}) {
-    if (!b) continue;
-    b->setCaption(std::wstring(), false);
-    b->setButtonStyle(BS_ICON_ONLY);
-    b->setjustColor(b == cursor ? WCC_CURSOR_SLIDER : WCC_BUTTON_ARROW);
-  }
+  cursor = INTERNAL::addIconButton(this, L"_CURSOR", ICON_NULL, WCC_CURSOR_SLIDER);
   if (bar) {
     bar->setjustColor(WCC_BAR);
     bar->adjustUV(112, 160);
   }
   INTERNAL::focusOnClick(this);
-  const std::pair<SYSTEM::EVENT_TYPE, void (scrollbar::*)(const inputEvent*)> handlers[] = {
-      {SYSTEM::KEY_DOWN, &scrollbar::onKeyDown},
-      {SYSTEM::MOUSE_WHEEL, &scrollbar::onMouseWheel},
-      {SYSTEM::MOUSE_LEFT_DOWN, &scrollbar::onMouseLeftDown},
-      {SYSTEM::MOUSE_LEFT_DRAG, &scrollbar::onMouseLeftDrag}};
-  for (const auto& [type, method] : handlers) {
-    SYSTEM::inputEventDelegate d(this, method);
-    registerInputEventCallBack(type, d);
-  }
+  INTERNAL::listenTo<scrollbar>(this, {{SYSTEM::KEY_DOWN, &scrollbar::onKeyDown},
+                                       {SYSTEM::MOUSE_WHEEL, &scrollbar::onMouseWheel},
+                                       {SYSTEM::MOUSE_LEFT_DOWN, &scrollbar::onMouseLeftDown},
+                                       {SYSTEM::MOUSE_LEFT_DRAG, &scrollbar::onMouseLeftDrag}});
   setOrientation(orientation);
   vChange();
 }

@@ -2,6 +2,7 @@
 
 #include "jev3d/gui/button.h"
 #include "jev3d/gui/internal/controlParts.h"
+#include "jev3d/gui/internal/iconButton.h"
 #include "jev3d/platform/messages.h"
 
 namespace JEV {
@@ -24,22 +25,12 @@ void slider::config() {
     bar->setjustColor(WCC_BAR);
     bar->adjustUV(112, 160);
   }
-  cursor = INTERNAL::addPart<button>(this, WC_BUTTON, L"_CURSOR");
-  if (cursor) {
-    cursor->setjustColor(WCC_CURSOR_SLIDER);
-    cursor->setCaption(std::wstring(), false);
-    cursor->setButtonStyle(BS_ICON_ONLY);
-  }
+  cursor = INTERNAL::addIconButton(this, L"_CURSOR", ICON_NULL, WCC_CURSOR_SLIDER);
   INTERNAL::focusOnClick(this);
-  const std::pair<SYSTEM::EVENT_TYPE, void (slider::*)(const inputEvent*)> handlers[] = {
-      {SYSTEM::KEY_DOWN, &slider::onKeyDown},
-      {SYSTEM::MOUSE_WHEEL, &slider::onMouseWheel},
-      {SYSTEM::MOUSE_LEFT_DOWN, &slider::onMouseLeftDown},
-      {SYSTEM::MOUSE_LEFT_DRAG, &slider::onMouseLeftDrag}};
-  for (const auto& [type, method] : handlers) {
-    SYSTEM::inputEventDelegate d(this, method);
-    registerInputEventCallBack(type, d);
-  }
+  INTERNAL::listenTo<slider>(this, {{SYSTEM::KEY_DOWN, &slider::onKeyDown},
+                                    {SYSTEM::MOUSE_WHEEL, &slider::onMouseWheel},
+                                    {SYSTEM::MOUSE_LEFT_DOWN, &slider::onMouseLeftDown},
+                                    {SYSTEM::MOUSE_LEFT_DRAG, &slider::onMouseLeftDrag}});
   vChange();
   sizePositionChanged();
 }

@@ -1,6 +1,8 @@
 #pragma once
 
+#include <initializer_list>
 #include <string>
+#include <utility>
 
 #include "jev3d/gui/guiController.h"
 #include "jev3d/gui/widget.h"
@@ -24,6 +26,18 @@ W* addPart(widget* owner, WIDGET_CLASS cls, const wchar_t* suffix) {
   part->layout.setHorizontal(HA_FREE);
   part->layout.setVertical(VA_FREE);
   return static_cast<W*>(part);
+}
+
+// Registers the control's own handlers on itself, one an event type.
+template <class C>
+void listenTo(
+    C* control,
+    std::initializer_list<std::pair<SYSTEM::EVENT_TYPE, void (C::*)(const SYSTEM::inputEvent*)>>
+        handlers) {
+  for (const auto& [type, method] : handlers) {
+    SYSTEM::inputEventDelegate d(control, method);
+    control->registerInputEventCallBack(type, d);
+  }
 }
 
 // Places a part inside its control, in the control's local pixels.
