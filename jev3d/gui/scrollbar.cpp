@@ -5,7 +5,6 @@
 #include "jev3d/gui/button.h"
 #include "jev3d/gui/internal/controlParts.h"
 #include "jev3d/gui/internal/iconButton.h"
-#include "jev3d/platform/messages.h"
 
 namespace JEV {
 namespace GUI {
@@ -131,26 +130,8 @@ void scrollbar::wheelBy(float wheel) {
 void scrollbar::onMouseWheel(const inputEvent* e) { wheelBy(e->wheel); }
 
 void scrollbar::onKeyDown(const inputEvent* e) {
-  switch (static_cast<unsigned>(e->keyCode)) {
-    case PLATFORM::VK_LEFT:
-    case PLATFORM::VK_DOWN:
-    case PLATFORM::VK_NEXT:
-      wheelBy(-1);
-      break;
-    case PLATFORM::VK_RIGHT:
-    case PLATFORM::VK_UP:
-    case PLATFORM::VK_PRIOR:
-      wheelBy(1);
-      break;
-    case PLATFORM::VK_HOME:
-      value = valueMin.cV();
-      break;
-    case PLATFORM::VK_END:
-      value = valueMax.cV();
-      break;
-    default:
-      break;
-  }
+  float steps = 0;
+  if (INTERNAL::keyToValue(*this, e->keyCode, 1, steps) && steps != 0) wheelBy(steps);
 }
 
 void scrollbar::onMouseLeftDown(const inputEvent* e) {

@@ -3,7 +3,6 @@
 #include "jev3d/gui/button.h"
 #include "jev3d/gui/internal/controlParts.h"
 #include "jev3d/gui/internal/iconButton.h"
-#include "jev3d/platform/messages.h"
 
 namespace JEV {
 namespace GUI {
@@ -105,30 +104,8 @@ float slider::step() const {
 void slider::stepBy(float steps) { value = value.cV() + step() * steps; }
 
 void slider::onKeyDown(const inputEvent* e) {
-  switch (static_cast<unsigned>(e->keyCode)) {
-    case PLATFORM::VK_LEFT:
-    case PLATFORM::VK_DOWN:
-      stepBy(-1);
-      break;
-    case PLATFORM::VK_RIGHT:
-    case PLATFORM::VK_UP:
-      stepBy(1);
-      break;
-    case PLATFORM::VK_NEXT:
-      stepBy(-10);
-      break;
-    case PLATFORM::VK_PRIOR:
-      stepBy(10);
-      break;
-    case PLATFORM::VK_HOME:
-      value = valueMin.cV();
-      break;
-    case PLATFORM::VK_END:
-      value = valueMax.cV();
-      break;
-    default:
-      break;
-  }
+  float steps = 0;
+  if (INTERNAL::keyToValue(*this, e->keyCode, 10, steps) && steps != 0) stepBy(steps);
 }
 
 void slider::onMouseWheel(const inputEvent* e) { stepBy(e->wheel); }

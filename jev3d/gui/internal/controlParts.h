@@ -6,6 +6,7 @@
 
 #include "jev3d/gui/guiController.h"
 #include "jev3d/gui/widget.h"
+#include "jev3d/platform/messages.h"
 
 namespace JEV {
 namespace GUI {
@@ -90,6 +91,36 @@ inline float settleValue(widget& w) {
   }
   w.widget::onValueChange();
   return percent;
+}
+
+// What a key does to a value control: steps down or up (a page is `pageSteps` steps), or
+// goes to a bound. False for a key it does not take.
+inline bool keyToValue(widget& w, int keyCode, float pageSteps, float& steps) {
+  steps = 0;
+  switch (static_cast<unsigned>(keyCode)) {
+    case PLATFORM::VK_LEFT:
+    case PLATFORM::VK_DOWN:
+      steps = -1;
+      return true;
+    case PLATFORM::VK_RIGHT:
+    case PLATFORM::VK_UP:
+      steps = 1;
+      return true;
+    case PLATFORM::VK_NEXT:
+      steps = -pageSteps;
+      return true;
+    case PLATFORM::VK_PRIOR:
+      steps = pageSteps;
+      return true;
+    case PLATFORM::VK_HOME:
+      w.value = w.valueMin.cV();
+      return true;
+    case PLATFORM::VK_END:
+      w.value = w.valueMax.cV();
+      return true;
+    default:
+      return false;
+  }
 }
 
 // The control's position along its orientation, of an absolute mouse position.
