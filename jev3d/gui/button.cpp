@@ -166,6 +166,8 @@ void button::setSkinAsItem() {
 void button::setSkinAsWinButtonClose() {
   setjustColor(WCC_BUTTON_CLOSE);
   setTiles(0, 48, 0, 64, 0, 80);
+  // The cross of the window's close button, over the tile.
+  addLayer(64, 160, WCC_ARROW);
 }
 
 void button::setSkinAsToolTip() {
