@@ -10,6 +10,7 @@
 #include <sstream>
 #include <string>
 
+#include "jev3d/algo/measurement/distance.h"
 #include "jev3d/io/ply/ioPly.h"
 #include "support/dataFiles.h"
 #include "support/meshes.h"
@@ -334,3 +335,40 @@ TEST_F(jevmesh, infoOnScans) {
 }
 
 }  // namespace
+
+TEST_F(jevmesh, distanceMeasuresBothWaysAndColoursA) {
+  // A: unit sphere; B: the same sphere shifted by 0.5 along x, so that A's vertices lie
+  // from 0.5 behind B to 0.5 in front of it.
+  JEV::MESH::editMesh a, b;
+  testMeshes::makeSphere(a, 32, 64);
+  testMeshes::makeSphere(b, 32, 64);
+  for (unsigned v = 0; v < b.vn(); ++v) b.vPos(v).x += 0.5f;
+  const std::string pathA = writePly(a, "a.ply"), pathB = writePly(b, "b.ply");
+  const std::string out = dir.file("coloured.ply");
+  const runResult r = run("distance " + pathA + " " + pathB + " --out " + out);
+  ASSERT_EQ(r.status, 0) << r.err;
+  for (const char* label : {"a to b max", "b to a max"})
+    EXPECT_NEAR(std::stod(field(r.out, label)), 0.5, 0.01) << label;
+  const double mean = std::stod(field(r.out, "a to b mean"));
+  EXPECT_GT(mean, 0.1);
+  EXPECT_LT(mean, std::stod(field(r.out, "a to b rms")));
+
+  plyPolygonMesh coloured;
+  ASSERT_TRUE(ioPly::readPlyPolygonsFromFile(out, coloured));
+  ASSERT_EQ(coloured.colours.size(), a.vn());
+  // (1, 0, 0) lies 0.5 inside B, the most negative: first band; (-1, 0, 0) lies 0.5
+  // outside, the most positive: last band.
+  const auto at = [&](float x, float y, float z) {
+    for (unsigned v = 0; v < a.vn(); ++v)
+      if ((a.vPos(v) - JEV::MATH::point3<float>(x, y, z)).norm() < 1e-4f)
+        return coloured.colours[v];
+    return JEV::CORE::color();
+  };
+  using JEV::MESH::ALGO::MEASUREMENT::distance;
+  EXPECT_EQ(at(1, 0, 0), distance::getBandColors()[0]);
+  EXPECT_EQ(at(-1, 0, 0), distance::getBandColors()[4]);
+
+  // Colours need a PLY; a missing file is bad input.
+  EXPECT_EQ(run("distance " + pathA + " " + pathB + " --out " + dir.file("c.stl")).status, 2);
+  EXPECT_EQ(run("distance " + pathA + " " + dir.file("none.ply")).status, 1);
+}

@@ -253,6 +253,7 @@ const std::vector<command>& allCommands() {
        "                      cylinder or cone\n"
        "  --segments N        segments around the round shapes, 4 to 4096 (default 16)\n",
        withWriteOptions({{"--segments", 1}}), runMake},
+      distanceCommand(),
   };
   return commands;
 }

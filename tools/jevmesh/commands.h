@@ -24,4 +24,7 @@ struct command {
 // Every subcommand, in the order the help lists them.
 const std::vector<command>& allCommands();
 
+// Subcommands kept in files of their own.
+command distanceCommand();
+
 }  // namespace JEVMESH
