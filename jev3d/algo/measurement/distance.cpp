@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <thread>
 
 #include "jev3d/algo/measurement/internal/surfaceIndex.h"
 #include "jev3d/math/mathBase.h"
@@ -73,6 +74,25 @@ struct outputs {
   }
 };
 
+// Runs body(begin, end, reporter) over contiguous runs of [0, count), each on a thread of
+// its own when there are enough items, the first on the calling thread: only that one
+// reports, its share standing for the whole (the runs are equal). Contiguous runs keep
+// neighbouring points together, which the walking search needs.
+template <class Body>
+void forEachRun(std::size_t count, progress& report, Body body) {
+  constexpr std::size_t smallestRun = 16384;
+  const std::size_t hardware = std::max(1u, std::thread::hardware_concurrency());
+  const std::size_t runs = std::max<std::size_t>(1, std::min(hardware, count / smallestRun));
+  const std::size_t length = (count + runs - 1) / runs;
+  std::vector<std::thread> workers;
+  for (std::size_t r = 1; r < runs; ++r)
+    workers.emplace_back([&, r] {
+      body(r * length, std::min(count, (r + 1) * length), static_cast<progress*>(nullptr));
+    });
+  body(0, std::min(count, length), &report);
+  for (std::thread& w : workers) w.join();
+}
+
 // Measures `count` points, point(i), skipping those for which skip(i) holds, against the
 // index of b; signs by b's normals when `signer` is given.
 template <class Point, class Skip>
@@ -81,19 +101,21 @@ void measure(std::size_t count, Point point, Skip skip, const surfaceIndex& inde
              SYSTEM::callBack* cb) {
   progress report(cb, count);
   out.size(count);
-  INTERNAL::closestWalker walker(index, maxDistance);
-  for (std::size_t i = 0; i < count; ++i) {
-    report.done(i);
-    if (skip(i)) continue;
-    const point3<float> p = point(i);
-    MATH::closestPointHit hit;
-    if (!walker.find(p, hit)) continue;
-    float d = std::sqrt(hit.squaredDistance);
-    if (signer && d > 0.0f && (p - hit.point) * surfaceNormal(index, *signer, hit) < 0.0f) d = -d;
-    out.distances[i] = d;
-    if (out.closest) (*out.closest)[i] = hit.point;
-    if (out.faces) (*out.faces)[i] = hit.face;
-  }
+  forEachRun(count, report, [&](std::size_t begin, std::size_t end, progress* reporter) {
+    INTERNAL::closestWalker walker(index, maxDistance);
+    for (std::size_t i = begin; i < end; ++i) {
+      if (reporter) reporter->done((i - begin) * count / (end - begin));
+      if (skip(i)) continue;
+      const point3<float> p = point(i);
+      MATH::closestPointHit hit;
+      if (!walker.find(p, hit)) continue;
+      float d = std::sqrt(hit.squaredDistance);
+      if (signer && d > 0.0f && (p - hit.point) * surfaceNormal(index, *signer, hit) < 0.0f) d = -d;
+      out.distances[i] = d;
+      if (out.closest) (*out.closest)[i] = hit.point;
+      if (out.faces) (*out.faces)[i] = hit.face;
+    }
+  });
 }
 
 void measureMesh(const meshInterface& a, const surfaceIndex& index, const meshInterface* signer,

@@ -25,7 +25,8 @@ struct surfaceIndex;
 // of b: result vectors are sized for a's vertices and start at MAX_T (distances, closest
 // points) and 0xFFFFFFFF (faces); a vertex that is deleted, or farther than maxDistance
 // from every face of b, keeps them. They report 1.0 first, the share of vertices done, and
-// 100 last, and return false only for a null mesh.
+// 100 last, and return false only for a null mesh. Long lists are measured in runs on
+// several threads; the meshes must not change meanwhile.
 //
 // The per-model service keeps a list of models, each with its per-vertex distance to the
 // nearest of the others measured so far, and the range of those distances, which the

@@ -188,7 +188,7 @@ TEST(distance, deletedVerticesAndNullMeshes) {
 }
 
 // The search from one point to the next must give exactly what a fresh search gives,
-// whatever order the points come in.
+// whatever order the points come in, in runs on several threads.
 TEST(distance, walkingSearchEqualsFreshSearch) {
   editMesh sb;
   testMeshes::makeSphere(sb, 24, 48);
@@ -197,7 +197,7 @@ TEST(distance, walkingSearchEqualsFreshSearch) {
   editMeshInterface b(sb);
   std::mt19937 rng(3);
   std::uniform_real_distribution<float> u(-1.5f, 1.5f);
-  std::vector<p3> points(3000);
+  std::vector<p3> points(60000);
   for (auto& p : points) p = p3(u(rng), u(rng), u(rng));
   // Half in a walk of small steps, half scattered.
   for (std::size_t i = 1; i < points.size() / 2; ++i)
