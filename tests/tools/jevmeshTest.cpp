@@ -278,4 +278,28 @@ TEST_F(jevmesh, infoOnScans) {
   EXPECT_EQ(field(dental.out, "boundary loops").substr(0, 2), "3 ");
 }
 
+TEST_F(jevmesh, decimateKeepsTheCountAskedAndRefusesBadOptions) {
+  JEV::MESH::editMesh m;
+  testMeshes::makeSphere(m, 24, 48);
+  const std::string in = writePly(m, "sphere.ply"), out = dir.file("small.ply");
+  const runResult r = run("decimate " + in + " " + out + " --faces 300");
+  ASSERT_EQ(r.status, 0) << r.err;
+  plyPolygonMesh small;
+  ASSERT_TRUE(ioPly::readPlyPolygonsFromFile(out, small));
+  EXPECT_LE(small.cornerCounts.size(), 300u);
+  EXPECT_GE(small.cornerCounts.size(), 290u);
+  for (const auto& p : small.positions) EXPECT_NEAR(p.norm(), 1.f, 0.05f);
+
+  const runResult half = run("decimate " + in + " " + out + " --ratio 0.5");
+  ASSERT_EQ(half.status, 0) << half.err;
+  ASSERT_TRUE(ioPly::readPlyPolygonsFromFile(out, small));
+  EXPECT_LE(small.cornerCounts.size(), 24u * 48u);  // half of the 2·24·48 - 2·48 triangles
+
+  EXPECT_EQ(run("decimate " + in + " " + out).status, 2);
+  EXPECT_EQ(run("decimate " + in + " " + out + " --faces 10 --ratio 0.5").status, 2);
+  EXPECT_EQ(run("decimate " + in + " " + out + " --ratio 1.5").status, 2);
+  EXPECT_EQ(run("decimate " + in + " " + out + " --faces -3").status, 2);
+  EXPECT_EQ(run("decimate " + dir.file("missing.ply") + " " + out + " --faces 3").status, 1);
+}
+
 }  // namespace

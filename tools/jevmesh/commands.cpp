@@ -162,10 +162,15 @@ int runMake(const commandLine& line) {
   return usageError("make", "unknown shape '" + shape + "'");
 }
 
+std::vector<command> withRemeshing(std::vector<command> list) {
+  list.insert(list.end(), remeshingCommands().begin(), remeshingCommands().end());
+  return list;
+}
+
 }  // namespace
 
 const std::vector<command>& allCommands() {
-  static const std::vector<command> commands = {
+  static const std::vector<command> commands = withRemeshing({
       {"info",
        "FILE",
        "Describe a mesh: counts, border, pieces, size.",
@@ -201,7 +206,7 @@ const std::vector<command>& allCommands() {
        "                      cylinder or cone\n"
        "  --segments N        segments around the round shapes, 4 to 4096 (default 16)\n",
        withWriteOptions({{"--segments", 1}}), runMake},
-  };
+  });
   return commands;
 }
 

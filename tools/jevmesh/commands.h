@@ -23,5 +23,7 @@ struct command {
 
 // Every subcommand, in the order the help lists them.
 const std::vector<command>& allCommands();
+// The remeshing commands (remeshCommands.cpp), listed after the others.
+const std::vector<command>& remeshingCommands();
 
 }  // namespace JEVMESH
