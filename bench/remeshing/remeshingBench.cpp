@@ -3,11 +3,18 @@
 //   decimate_1m/meshoptimizer  meshopt_simplify to the same index count, no error bound
 //   decimate_1m/openmesh       (remeshingBenchOpenMesh.cpp)
 //   decimate_1m/cgal           (remeshingBenchCgal.cpp)
+//   isotropic_100k/jev3d       computeIsotropicMeshRefinement of all faces of about 100,000
+//                              triangles (three rounds) to the input's mean edge length
+//   isotropic_100k/cgal        (remeshingBenchCgal.cpp)
 // Counters: triangles left, and the largest and mean distance between result and input,
-// both ways, over the input's box diagonal.
+// both ways, over the input's box diagonal; for remeshing also the mean edge length over
+// the target and the spread of the edge lengths.
 #include <meshoptimizer.h>
 
+#include "jev3d/algo/remeshing/internal/triangleSoup.h"
+#include "jev3d/algo/remeshing/isotropicMeshRefinement.h"
 #include "jev3d/algo/remeshing/qECollapse.h"
+#include "jev3d/mesh/editMesh.h"
 #include "remeshingBenchInput.h"
 
 namespace {
@@ -38,8 +45,30 @@ void decimateMeshoptimizer(benchmark::State& state) {
   reportDistance(state, in, out);
 }
 
+void isotropicJev3d(benchmark::State& state) {
+  namespace REMESHING = JEV::MESH::ALGO::REMESHING;
+  const soup& in = hundredThousandTriangles();
+  const double length = meanEdgeLength(in);
+  JEV::MESH::editMesh mesh, result;
+  REMESHING::INTERNAL::fromTriangleSoup(mesh, in.positions, in.triangles);
+  std::vector<unsigned> faces(mesh.fn());
+  for (unsigned f = 0; f < mesh.fn(); ++f) faces[f] = f;
+  REMESHING::attributeList none, noneOut;
+  for (auto _ : state)
+    REMESHING::computeIsotropicMeshRefinement(mesh, none, faces, result, noneOut, float(length));
+  soup out;
+  REMESHING::INTERNAL::toTriangleSoup(result, out.positions, out.triangles);
+  reportDistance(state, in, out);
+  reportEdgeLengths(state, out, length);
+}
+
 }  // namespace
 
+BENCHMARK(isotropicJev3d)
+    ->Name("isotropic_100k/jev3d")
+    ->Unit(benchmark::kMillisecond)
+    ->Iterations(1)
+    ->Repetitions(3);
 BENCHMARK(decimateJev3d)
     ->Name("decimate_1m/jev3d")
     ->Unit(benchmark::kMillisecond)

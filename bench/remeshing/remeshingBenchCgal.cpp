@@ -1,5 +1,8 @@
 // decimate_1m/cgal: CGAL's edge collapse with the Garland-Heckbert plane policies, down
 // to the edge count of the same face count as the other decimate_1m cases.
+// isotropic_100k/cgal: CGAL's isotropic_remeshing of all faces, three iterations, to the
+// same target length as isotropic_100k/jev3d.
+#include <CGAL/Polygon_mesh_processing/remesh.h>
 #include <CGAL/Simple_cartesian.h>
 #include <CGAL/Surface_mesh.h>
 #include <CGAL/Surface_mesh_simplification/Policies/Edge_collapse/Count_stop_predicate.h>
@@ -62,8 +65,33 @@ void decimateCgal(benchmark::State& state) {
   reportDistance(state, in, out);
 }
 
+void isotropicCgal(benchmark::State& state) {
+  const soup& in = hundredThousandTriangles();
+  const double length = meanEdgeLength(in);
+  soup out;
+  for (auto _ : state) {
+    state.PauseTiming();
+    cgalMesh mesh;
+    toCgal(in, mesh);
+    state.ResumeTiming();
+    CGAL::Polygon_mesh_processing::isotropic_remeshing(faces(mesh), length, mesh,
+                                                       CGAL::parameters::number_of_iterations(3));
+    state.PauseTiming();
+    mesh.collect_garbage();
+    fromCgal(mesh, out);
+    state.ResumeTiming();
+  }
+  reportDistance(state, in, out);
+  reportEdgeLengths(state, out, length);
+}
+
 }  // namespace
 
+BENCHMARK(isotropicCgal)
+    ->Name("isotropic_100k/cgal")
+    ->Unit(benchmark::kMillisecond)
+    ->Iterations(1)
+    ->Repetitions(3);
 BENCHMARK(decimateCgal)
     ->Name("decimate_1m/cgal")
     ->Unit(benchmark::kMillisecond)

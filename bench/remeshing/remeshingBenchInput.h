@@ -100,4 +100,31 @@ inline void reportDistance(benchmark::State& state, const soup& input, const sou
   state.counters["dist_mean"] = d.mean / diagonal;
 }
 
+// Mean edge length of a triangle list (edges inside counted twice, which does not move
+// the mean much).
+inline double meanEdgeLength(const soup& s) {
+  double sum = 0.0;
+  for (size_t k = 0; k < s.triangles.size(); ++k)
+    sum +=
+        double((s.positions[s.triangles[k]] - s.positions[s.triangles[k % 3 == 2 ? k - 2 : k + 1]])
+                   .norm());
+  return s.triangles.empty() ? 0.0 : sum / double(s.triangles.size());
+}
+
+// Adds the mean edge length over the target and the spread (standard deviation over
+// mean) of the result's edges to the counters.
+inline void reportEdgeLengths(benchmark::State& state, const soup& result, double target) {
+  const double mean = meanEdgeLength(result);
+  double sum = 0.0;
+  for (size_t k = 0; k < result.triangles.size(); ++k) {
+    const double d = double((result.positions[result.triangles[k]] -
+                             result.positions[result.triangles[k % 3 == 2 ? k - 2 : k + 1]])
+                                .norm()) -
+                     mean;
+    sum += d * d;
+  }
+  state.counters["len_mean"] = mean / target;
+  state.counters["len_spread"] = std::sqrt(sum / double(result.triangles.size())) / mean;
+}
+
 }  // namespace remeshingBench

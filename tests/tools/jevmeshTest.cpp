@@ -302,4 +302,26 @@ TEST_F(jevmesh, decimateKeepsTheCountAskedAndRefusesBadOptions) {
   EXPECT_EQ(run("decimate " + dir.file("missing.ply") + " " + out + " --faces 3").status, 1);
 }
 
+TEST_F(jevmesh, remeshEvensOutASphere) {
+  JEV::MESH::editMesh m;
+  testMeshes::makeSphere(m, 12, 24);
+  const std::string in = writePly(m, "sphere.ply"), out = dir.file("even.ply");
+  const runResult r = run("remesh " + in + " " + out + " --length 0.15 -n 2");
+  ASSERT_EQ(r.status, 0) << r.err;
+  plyPolygonMesh even;
+  ASSERT_TRUE(ioPly::readPlyPolygonsFromFile(out, even));
+  EXPECT_GT(even.cornerCounts.size(), 2u * 12u * 24u);
+  for (const auto& p : even.positions) EXPECT_NEAR(p.norm(), 1.f, 0.02f);
+  unsigned long longEdges = 0;
+  for (size_t k = 0; k < even.corners.size(); ++k) {
+    const size_t next = k % 3 == 2 ? k - 2 : k + 1;
+    longEdges += (even.positions[even.corners[k]] - even.positions[even.corners[next]]).norm() > 0.15f;
+  }
+  EXPECT_LT(longEdges, even.corners.size() / 20);
+
+  EXPECT_EQ(run("remesh " + in + " " + out).status, 2);
+  EXPECT_EQ(run("remesh " + in + " " + out + " --length -1").status, 2);
+  EXPECT_EQ(run("remesh " + in + " " + out + " --length 0.1 -n 0").status, 2);
+}
+
 }  // namespace

@@ -1,10 +1,13 @@
-// The remeshing commands: decimate.
+// The remeshing commands: decimate, remesh.
 
+#include <cmath>
+#include <string>
 #include <vector>
 
 #include "commandSupport.h"
 #include "commands.h"
 #include "jev3d/algo/remeshing/internal/triangleSoup.h"
+#include "jev3d/algo/remeshing/isotropicMeshRefinement.h"
 #include "jev3d/algo/remeshing/qECollapse.h"
 #include "progressBar.h"
 
@@ -42,6 +45,31 @@ int runDecimate(const commandLine& line) {
   });
 }
 
+int runRemesh(const commandLine& line) {
+  float length = 0.f;
+  if (!line.has("--length") || !commandLine::toFloat(line.values("--length")[0], length) ||
+      !(length > 0.f) || !std::isfinite(length))
+    return usageError("remesh", "--length takes a positive edge length");
+  long runs = 1;
+  if (line.has("-n") && (!commandLine::toInt(line.values("-n")[0], runs) || runs < 1 || runs > 100))
+    return usageError("remesh", "-n takes a whole number from 1 to 100");
+  return transform("remesh", line, [&](editMesh& mesh) {
+    REMESHING::attributeList none, noneOut;
+    for (long i = 0; i < runs; ++i) {
+      std::vector<unsigned int> faces;
+      for (unsigned int f = 0; f < mesh.fn(); ++f)
+        if (!mesh.isFaceDeleted(f)) faces.push_back(f);
+      progressBar bar("remeshing " + std::to_string(i + 1) + "/" + std::to_string(runs),
+                      quiet(line));
+      if (!REMESHING::computeIsotropicMeshRefinement(mesh, none, faces, mesh, noneOut, length,
+                                                     bar.reporter()))
+        return fileError(line.positional()[0], "has no face to remesh");
+    }
+    mesh.deselectAllFaces();
+    return int(EXIT_OK);
+  });
+}
+
 }  // namespace
 
 const std::vector<command>& remeshingCommands() {
@@ -53,6 +81,14 @@ const std::vector<command>& remeshingCommands() {
        "  --faces N           the number of triangles to keep\n"
        "  --ratio R           the share of triangles to keep, above 0 and at most 1\n",
        withWriteOptions({{"--faces", 1}, {"--ratio", 1}}), runDecimate},
+      {"remesh", "IN OUT --length L [-n N] [--ascii|--binary]",
+       "Remesh every face to even triangles of edge length about L.",
+       "Three rounds of splits of edges above L, collapses of edges below the smaller\n"
+       "of 0.3 and 0.8 L, valence flips and relaxation back onto the surface. Faces\n"
+       "are taken as triangles; open borders are remeshed along their lines.\n"
+       "  --length L          the longest edge length wanted\n"
+       "  -n N                run the three rounds N times, 1 to 100 (default 1)\n",
+       withWriteOptions({{"--length", 1}, {"-n", 1}}), runRemesh},
   };
   return commands;
 }

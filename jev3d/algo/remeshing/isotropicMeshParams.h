@@ -5,21 +5,20 @@ namespace MESH {
 namespace ALGO {
 namespace REMESHING {
 
-// Tuning of computeIsotropicMeshRefinement beyond the target length.
+// Tuning of computeIsotropicMeshRefinement relative to m, the mean edge length of the
+// region it remeshes.
 struct isotropicMeshParams {
-  // The shortest edge kept, as a fraction of the target length: shorter edges collapse.
+  // Edges shorter than (1 - firstLengthRatio)·m collapse.
   float firstLengthRatio = 0.3f;
-  // Edges longer than the target length times (1 + secondLengthRatio) are split; 0.3
-  // gives the usual 4/3 bound.
+  // Edges longer than (1 + secondLengthRatio)·m split.
   float secondLengthRatio = 0.3f;
-  // Largest volume a single flip or collapse may change, in units of the cube of the
-  // target length.
+  // Largest volume a single flip or collapse may change, in units of m³.
   float volumeTolerance = 0.5f;
-  // Non-zero keeps the border of the region fixed; the rim against the frozen rest is
-  // always fixed.
+  // Non-zero keeps the open borders of the region as they are; the seam against the
+  // rest of the mesh always stays.
   unsigned int firstSwitch = 0;
-  // Non-zero keeps sharp feature edges (dihedral angle above 60 degrees) from flipping
-  // and collapsing across them.
+  // Non-zero keeps sharp edges (faces more than 60 degrees apart): they are not
+  // flipped, and their vertices neither move nor collapse.
   unsigned int secondSwitch = 0;
 
   isotropicMeshParams() = default;
