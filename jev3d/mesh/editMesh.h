@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "jev3d/fields/fieldBase.h"
+#include "jev3d/math/matrix4.h"
 #include "jev3d/math/point2.h"
 #include "jev3d/math/point3.h"
 #include "jev3d/system/color.h"
@@ -482,6 +483,40 @@ class editMesh {
     }
     p.x = float(p.x * y), p.y = float(p.y * y), p.z = float(p.z * y);
   }
+
+  // Whole-mesh and selected-vertex motions (editMeshTransform.cpp). Positions are row
+  // vectors, p · m; normals go through the inverse transpose of m's linear part and are
+  // renormalised (a singular m leaves them null). The box and the spatial indexes are
+  // marked stale and the selection sums recomputed. The selected forms move the live
+  // selected vertices and their normals only; face normals are the caller's to redo.
+  void translate(const MATH::point3<float>& d);
+  void transform(const MATH::matrix4<float>& m);
+  void translateSelectedVertices(const MATH::point3<float>& d);
+  void transformSelectedVertices(const MATH::matrix4<float>& m);
+  // Reverses the corner order of every live face, so that each faces the other way, and
+  // negates face and vertex normals. The EF records are renamed in place, so edge ids,
+  // flags and VE stay valid.
+  void reverseFaceOrder();
+  // Replaces the face flag bytes wholesale (an undo of the selection); a list shorter
+  // than the faces leaves 0 bytes at the end, a longer one is cut. The selection counters
+  // are the caller's to restore.
+  void replaceAllFaceFlags(const std::vector<unsigned char>& flags);
+  // The live faces that share a vertex with a listed face (those included), sorted.
+  void computeRegionOneRing(const std::vector<unsigned int>& faces,
+                            std::vector<unsigned int>& ring) const;
+  // Grows the face selection by that ring.
+  void selectRegionOneRing();
+  // Whether edge e can be collapsed without tearing or pinching the surface: live,
+  // two distinct live ends, and the vertices joined to both ends are exactly the third
+  // corners of the triangles on e; an interior edge between two border vertices is
+  // refused. Needs edges and VE as computeEVEF and computeVE leave them.
+  bool canCollapseEdge(unsigned int e) const;
+  // Collapses e when canCollapseEdge allows it: its second end joins the first, which
+  // moves to pos; triangles on e are deleted, larger faces lose that corner. Edges, EF
+  // and VE are left describing the mesh before the call (the edge is only flagged), so
+  // collapses before the next computeEVEF / computeVE must touch disjoint faces. Returns
+  // false, changing nothing, when refused.
+  bool collapseEdge(unsigned int e, const MATH::point3<float>& pos);
 
   // Selection. Selecting a face or an edge selects its vertices; deselecting one
   // deselects a vertex only when no edge at it has a selected face (needs VE and EF).
