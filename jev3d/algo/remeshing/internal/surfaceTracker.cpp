@@ -64,6 +64,7 @@ struct surfaceTracker::state {
   std::vector<unsigned char> featureEdge;      // per edge
   std::vector<unsigned int> valence;
   std::vector<unsigned int> mark;  // per vertex scratch
+  std::vector<unsigned int> fill;  // scratch of buildTopology
   unsigned int markValue = 0;
 
   unsigned int fn() const { return unsigned(dead.size()); }
@@ -91,6 +92,7 @@ struct surfaceTracker::state {
                        float reach);
   bool flipAllowed(const edgeRec& e, unsigned int c, unsigned int d);
   void relaxAndProject(bool relax);
+  void collapsePasses(float reach);
 };
 
 surfaceTracker::surfaceTracker(const std::vector<p3>& positions,
@@ -118,46 +120,63 @@ surfaceTracker::surfaceTracker(const std::vector<p3>& positions,
 
 surfaceTracker::~surfaceTracker() = default;
 
-// Edges by sorting the sides of the live faces; border, feature and valence flags; the
-// faces around each vertex. Ends of non-manifold edges become fixed.
+// The faces around each vertex; the edges, matching the sides of faces that join the
+// same two vertices; border, feature and valence flags. Ends of non-manifold edges
+// become fixed.
 void surfaceTracker::state::buildTopology() {
   const unsigned int nv = unsigned(pos.size()), nf = fn();
-  std::vector<std::pair<uint64_t, unsigned int>> sides;
-  sides.reserve(size_t(nf) * 3);
-  for (unsigned int f = 0; f < nf; ++f) {
-    if (dead[f]) continue;
-    for (unsigned int k = 0; k < 3; ++k) {
-      const unsigned int a = V(f, k), b = V(f, (k + 1) % 3);
-      const uint64_t key = (uint64_t(std::min(a, b)) << 32) | std::max(a, b);
-      sides.emplace_back(key, 3 * f + k);
-    }
-  }
-  std::sort(sides.begin(), sides.end());
+  vfStart.assign(size_t(nv) + 1, 0);
+  for (unsigned int f = 0; f < nf; ++f)
+    if (!dead[f])
+      for (unsigned int k = 0; k < 3; ++k) ++vfStart[V(f, k) + 1];
+  for (unsigned int v = 0; v < nv; ++v) vfStart[v + 1] += vfStart[v];
+  vfList.resize(vfStart[nv]);
+  fill.assign(vfStart.begin(), vfStart.end() - 1);
+  for (unsigned int f = 0; f < nf; ++f)
+    if (!dead[f])
+      for (unsigned int k = 0; k < 3; ++k) vfList[fill[V(f, k)]++] = f;
+
   edges.clear();
   faceEdge.assign(size_t(nf) * 3, NONE);
   border.assign(nv, 0);
   valence.assign(nv, 0);
-  for (size_t i = 0; i < sides.size();) {
-    size_t j = i;
-    while (j < sides.size() && sides[j].first == sides[i].first) ++j;
-    edgeRec e;
-    const unsigned int w = sides[i].second;
-    e.a = V(w / 3, w % 3);
-    e.b = V(w / 3, (w % 3 + 1) % 3);
-    e.f[0] = w / 3, e.k[0] = static_cast<unsigned char>(w % 3);
-    e.f[1] = NONE, e.k[1] = 0;
-    e.faces = static_cast<unsigned char>(std::min<size_t>(j - i, 3));
-    if (j - i == 2) {
-      e.f[1] = sides[i + 1].second / 3;
-      e.k[1] = static_cast<unsigned char>(sides[i + 1].second % 3);
+  // Each side is taken from its smaller end: the sides there to larger neighbours are
+  // matched in a short list of the neighbours seen so far.
+  std::vector<std::pair<unsigned int, unsigned int>> seen;  // neighbour, edge
+  for (unsigned int v = 0; v < nv; ++v) {
+    seen.clear();
+    for (unsigned int i = vfStart[v]; i < vfStart[v + 1]; ++i) {
+      const unsigned int f = vfList[i];
+      const unsigned int c = V(f, 0) == v ? 0u : (V(f, 1) == v ? 1u : 2u);
+      // The side leaving v (corner c) and the side entering it (corner c + 2).
+      for (unsigned int k : {c, (c + 2) % 3}) {
+        const unsigned int w = k == c ? V(f, (c + 1) % 3) : V(f, k);
+        if (w < v) continue;
+        auto it = std::find_if(
+            seen.begin(), seen.end(),
+            [w](const std::pair<unsigned int, unsigned int>& x) { return x.first == w; });
+        if (it == seen.end()) {
+          edgeRec e;
+          e.a = V(f, k), e.b = V(f, (k + 1) % 3);
+          e.f[0] = f, e.k[0] = static_cast<unsigned char>(k);
+          e.f[1] = NONE, e.k[1] = 0;
+          e.faces = 1;
+          seen.emplace_back(w, unsigned(edges.size()));
+          faceEdge[3 * f + k] = unsigned(edges.size());
+          edges.push_back(e);
+          continue;
+        }
+        edgeRec& e = edges[it->second];
+        faceEdge[3 * f + k] = it->second;
+        if (e.faces == 1) e.f[1] = f, e.k[1] = static_cast<unsigned char>(k);
+        if (e.faces < 3) ++e.faces;
+      }
     }
-    const unsigned int id = unsigned(edges.size());
-    for (size_t q = i; q < j; ++q) faceEdge[sides[q].second] = id;
+  }
+  for (const edgeRec& e : edges) {
     if (e.faces == 1) border[e.a] = border[e.b] = 1;
     if (e.faces > 2) fixed[e.a] = fixed[e.b] = 1;
     ++valence[e.a], ++valence[e.b];
-    edges.push_back(e);
-    i = j;
   }
   featureEdge.assign(edges.size(), 0);
   feature.assign(nv, 0);
@@ -171,16 +190,6 @@ void surfaceTracker::state::buildTopology() {
   if (params.keepBorder)
     for (unsigned int v = 0; v < nv; ++v)
       if (border[v]) fixed[v] = 1;
-  vfStart.assign(size_t(nv) + 1, 0);
-  for (unsigned int f = 0; f < nf; ++f)
-    if (!dead[f])
-      for (unsigned int k = 0; k < 3; ++k) ++vfStart[V(f, k) + 1];
-  for (unsigned int v = 0; v < nv; ++v) vfStart[v + 1] += vfStart[v];
-  vfList.resize(vfStart[nv]);
-  std::vector<unsigned int> fill(vfStart.begin(), vfStart.end() - 1);
-  for (unsigned int f = 0; f < nf; ++f)
-    if (!dead[f])
-      for (unsigned int k = 0; k < 3; ++k) vfList[fill[V(f, k)]++] = f;
   mark.resize(nv, 0);
 }
 
@@ -258,11 +267,19 @@ bool surfaceTracker::state::splitLongEdges() {
 bool surfaceTracker::state::collapseAllowed(const edgeRec& e, unsigned int keep, unsigned int gone,
                                             const p3& p, float reach) {
   const float limit = reach * reach * params.maxEdgeLength * params.maxEdgeLength;
+  // No edge at p may come out long; the commonest refusal, so it is tested first.
+  for (unsigned int end : {keep, gone})
+    for (unsigned int i = vfStart[end]; i < vfStart[end + 1]; ++i)
+      for (unsigned int k = 0; k < 3 && !dead[vfList[i]]; ++k) {
+        const unsigned int w = V(vfList[i], k);
+        if (w != keep && w != gone && (p - pos[w]).squaredNorm() > limit) return false;
+      }
   // Link condition: the two ends share exactly the far corners of the edge's faces.
   const unsigned int m = nextMark();
   unsigned int around = 0;
   for (unsigned int i = vfStart[keep]; i < vfStart[keep + 1]; ++i) {
     const unsigned int f = vfList[i];
+    if (dead[f]) continue;
     ++around;
     for (unsigned int k = 0; k < 3; ++k) mark[V(f, k)] = m;
   }
@@ -270,12 +287,12 @@ bool surfaceTracker::state::collapseAllowed(const edgeRec& e, unsigned int keep,
   const unsigned int m2 = nextMark();
   for (unsigned int i = vfStart[gone]; i < vfStart[gone + 1]; ++i) {
     const unsigned int f = vfList[i];
+    if (dead[f]) continue;
     ++around;
     for (unsigned int k = 0; k < 3; ++k) {
       const unsigned int w = V(f, k);
       if (w == keep || w == gone) continue;
       if (mark[w] == m) ++shared, mark[w] = m2;
-      if ((p - pos[w]).squaredNorm() > limit) return false;  // would make a long edge
     }
   }
   if (shared != e.faces) return false;
@@ -283,13 +300,10 @@ bool surfaceTracker::state::collapseAllowed(const edgeRec& e, unsigned int keep,
   // Nor may a far corner of the edge lose its last face.
   for (unsigned int side = 0; side < e.faces; ++side) {
     const unsigned int far = V(e.f[side], (e.k[side] + 2u) % 3u);
-    if (vfStart[far + 1] - vfStart[far] < 2) return false;
+    unsigned int live = 0;
+    for (unsigned int i = vfStart[far]; i < vfStart[far + 1]; ++i) live += !dead[vfList[i]];
+    if (live < 2) return false;
   }
-  for (unsigned int i = vfStart[keep]; i < vfStart[keep + 1]; ++i)
-    for (unsigned int k = 0; k < 3; ++k) {
-      const unsigned int w = V(vfList[i], k);
-      if (w != keep && w != gone && (p - pos[w]).squaredNorm() > limit) return false;
-    }
   // No face may turn over or become a sliver, and the enclosed volume may change only
   // a little.
   double before = 0.0, after = 0.0;
@@ -297,6 +311,7 @@ bool surfaceTracker::state::collapseAllowed(const edgeRec& e, unsigned int keep,
   for (unsigned int end : {keep, gone})
     for (unsigned int i = vfStart[end]; i < vfStart[end + 1]; ++i) {
       const unsigned int f = vfList[i];
+      if (dead[f]) continue;
       const unsigned int a = V(f, 0), b = V(f, 1), c = V(f, 2);
       const bool hasKeep = a == keep || b == keep || c == keep;
       const bool hasGone = a == gone || b == gone || c == gone;
@@ -312,21 +327,27 @@ bool surfaceTracker::state::collapseAllowed(const edgeRec& e, unsigned int keep,
   return std::fabs(after - before) <= params.maxVolumeChange;
 }
 
-// Short edges collapse in independent sets: a collapse takes the one-rings of both
-// ends, which no other collapse of the set may touch. A fixed end stays, a border end
-// stays against an inner one, otherwise the ends meet at the midpoint.
+// Short edges collapse, shortest first, in sets whose edges share no end. Each collapse
+// rewrites the faces at once, so the faces around the ends of the next one, read from
+// the lists of the last rebuild, are current; an end of a collapse is not an end again
+// before the rebuild, whose lists it would miss. A fixed end stays, a border end stays
+// against an inner one, otherwise the ends meet at the midpoint.
 unsigned int surfaceTracker::state::collapseShortEdges(float reach) {
   const float limit = params.minEdgeLength * params.minEdgeLength;
-  std::vector<unsigned int> order;
+  // Shortest first, near enough: a counting sort into buckets of squared length.
+  constexpr unsigned int BUCKETS = 32;
+  std::vector<unsigned int> bucketOf(edges.size(), BUCKETS), start(BUCKETS + 1, 0);
+  for (unsigned int e = 0; e < edges.size(); ++e) {
+    const float l = (pos[edges[e].a] - pos[edges[e].b]).squaredNorm();
+    if (edges[e].faces > 2 || !(l < limit)) continue;
+    bucketOf[e] = std::min(BUCKETS - 1, unsigned(float(BUCKETS) * l / limit));
+    ++start[bucketOf[e] + 1];
+  }
+  for (unsigned int b = 0; b < BUCKETS; ++b) start[b + 1] += start[b];
+  std::vector<unsigned int> order(start[BUCKETS]);
   for (unsigned int e = 0; e < edges.size(); ++e)
-    if (edges[e].faces <= 2 && (pos[edges[e].a] - pos[edges[e].b]).squaredNorm() < limit)
-      order.push_back(e);
-  std::sort(order.begin(), order.end(), [&](unsigned int x, unsigned int y) {
-    return (pos[edges[x].a] - pos[edges[x].b]).squaredNorm() <
-           (pos[edges[y].a] - pos[edges[y].b]).squaredNorm();
-  });
+    if (bucketOf[e] < BUCKETS) order[start[bucketOf[e]]++] = e;
   std::vector<unsigned char> taken(pos.size(), 0);
-  std::vector<unsigned int> to(pos.size(), NONE);
   unsigned int done = 0;
   for (unsigned int e : order) {
     const edgeRec& r = edges[e];
@@ -338,21 +359,22 @@ unsigned int surfaceTracker::state::collapseShortEdges(float reach) {
     const unsigned int keep = lockB ? r.b : r.a, gone = keep == r.a ? r.b : r.a;
     const p3 p = lockA || lockB ? pos[keep] : (pos[r.a] + pos[r.b]) * 0.5f;
     if (!collapseAllowed(r, keep, gone, p, reach)) continue;
-    for (unsigned int end : {r.a, r.b})
-      for (unsigned int i = vfStart[end]; i < vfStart[end + 1]; ++i)
-        for (unsigned int k = 0; k < 3; ++k) taken[V(vfList[i], k)] = 1;
+    taken[keep] = taken[gone] = 1;
     for (unsigned int i = vfStart[gone]; i < vfStart[gone + 1]; ++i) {
       const unsigned int f = vfList[i];
-      if (V(f, 0) == keep || V(f, 1) == keep || V(f, 2) == keep) dead[f] = 1;
+      if (dead[f]) continue;
+      if (V(f, 0) == keep || V(f, 1) == keep || V(f, 2) == keep) {
+        dead[f] = 1;
+        continue;
+      }
+      for (unsigned int k = 0; k < 3; ++k)
+        if (tri[3 * f + k] == gone) tri[3 * f + k] = keep;
     }
     pos[keep] = p;
     fresh[keep] = fresh[keep] && fresh[gone];
-    to[gone] = keep;
     ++done;
   }
   if (!done) return 0;
-  for (unsigned int& v : tri)
-    if (to[v] != NONE) v = to[v];
   compactFaces();
   return done;
 }
@@ -461,7 +483,10 @@ void surfaceTracker::state::relaxAndProject(bool relax) {
     const p3 move = relax ? centre * (1.f / area) - pos[v] : p3();
     const p3 target = pos[v] + move - normal * (normal * move);
     MATH::closestPointHit hit;
-    const bool projected = input.closestPoint(target, std::numeric_limits<float>::max(), hit);
+    // The surface is near: a bounded search prunes most of the tree.
+    const float reach = params.maxEdgeLength * params.maxEdgeLength;
+    const bool projected = input.closestPoint(target, reach, hit) ||
+                           input.closestPoint(target, std::numeric_limits<float>::max(), hit);
     const p3 old = pos[v];
     auto folds = [&]() {
       for (unsigned int i = vfStart[v]; i < vfStart[v + 1]; ++i) {
@@ -479,34 +504,38 @@ void surfaceTracker::state::relaxAndProject(bool relax) {
   }
 }
 
+// Collapse passes until one does little: what is left is mostly refused.
+void surfaceTracker::state::collapsePasses(float reach) {
+  for (unsigned int pass = 0; pass < MAX_COLLAPSE_PASSES; ++pass) {
+    const unsigned int done = collapseShortEdges(reach);
+    if (done) buildTopology();
+    if (done * 100u < fn()) break;
+  }
+}
+
 void surfaceTracker::improve(SYSTEM::callBack* cb) {
   if (cb) cb->setValue(1.0f);
   state& t = *s;
   const unsigned int rounds = std::max(1u, t.params.iterations);
+  t.buildTopology();
   for (unsigned int round = 0; round < rounds; ++round) {
     std::fill(t.fresh.begin(), t.fresh.end(), 0);
-    t.buildTopology();
     for (unsigned int pass = 0; pass < MAX_SPLIT_PASSES && t.splitLongEdges(); ++pass)
       t.buildTopology();
-    for (unsigned int pass = 0; pass < MAX_COLLAPSE_PASSES && t.collapseShortEdges(COLLAPSE_REACH);
-         ++pass)
-      t.buildTopology();
+    t.collapsePasses(COLLAPSE_REACH);
     for (unsigned int pass = 0; pass < FLIP_PASSES && t.flipEdges(false); ++pass) t.buildTopology();
-    t.buildTopology();
     t.relaxAndProject(true);
     if (cb) cb->setValue(1.f + 97.f * float(round + 1) / float(rounds));
   }
   // Relaxation leaves some edges a little long: flip them away where a shorter diagonal
   // fits, split the rest, and collapse what that makes short without a long edge.
   std::fill(t.fresh.begin(), t.fresh.end(), 0);
-  t.buildTopology();
   if (t.flipEdges(true)) t.buildTopology();
   if (t.splitLongEdges()) {
     t.buildTopology();
     t.relaxAndProject(false);
   }
-  for (unsigned int pass = 0; pass < MAX_COLLAPSE_PASSES && t.collapseShortEdges(1.f); ++pass)
-    t.buildTopology();
+  t.collapsePasses(1.f);
   if (cb) cb->setValue(100.0f);
 }
 
