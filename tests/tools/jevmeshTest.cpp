@@ -379,4 +379,23 @@ TEST_F(jevmesh, remeshEvensOutASphere) {
   EXPECT_EQ(run("remesh " + in + " " + out + " --length 0.1 -n 0").status, 2);
 }
 
+TEST_F(jevmesh, voxelizeWritesAClosedBlockySurface) {
+  JEV::MESH::editMesh m;
+  testMeshes::makeSphere(m, 16, 32);
+  const std::string in = writePly(m, "sphere.ply"), out = dir.file("voxels.ply");
+  const runResult r = run("voxelize " + in + " " + out + " --size 0.1");
+  ASSERT_EQ(r.status, 0) << r.err;
+  plyPolygonMesh blocks;
+  ASSERT_TRUE(ioPly::readPlyPolygonsFromFile(out, blocks));
+  ASSERT_FALSE(blocks.cornerCounts.empty());
+  for (unsigned n : blocks.cornerCounts) EXPECT_EQ(n, 4u);
+  const runResult info = run("info " + out);
+  EXPECT_EQ(field(info.out, "boundary loops"), "0");
+  for (const auto& p : blocks.positions) EXPECT_LT(p.norm(), 1.f + 0.2f);
+
+  EXPECT_EQ(run("voxelize " + in + " " + out).status, 2);
+  EXPECT_EQ(run("voxelize " + in + " " + out + " --size 0").status, 2);
+  EXPECT_EQ(run("voxelize " + in + " " + out + " --size 1e-9").status, 1);
+}
+
 }  // namespace

@@ -1,4 +1,4 @@
-// The remeshing commands: decimate, remesh.
+// The remeshing commands: decimate, remesh, voxelize.
 
 #include <cmath>
 #include <string>
@@ -9,6 +9,7 @@
 #include "jev3d/algo/remeshing/internal/triangleSoup.h"
 #include "jev3d/algo/remeshing/isotropicMeshRefinement.h"
 #include "jev3d/algo/remeshing/qECollapse.h"
+#include "jev3d/algo/remeshing/voxelizationFunctor.h"
 #include "progressBar.h"
 
 namespace JEVMESH {
@@ -70,6 +71,32 @@ int runRemesh(const commandLine& line) {
   });
 }
 
+int runVoxelize(const commandLine& line) {
+  float size = 0.f;
+  if (!line.has("--size") || !commandLine::toFloat(line.values("--size")[0], size) ||
+      !(size > 0.f) || !std::isfinite(size))
+    return usageError("voxelize", "--size takes a positive voxel edge length");
+  return transform("voxelize", line, [&](editMesh& mesh) {
+    std::vector<JEV::MATH::point3<float>> positions;
+    std::vector<unsigned int> triangles;
+    REMESHING::INTERNAL::toTriangleSoup(mesh, positions, triangles);
+    mesh.computeBBox();
+    const JEV::MATH::point3<float> lo = mesh.getBBoxMin(), hi = mesh.getBBoxMax();
+    REMESHING::volumeDescriptor frame, volume;
+    if (!frame.frameBox(JEV::MATH::point3<double>(lo.x, lo.y, lo.z),
+                        JEV::MATH::point3<double>(hi.x, hi.y, hi.z), double(size)))
+      return fileError(line.positional()[0], "needs too many voxels of that size");
+    progressBar bar("voxelizing", quiet(line));
+    if (!REMESHING::voxelizationFunctor()(positions,
+                                          std::vector<int>(triangles.begin(), triangles.end()),
+                                          frame, volume, bar.reporter()))
+      return fileError(line.positional()[0], "has no triangle to voxelize");
+    bar.finish();
+    volume.toMesh(mesh, true);
+    return int(EXIT_OK);
+  });
+}
+
 }  // namespace
 
 const std::vector<command>& remeshingCommands() {
@@ -89,6 +116,12 @@ const std::vector<command>& remeshingCommands() {
        "  --length L          the longest edge length wanted\n"
        "  -n N                run the three rounds N times, 1 to 100 (default 1)\n",
        withWriteOptions({{"--length", 1}, {"-n", 1}}), runRemesh},
+      {"voxelize", "IN OUT --size S [--ascii|--binary]",
+       "Write the boundary of the voxels the mesh fills, as quads.",
+       "Voxels of edge S that the surface crosses, and those it encloses, are filled;\n"
+       "a hole wider than a voxel leaves only the crossed ones.\n"
+       "  --size S            the voxel edge length\n",
+       withWriteOptions({{"--size", 1}}), runVoxelize},
   };
   return commands;
 }

@@ -3,6 +3,7 @@
 #include <cmath>
 #include <cstring>
 #include <new>
+#include <unordered_map>
 
 #include "jev3d/mesh/editMesh.h"
 
@@ -43,6 +44,75 @@ bool volumeDescriptor::allocate(uint64_t x, uint64_t y, uint64_t z,
   minimum = corner;
   scale = s;
   return true;
+}
+
+bool volumeDescriptor::frameBox(const MATH::point3<double>& lo, const MATH::point3<double>& hi,
+                                double s) {
+  clear();
+  if (!(s > 0.0) || !std::isfinite(s)) return false;
+  double cells[3];
+  for (int a = 0; a < 3; ++a) {
+    if (!(lo[a] <= hi[a]) || !std::isfinite(lo[a]) || !std::isfinite(hi[a])) return false;
+    cells[a] = std::ceil((hi[a] - lo[a]) / s) + 3.0;
+    if (!(cells[a] <= double(MAX_VOXELS))) return false;
+  }
+  const uint64_t x = uint64_t(cells[0]), y = uint64_t(cells[1]), z = uint64_t(cells[2]);
+  if (y > MAX_VOXELS / x || z > MAX_VOXELS / (x * y)) return false;
+  minimum = lo - MATH::point3<double>(s, s, s);
+  scale = s;
+  dimX = x, dimY = y, dimZ = z;
+  return true;
+}
+
+void volumeDescriptor::toMesh(editMesh& mesh, bool withSurface) const {
+  mesh.clear(false);
+  if (isEmpty()) return;
+  auto filled = [&](int64_t i, int64_t j, int64_t k) {
+    if (i < 0 || j < 0 || k < 0 || uint64_t(i) >= dimX || uint64_t(j) >= dimY ||
+        uint64_t(k) >= dimZ)
+      return false;
+    const unsigned char v = at(uint64_t(i), uint64_t(j), uint64_t(k));
+    return v == VOXEL_INSIDE || (withSurface && v == VOXEL_ON_SURFACE);
+  };
+  // Voxel corners are shared: corner (i, j, k) lies half a voxel below centre (i, j, k).
+  std::unordered_map<uint64_t, unsigned int> corners;
+  const uint64_t cx = dimX + 1, cy = dimY + 1;
+  auto corner = [&](uint64_t i, uint64_t j, uint64_t k) {
+    const uint64_t key = (k * cy + j) * cx + i;
+    auto it = corners.find(key);
+    if (it != corners.end()) return it->second;
+    const MATH::point3<double> p =
+        getVoxelCenter(i, j, k) - MATH::point3<double>(0.5, 0.5, 0.5) * scale;
+    const unsigned int id = mesh.addVertex(float(p.x), float(p.y), float(p.z));
+    corners.emplace(key, id);
+    return id;
+  };
+  // For each axis, the face on the low and on the high side, corners wound outward.
+  static const int quad[6][4][3] = {
+      {{0, 0, 0}, {0, 0, 1}, {0, 1, 1}, {0, 1, 0}}, {{1, 0, 0}, {1, 1, 0}, {1, 1, 1}, {1, 0, 1}},
+      {{0, 0, 0}, {1, 0, 0}, {1, 0, 1}, {0, 0, 1}}, {{0, 1, 0}, {0, 1, 1}, {1, 1, 1}, {1, 1, 0}},
+      {{0, 0, 0}, {0, 1, 0}, {1, 1, 0}, {1, 0, 0}}, {{0, 0, 1}, {1, 0, 1}, {1, 1, 1}, {0, 1, 1}}};
+  static const int step[6][3] = {{-1, 0, 0}, {1, 0, 0},  {0, -1, 0},
+                                 {0, 1, 0},  {0, 0, -1}, {0, 0, 1}};
+  for (uint64_t k = 0; k < dimZ; ++k)
+    for (uint64_t j = 0; j < dimY; ++j)
+      for (uint64_t i = 0; i < dimX; ++i) {
+        if (!filled(int64_t(i), int64_t(j), int64_t(k))) continue;
+        for (int f = 0; f < 6; ++f) {
+          if (filled(int64_t(i) + step[f][0], int64_t(j) + step[f][1], int64_t(k) + step[f][2]))
+            continue;
+          unsigned int q[4];
+          for (int c = 0; c < 4; ++c)
+            q[c] = corner(i + uint64_t(quad[f][c][0]), j + uint64_t(quad[f][c][1]),
+                          k + uint64_t(quad[f][c][2]));
+          mesh.addQuadFace(q[0], q[1], q[2], q[3]);
+        }
+      }
+  mesh.checkMeshState();
+  mesh.computeEdges(true);
+  mesh.computeVE();
+  mesh.computeNormalizedFaceNormals();
+  mesh.computeNormalizedVertexNormals();
 }
 
 void volumeDescriptor::clear() {

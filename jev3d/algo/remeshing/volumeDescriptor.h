@@ -37,6 +37,15 @@ class volumeDescriptor {
   // false, leaving the descriptor empty, for a zero or too large dimension or a scale
   // that is not positive and finite.
   bool allocate(uint64_t x, uint64_t y, uint64_t z, const MATH::point3<double>& corner, double s);
+  // Frees the array and sets the frame of a grid of voxel edge s whose centres run from
+  // one voxel before lo to one voxel after hi, so a surface inside [lo, hi] has outside
+  // voxels all round. The voxels are not allocated. False for a box that is empty or not
+  // finite, or a scale that is not positive and finite, or a grid past 2^34 voxels.
+  bool frameBox(const MATH::point3<double>& lo, const MATH::point3<double>& hi, double s);
+  // The boundary of the voxels holding VOXEL_INSIDE (and VOXEL_ON_SURFACE with
+  // withSurface) as quads, four a face of a filled voxel that does not touch another,
+  // wound outward; mesh is replaced and finished (edges, VE, normals).
+  void toMesh(editMesh& mesh, bool withSurface) const;
   // No grid held.
   bool isEmpty() const { return voxels == nullptr || dimX == 0 || dimY == 0 || dimZ == 0; }
   // A grid with a usable scale.
