@@ -213,7 +213,7 @@ TEST_F(jevmesh, badInputAndBadUsageHaveTheirOwnStatus) {
 
   EXPECT_EQ(run("info " + dir.file("missing.ply")).status, 1);
   EXPECT_EQ(run("info " + good + " --frobnicate").status, 2);
-  EXPECT_EQ(run("subdivide " + good + " " + dir.file("o.ply") + " --scheme loop").status, 2);
+  EXPECT_EQ(run("subdivide " + good + " " + dir.file("o.ply") + " --scheme sqrt3").status, 2);
   EXPECT_EQ(run("mirror " + good + " " + dir.file("o.ply") + " --face 0 --normal 1 0").status, 2);
   EXPECT_EQ(run("convert " + good).status, 2);
   const runResult both = run("triangulate " + good + " " + dir.file("o.ply") + " --ascii --binary");
@@ -396,6 +396,23 @@ TEST_F(jevmesh, voxelizeWritesAClosedBlockySurface) {
   EXPECT_EQ(run("voxelize " + in + " " + out).status, 2);
   EXPECT_EQ(run("voxelize " + in + " " + out + " --size 0").status, 2);
   EXPECT_EQ(run("voxelize " + in + " " + out + " --size 1e-9").status, 1);
+}
+
+TEST_F(jevmesh, subdivideByLoopAndButterfly) {
+  JEV::MESH::editMesh m;
+  m.makeOctahedron();
+  const std::string in = writePly(m, "octahedron.ply"), out = dir.file("fine.ply");
+  for (const char* scheme : {"loop", "butterfly"}) {
+    const runResult r = run(std::string("subdivide ") + in + " " + out + " --scheme " + scheme +
+                            " -n 2");
+    ASSERT_EQ(r.status, 0) << r.err;
+    plyPolygonMesh fine;
+    ASSERT_TRUE(ioPly::readPlyPolygonsFromFile(out, fine));
+    EXPECT_EQ(fine.cornerCounts.size(), 8u * 16u) << scheme;
+    EXPECT_EQ(fine.positions.size(), 66u) << scheme;  // V - E + F = 2 with E = 3F / 2
+    EXPECT_EQ(field(run("info " + out).out, "boundary loops"), "0");
+  }
+  EXPECT_EQ(run("subdivide " + in + " " + out + " --scheme sqrt3").status, 2);
 }
 
 }  // namespace

@@ -9,7 +9,9 @@
 #include "jev3d/algo/remeshing/internal/triangleSoup.h"
 #include "jev3d/algo/remeshing/isotropicMeshRefinement.h"
 #include "jev3d/algo/remeshing/qECollapse.h"
+#include "jev3d/algo/remeshing/subdivision.h"
 #include "jev3d/algo/remeshing/voxelizationFunctor.h"
+#include "jev3d/mesh/editMeshInterface.h"
 #include "progressBar.h"
 
 namespace JEVMESH {
@@ -98,6 +100,25 @@ int runVoxelize(const commandLine& line) {
 }
 
 }  // namespace
+
+bool isRemeshingScheme(const std::string& scheme) {
+  return scheme == "loop" || scheme == "butterfly";
+}
+
+void remeshingStep(const std::string& scheme, editMesh& mesh, JEV::SYSTEM::callBack* cb) {
+  editMesh out;
+  JEV::MESH::editMeshInterface from(mesh), to(out);
+  if (scheme == "loop")
+    REMESHING::computeSubdivLoop(&from, &to);
+  else
+    REMESHING::computeButterfly(&from, &to, 0.f, 1, false, cb);
+  out.checkMeshState();
+  out.computeEdges(true);
+  out.computeVE();
+  out.computeNormalizedFaceNormals();
+  out.computeNormalizedVertexNormals();
+  mesh = out;
+}
 
 const std::vector<command>& remeshingCommands() {
   static const std::vector<command> commands = {

@@ -1,5 +1,7 @@
 #include "jev3d/algo/remeshing/internal/surfaceTracker.h"
 
+#include "jev3d/algo/remeshing/internal/triangleCuts.h"
+
 #include <algorithm>
 #include <cmath>
 #include <cstdint>
@@ -223,42 +225,13 @@ bool surfaceTracker::state::splitLongEdges() {
     any = true;
   }
   if (!any) return false;
-  const unsigned int nf = fn();
-  auto add = [&](unsigned int a, unsigned int b, unsigned int c) {
-    tri.insert(tri.end(), {a, b, c});
-    dead.push_back(0);
-  };
-  for (unsigned int f = 0; f < nf; ++f) {
-    if (dead[f]) continue;
-    const unsigned int v[3] = {V(f, 0), V(f, 1), V(f, 2)};
-    const unsigned int m[3] = {mid[faceEdge[3 * f]], mid[faceEdge[3 * f + 1]],
-                               mid[faceEdge[3 * f + 2]]};
-    const unsigned int count = (m[0] != NONE) + (m[1] != NONE) + (m[2] != NONE);
-    if (count == 0) continue;
-    dead[f] = 1;
-    if (count == 3) {
-      add(v[0], m[0], m[2]), add(m[0], v[1], m[1]), add(m[2], m[1], v[2]), add(m[0], m[1], m[2]);
-      continue;
-    }
-    if (count == 1) {
-      const unsigned int k = m[0] != NONE ? 0 : (m[1] != NONE ? 1 : 2);
-      add(v[k], m[k], v[(k + 2) % 3]);
-      add(m[k], v[(k + 1) % 3], v[(k + 2) % 3]);
-      continue;
-    }
-    // Two midpoints: side k stays whole; the corner triangle at v[k + 2] goes off and
-    // the quad left is cut along its shorter diagonal.
-    const unsigned int k = m[0] == NONE ? 0 : (m[1] == NONE ? 1 : 2);
-    const unsigned int a = v[k], b = v[(k + 1) % 3], c = v[(k + 2) % 3];
-    const unsigned int mb = m[(k + 1) % 3], ma = m[(k + 2) % 3];  // on b-c and c-a
-    add(mb, c, ma);
-    if ((pos[a] - pos[mb]).squaredNorm() <= (pos[b] - pos[ma]).squaredNorm()) {
-      add(a, b, mb), add(a, mb, ma);
-    } else {
-      add(a, b, ma), add(b, mb, ma);
-    }
-  }
-  compactFaces();
+  std::vector<unsigned int> sideMid(tri.size());
+  for (size_t w = 0; w < tri.size(); ++w)
+    sideMid[w] = faceEdge[w] == NONE ? NONE : mid[faceEdge[w]];
+  std::vector<unsigned int> cut;
+  cutTriangles(tri, sideMid, pos, cut, nullptr, &dead);
+  tri.swap(cut);
+  dead.assign(tri.size() / 3, 0);
   return true;
 }
 
