@@ -214,7 +214,7 @@ TEST_F(jevmesh, badInputAndBadUsageHaveTheirOwnStatus) {
 
   EXPECT_EQ(run("info " + dir.file("missing.ply")).status, 1);
   EXPECT_EQ(run("info " + good + " --frobnicate").status, 2);
-  EXPECT_EQ(run("subdivide " + good + " " + dir.file("o.ply") + " --scheme loop").status, 2);
+  EXPECT_EQ(run("subdivide " + good + " " + dir.file("o.ply") + " --scheme sqrt3").status, 2);
   EXPECT_EQ(run("mirror " + good + " " + dir.file("o.ply") + " --face 0 --normal 1 0").status, 2);
   EXPECT_EQ(run("convert " + good).status, 2);
   const runResult both = run("triangulate " + good + " " + dir.file("o.ply") + " --ascii --binary");
@@ -332,6 +332,88 @@ TEST_F(jevmesh, infoOnScans) {
   const runResult dental = run("info " + dataFile("ply/dental_Upper_1.ply"));
   EXPECT_EQ(field(dental.out, "components"), "3");
   EXPECT_EQ(field(dental.out, "boundary loops").substr(0, 2), "3 ");
+}
+
+TEST_F(jevmesh, decimateKeepsTheCountAskedAndRefusesBadOptions) {
+  JEV::MESH::editMesh m;
+  testMeshes::makeSphere(m, 24, 48);
+  const std::string in = writePly(m, "sphere.ply"), out = dir.file("small.ply");
+  const runResult r = run("decimate " + in + " " + out + " --faces 300");
+  ASSERT_EQ(r.status, 0) << r.err;
+  plyPolygonMesh small;
+  ASSERT_TRUE(ioPly::readPlyPolygonsFromFile(out, small));
+  EXPECT_LE(small.cornerCounts.size(), 300u);
+  EXPECT_GE(small.cornerCounts.size(), 290u);
+  for (const auto& p : small.positions) EXPECT_NEAR(p.norm(), 1.f, 0.05f);
+
+  const runResult half = run("decimate " + in + " " + out + " --ratio 0.5");
+  ASSERT_EQ(half.status, 0) << half.err;
+  ASSERT_TRUE(ioPly::readPlyPolygonsFromFile(out, small));
+  EXPECT_LE(small.cornerCounts.size(), 24u * 48u);  // half of the 2·24·48 - 2·48 triangles
+
+  EXPECT_EQ(run("decimate " + in + " " + out).status, 2);
+  EXPECT_EQ(run("decimate " + in + " " + out + " --faces 10 --ratio 0.5").status, 2);
+  EXPECT_EQ(run("decimate " + in + " " + out + " --ratio 1.5").status, 2);
+  EXPECT_EQ(run("decimate " + in + " " + out + " --faces -3").status, 2);
+  EXPECT_EQ(run("decimate " + dir.file("missing.ply") + " " + out + " --faces 3").status, 1);
+}
+
+TEST_F(jevmesh, remeshEvensOutASphere) {
+  JEV::MESH::editMesh m;
+  testMeshes::makeSphere(m, 12, 24);
+  const std::string in = writePly(m, "sphere.ply"), out = dir.file("even.ply");
+  const runResult r = run("remesh " + in + " " + out + " --length 0.15 -n 2");
+  ASSERT_EQ(r.status, 0) << r.err;
+  plyPolygonMesh even;
+  ASSERT_TRUE(ioPly::readPlyPolygonsFromFile(out, even));
+  EXPECT_GT(even.cornerCounts.size(), 2u * 12u * 24u);
+  for (const auto& p : even.positions) EXPECT_NEAR(p.norm(), 1.f, 0.02f);
+  unsigned long longEdges = 0;
+  for (size_t k = 0; k < even.corners.size(); ++k) {
+    const size_t next = k % 3 == 2 ? k - 2 : k + 1;
+    longEdges += (even.positions[even.corners[k]] - even.positions[even.corners[next]]).norm() > 0.15f;
+  }
+  EXPECT_LT(longEdges, even.corners.size() / 20);
+
+  EXPECT_EQ(run("remesh " + in + " " + out).status, 2);
+  EXPECT_EQ(run("remesh " + in + " " + out + " --length -1").status, 2);
+  EXPECT_EQ(run("remesh " + in + " " + out + " --length 0.1 -n 0").status, 2);
+}
+
+TEST_F(jevmesh, voxelizeWritesAClosedBlockySurface) {
+  JEV::MESH::editMesh m;
+  testMeshes::makeSphere(m, 16, 32);
+  const std::string in = writePly(m, "sphere.ply"), out = dir.file("voxels.ply");
+  const runResult r = run("voxelize " + in + " " + out + " --size 0.1");
+  ASSERT_EQ(r.status, 0) << r.err;
+  plyPolygonMesh blocks;
+  ASSERT_TRUE(ioPly::readPlyPolygonsFromFile(out, blocks));
+  ASSERT_FALSE(blocks.cornerCounts.empty());
+  for (unsigned n : blocks.cornerCounts) EXPECT_EQ(n, 4u);
+  const runResult info = run("info " + out);
+  EXPECT_EQ(field(info.out, "boundary loops"), "0");
+  for (const auto& p : blocks.positions) EXPECT_LT(p.norm(), 1.f + 0.2f);
+
+  EXPECT_EQ(run("voxelize " + in + " " + out).status, 2);
+  EXPECT_EQ(run("voxelize " + in + " " + out + " --size 0").status, 2);
+  EXPECT_EQ(run("voxelize " + in + " " + out + " --size 1e-9").status, 1);
+}
+
+TEST_F(jevmesh, subdivideByLoopAndButterfly) {
+  JEV::MESH::editMesh m;
+  m.makeOctahedron();
+  const std::string in = writePly(m, "octahedron.ply"), out = dir.file("fine.ply");
+  for (const char* scheme : {"loop", "butterfly"}) {
+    const runResult r = run(std::string("subdivide ") + in + " " + out + " --scheme " + scheme +
+                            " -n 2");
+    ASSERT_EQ(r.status, 0) << r.err;
+    plyPolygonMesh fine;
+    ASSERT_TRUE(ioPly::readPlyPolygonsFromFile(out, fine));
+    EXPECT_EQ(fine.cornerCounts.size(), 8u * 16u) << scheme;
+    EXPECT_EQ(fine.positions.size(), 66u) << scheme;  // V - E + F = 2 with E = 3F / 2
+    EXPECT_EQ(field(run("info " + out).out, "boundary loops"), "0");
+  }
+  EXPECT_EQ(run("subdivide " + in + " " + out + " --scheme sqrt3").status, 2);
 }
 
 }  // namespace
