@@ -459,6 +459,12 @@ class editMesh {
   // From the faces around v through VE and EF.
   void computeNormalizedVertexNormal(unsigned int v);
   void flipNormals();
+
+  // One umbrella step: every live vertex (only the selected ones with selectedOnly) moves
+  // to the mean of its neighbours along live edges, all from the old positions. Vertices
+  // on a border or wire edge stay, so open meshes keep their rims. Needs valid edges and
+  // VE; nothing moves without them. Normals are left as they were (editMeshSmooth.cpp).
+  void smooth(bool selectedOnly);
   // Unit length through the fast inverse square root (0x5F3759D5) refined by two Newton
   // steps in double; a zero vector stays zero.
   static void normalizeFast(MATH::point3<float>& p) {

@@ -416,7 +416,71 @@ TEST_F(jevmesh, subdivideByLoopAndButterfly) {
   EXPECT_EQ(run("subdivide " + in + " " + out + " --scheme sqrt3").status, 2);
 }
 
-}  // namespace
+// A 10 x 10 grid of triangles with every vertex lifted by up to 0.2: the smoothing
+// commands' input. Border vertices are those with i or j at 0 or 10.
+JEV::MESH::editMesh bumpyGrid() {
+  JEV::MESH::editMesh m;
+  testMeshes::makeGrid(m, 10, 10, false);
+  for (unsigned v = 0; v < m.vn(); ++v) m.vPos(v).z = 0.2f * float((v * 7919u) % 11u) / 10.f;
+  return m;
+}
+
+double zVariance(const plyPolygonMesh& m) {
+  double s = 0, s2 = 0;
+  for (const auto& p : m.positions) s += p.z, s2 += double(p.z) * p.z;
+  const double n = double(m.positions.size());
+  return s2 / n - (s / n) * (s / n);
+}
+
+TEST_F(jevmesh, smoothFlattensBumpsByEveryScheme) {
+  JEV::MESH::editMesh m = bumpyGrid();
+  const std::string in = writePly(m, "bumpy.ply");
+  plyPolygonMesh original;
+  ASSERT_TRUE(ioPly::readPlyPolygonsFromFile(in, original));
+  for (const char* scheme : {"laplacian", "two-step", "bilateral"}) {
+    SCOPED_TRACE(scheme);
+    const std::string out = dir.file(std::string(scheme) + ".ply");
+    const runResult r = run("smooth " + in + " " + out + " --scheme " + scheme + " -n 4");
+    ASSERT_EQ(r.status, 0) << r.err;
+    plyPolygonMesh after;
+    ASSERT_TRUE(ioPly::readPlyPolygonsFromFile(out, after));
+    ASSERT_EQ(after.positions.size(), original.positions.size());
+    EXPECT_LT(zVariance(after), 0.75 * zVariance(original));
+  }
+}
+
+TEST_F(jevmesh, smoothKeepsTheBorderUnlessAsked) {
+  JEV::MESH::editMesh m = bumpyGrid();
+  const std::string in = writePly(m, "bumpy.ply");
+  plyPolygonMesh original, kept, moved, held;
+  ASSERT_TRUE(ioPly::readPlyPolygonsFromFile(in, original));
+  ASSERT_EQ(run("smooth " + in + " " + dir.file("a.ply") + " -n 3").status, 0);
+  ASSERT_EQ(run("smooth " + in + " " + dir.file("b.ply") + " -n 3 --smooth-border").status, 0);
+  ASSERT_EQ(
+      run("smooth " + in + " " + dir.file("c.ply") + " --scheme two-step --keep-border").status, 0);
+  ASSERT_TRUE(ioPly::readPlyPolygonsFromFile(dir.file("a.ply"), kept));
+  ASSERT_TRUE(ioPly::readPlyPolygonsFromFile(dir.file("b.ply"), moved));
+  ASSERT_TRUE(ioPly::readPlyPolygonsFromFile(dir.file("c.ply"), held));
+  unsigned borderMoved = 0;
+  for (unsigned v = 0; v < original.positions.size(); ++v) {
+    const unsigned i = v % 11, j = v / 11;
+    if (i != 0 && j != 0 && i != 10 && j != 10) continue;
+    EXPECT_EQ(kept.positions[v].z, original.positions[v].z) << v;
+    EXPECT_EQ(held.positions[v].z, original.positions[v].z) << v;
+    borderMoved += moved.positions[v].z != original.positions[v].z;
+  }
+  EXPECT_GT(borderMoved, 10u);
+}
+
+TEST_F(jevmesh, smoothRejectsBadSchemesAndCounts) {
+  JEV::MESH::editMesh m = bumpyGrid();
+  const std::string in = writePly(m, "bumpy.ply"), out = dir.file("out.ply");
+  EXPECT_EQ(run("smooth " + in + " " + out + " --scheme wobble").status, 2);
+  EXPECT_EQ(run("smooth " + in + " " + out + " -n -1").status, 2);
+  EXPECT_EQ(run("smooth " + in + " " + out + " --feature-angle 200").status, 2);
+  EXPECT_EQ(run("smooth " + dir.file("missing.ply") + " " + out).status, 1);
+}
+
 
 TEST_F(jevmesh, distanceMeasuresBothWaysAndColoursA) {
   // A: unit sphere; B: the same sphere shifted by 0.5 along x, so that A's vertices lie
@@ -454,3 +518,5 @@ TEST_F(jevmesh, distanceMeasuresBothWaysAndColoursA) {
   EXPECT_EQ(run("distance " + pathA + " " + pathB + " --out " + dir.file("c.stl")).status, 2);
   EXPECT_EQ(run("distance " + pathA + " " + dir.file("none.ply")).status, 1);
 }
+
+}  // namespace

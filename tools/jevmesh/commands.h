@@ -30,6 +30,9 @@ struct command {
   int (*run)(const commandLine& line);
 };
 
+// Commands defined in files of their own.
+command smoothCommand();
+
 // Every subcommand, in the order the help lists them.
 const std::vector<command>& allCommands();
 // The remeshing commands (remeshCommands.cpp), listed after the others.
