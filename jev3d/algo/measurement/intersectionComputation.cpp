@@ -107,6 +107,7 @@ bool voxelRun(double lo, double hi, uint64_t dim, uint64_t& first, uint64_t& las
 
 void voxelModel::clear() {
   points.clear();
+  sourceVertex.clear();
   triangles.clear();
   volume.clear();
   cpt.clear();
@@ -115,15 +116,18 @@ void voxelModel::clear() {
 
 void intersectionComputation::editMeshToPointTri(const meshInterface& mesh,
                                                  std::vector<point3<float>>& points,
-                                                 std::vector<int>& triangles) {
+                                                 std::vector<int>& triangles,
+                                                 std::vector<unsigned int>* sourceVertex) {
   points.clear();
   triangles.clear();
+  if (sourceVertex) sourceVertex->clear();
   const unsigned int vn = mesh.vn();
   std::vector<int> renumbered(vn, -1);
   const auto id = [&](unsigned int v) {
     if (renumbered[v] < 0) {
       renumbered[v] = int(points.size());
       points.push_back(mesh.vPos(v));
+      if (sourceVertex) sourceVertex->push_back(v);
     }
     return renumbered[v];
   };
@@ -305,7 +309,7 @@ bool intersectionComputation::prepare(const meshInterface& mesh, unsigned int re
                                       voxelModel& model, SYSTEM::callBack* cb) {
   report(cb, 1.0f);
   model.clear();
-  editMeshToPointTri(mesh, model.points, model.triangles);
+  editMeshToPointTri(mesh, model.points, model.triangles, &model.sourceVertex);
   const bool ok = convertToVolume(model.points, model.triangles, resolution, model.volume) &&
                   convertToCPT(model) && convertToSDF(model);
   if (!ok) model.clear();

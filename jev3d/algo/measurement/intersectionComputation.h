@@ -23,6 +23,7 @@ namespace VOXEL {
 // distance field (negative inside). Computed once, it serves every placement.
 struct voxelModel {
   std::vector<MATH::point3<float>> points;
+  std::vector<unsigned int> sourceVertex;  // the mesh's vertex id of each point
   std::vector<int> triangles;
   REMESHING::volumeDescriptor volume;
   closestPointTransform cpt;
@@ -38,10 +39,11 @@ class intersectionComputation {
  public:
   // The live faces of a mesh as triangles (polygons as fans from corner 0) over the
   // vertices they use, renumbered in order. Faces on deleted or missing vertices are left
-  // out.
+  // out. sourceVertex, when given, receives the mesh's vertex id of each point.
   static void editMeshToPointTri(const meshInterface& mesh,
                                  std::vector<MATH::point3<float>>& points,
-                                 std::vector<int>& triangles);
+                                 std::vector<int>& triangles,
+                                 std::vector<unsigned int>* sourceVertex = nullptr);
   // Voxelises the soup with `resolution` voxels along its longest side.
   static bool convertToVolume(const std::vector<MATH::point3<float>>& points,
                               const std::vector<int>& triangles, unsigned int resolution,
