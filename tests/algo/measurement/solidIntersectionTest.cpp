@@ -28,7 +28,7 @@ TEST(solidIntersection, overlappingAndDisjointSolids) {
   const editMesh unit = sphere(1.0f), small = sphere(0.3f);
   test.addModelToTest(unit, m4::IDENTITY(), false);                    // 0
   test.addModelToTest(unit, m4::getTranslate(1.5f, 0, 0), false);      // 1: overlaps 0
-  test.addModelToTest(unit, m4::getTranslate(0, 5, 0), false);         // 2: alone
+  test.addModelToTest(unit, m4::getTranslate(0, 5, 0), false);         // 2: apart from 0, 1, 4
   test.addModelToTest(small, m4::getTranslate(0, 5.2f, 0), false);     // 3: inside 2
   test.addModelToTest(unit, m4::getTranslate(2.2f, 1.95f, 0), false);  // 4: box touches 1 only
   EXPECT_EQ(test.getModel(1).mesh.vPos(0).x, 1.5f);                    // the copy is placed
