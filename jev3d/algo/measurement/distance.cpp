@@ -141,23 +141,6 @@ const meshInterface* prepareSigner(meshInterface* b, bool useNormals) {
   return b;
 }
 
-// Box of the live vertices; false when there is none.
-bool liveBox(const meshInterface& m, point3<float>& lo, point3<float>& hi) {
-  bool any = false;
-  for (unsigned int v = 0; v < m.vn(); ++v) {
-    if (m.isVertDeleted(v)) continue;
-    const point3<float>& p = m.vPos(v);
-    if (!any) {
-      lo = hi = p;
-      any = true;
-      continue;
-    }
-    lo = point3<float>(std::min(lo.x, p.x), std::min(lo.y, p.y), std::min(lo.z, p.z));
-    hi = point3<float>(std::max(hi.x, p.x), std::max(hi.y, p.y), std::max(hi.z, p.z));
-  }
-  return any;
-}
-
 const CORE::color BAND_COLORS[5] = {
     {0, 0, 255}, {0, 255, 255}, {0, 255, 0}, {255, 255, 0}, {255, 0, 0}};
 const CORE::color NO_VALUE_COLOR{160, 160, 160};
@@ -315,7 +298,7 @@ bool distance::updateDistance(unsigned int ia, unsigned int ib, SYSTEM::callBack
   model& b = *models[ib];
   point3<float> loA, hiA, loB, hiB;
   bool measured = false;
-  if (liveBox(*a.mesh, loA, hiA) && liveBox(*b.mesh, loB, hiB)) {
+  if (INTERNAL::liveBox(*a.mesh, loA, hiA) && INTERNAL::liveBox(*b.mesh, loB, hiB)) {
     const float gap = ((loA + hiA) * 0.5f - (loB + hiB) * 0.5f).norm() - (hiA - loA).norm() * 0.5f -
                       (hiB - loB).norm() * 0.5f;
     measured = std::max(gap, 0.0f) <= maxDistance;

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "jev3d/algo/measurement/internal/surfaceIndex.h"
 #include "jev3d/algo/measurement/intersectionComputation.h"
 #include "jev3d/algo/smoothing/laplacianSmooth.h"
 #include "jev3d/mesh/editMeshInterface.h"
@@ -19,19 +20,10 @@ struct box {
   bool empty = true;
 };
 
-box liveBox(const editMesh& m) {
+box boxOf(const editMesh& m) {
   box b;
-  for (unsigned int v = 0; v < m.vn(); ++v) {
-    if (m.isVertDeleted(v)) continue;
-    const MATH::point3<float>& p = m.vPos(v);
-    if (b.empty) {
-      b.lo = b.hi = p;
-      b.empty = false;
-      continue;
-    }
-    b.lo = MATH::point3<float>(std::min(b.lo.x, p.x), std::min(b.lo.y, p.y), std::min(b.lo.z, p.z));
-    b.hi = MATH::point3<float>(std::max(b.hi.x, p.x), std::max(b.hi.y, p.y), std::max(b.hi.z, p.z));
-  }
+  // The adapter wants a mutable mesh; it is only read here.
+  b.empty = !INTERNAL::liveBox(editMeshInterface(const_cast<editMesh&>(m)), b.lo, b.hi);
   return b;
 }
 
@@ -54,7 +46,7 @@ unsigned int solidIntersection::addModelToTest(const editMesh& mesh,
 
 std::vector<std::pair<unsigned int, unsigned int>> solidIntersection::findPairToTest() const {
   std::vector<box> boxes;
-  for (const modelRecord& m : models) boxes.push_back(liveBox(m.mesh));
+  for (const modelRecord& m : models) boxes.push_back(boxOf(m.mesh));
   std::vector<std::pair<unsigned int, unsigned int>> pairs;
   for (unsigned int a = 0; a < boxes.size(); ++a)
     for (unsigned int b = a + 1; b < boxes.size(); ++b)

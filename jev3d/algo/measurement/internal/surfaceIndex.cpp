@@ -35,6 +35,22 @@ void surfaceIndex::build(const meshInterface& mesh) {
   tree.build(positions.data(), positions.size(), corners.data(), faces.size(), 8, faces.data());
 }
 
+bool liveBox(const meshInterface& mesh, MATH::point3<float>& lo, MATH::point3<float>& hi) {
+  bool any = false;
+  for (unsigned int v = 0; v < mesh.vn(); ++v) {
+    if (mesh.isVertDeleted(v)) continue;
+    const MATH::point3<float>& p = mesh.vPos(v);
+    if (!any) {
+      lo = hi = p;
+      any = true;
+      continue;
+    }
+    lo = MATH::point3<float>(std::min(lo.x, p.x), std::min(lo.y, p.y), std::min(lo.z, p.z));
+    hi = MATH::point3<float>(std::max(hi.x, p.x), std::max(hi.y, p.y), std::max(hi.z, p.z));
+  }
+  return any;
+}
+
 closestWalker::closestWalker(const surfaceIndex& idx, float maxDistance)
     : index(idx),
       maxSquared(maxDistance >= MATH::mathBase<float>::MAX_T() ? MATH::mathBase<float>::MAX_T()

@@ -23,12 +23,8 @@ struct surfaceIndex {
   std::vector<unsigned int> faces;    // face id per triangle
 };
 
-// What one closest-point search of a vertex found.
-struct closestSample {
-  float distance;  // signed when asked, MAX_T when nothing lies within reach
-  MATH::point3<float> point;
-  unsigned int face;
-};
+// Box of the live vertices of a mesh; false when it has none.
+bool liveBox(const meshInterface& mesh, MATH::point3<float>& lo, MATH::point3<float>& hi);
 
 // Walks points in order and finds each one's closest point on an index. The last point
 // found bounds the next search (the surface lies no farther than that point), which keeps
@@ -37,7 +33,7 @@ class closestWalker {
  public:
   closestWalker(const surfaceIndex& index, float maxDistance);
 
-  // Closest point to p within maxDistance; false, with sample untouched, when none.
+  // Closest point to p within maxDistance; false, with hit untouched, when none.
   bool find(const MATH::point3<float>& p, MATH::closestPointHit& hit);
   // Whether some point of the surface lies within reach of p; cheaper than find when a
   // known point is already that close.
