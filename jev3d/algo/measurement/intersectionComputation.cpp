@@ -6,9 +6,9 @@
 #include <queue>
 #include <utility>
 
+#include "jev3d/algo/measurement/internal/triangleSoup.h"
 #include "jev3d/algo/remeshing/voxelizationFunctor.h"
 #include "jev3d/math/mathBase.h"
-#include "jev3d/math/triangleQueries.h"
 #include "jev3d/mesh/meshInterface.h"
 #include "jev3d/system/callBack.h"
 
@@ -18,6 +18,10 @@ namespace ALGO {
 namespace MEASUREMENT {
 namespace VOXEL {
 
+using INTERNAL::onTriangle;
+using INTERNAL::triangleFans;
+using INTERNAL::triangleNormal;
+using INTERNAL::walkToNearest;
 using MATH::point3;
 using REMESHING::volumeDescriptor;
 
@@ -27,63 +31,6 @@ constexpr float MAX_T = MATH::mathBase<float>::MAX_T();
 
 void report(SYSTEM::callBack* cb, float percent) {
   if (cb) cb->setValue(percent);
-}
-
-// Closest point to p on triangle t of the soup.
-point3<float> onTriangle(const std::vector<point3<float>>& points,
-                         const std::vector<int>& triangles, unsigned int t,
-                         const point3<float>& p) {
-  float u, v;
-  return MATH::closestPointOnTriangle(p, points[std::size_t(triangles[3 * std::size_t(t)])],
-                                      points[std::size_t(triangles[3 * std::size_t(t) + 1])],
-                                      points[std::size_t(triangles[3 * std::size_t(t) + 2])], u, v);
-}
-
-point3<float> triangleNormal(const std::vector<point3<float>>& points,
-                             const std::vector<int>& triangles, unsigned int t) {
-  const point3<float>& a = points[std::size_t(triangles[3 * std::size_t(t)])];
-  return point3<float>::cross(points[std::size_t(triangles[3 * std::size_t(t) + 1])] - a,
-                              points[std::size_t(triangles[3 * std::size_t(t) + 2])] - a);
-}
-
-// The triangles around each point of a soup, as rows of one array.
-struct triangleFans {
-  std::vector<unsigned int> start, triangles;
-
-  triangleFans(std::size_t pointCount, const std::vector<int>& soup) : start(pointCount + 1, 0) {
-    for (int p : soup) ++start[std::size_t(p) + 1];
-    for (std::size_t i = 0; i < pointCount; ++i) start[i + 1] += start[i];
-    triangles.resize(soup.size());
-    std::vector<unsigned int> fill(start.begin(), start.end() - 1);
-    for (std::size_t c = 0; c < soup.size(); ++c)
-      triangles[fill[std::size_t(soup[c])]++] = unsigned(c / 3);
-  }
-};
-
-// From triangle t, steps to a triangle sharing a corner with it while that brings p
-// nearer. The surface points within reach of p mostly form one patch, so the walk ends
-// on the nearest triangle where a voxel's neighbour handed over one beside it.
-unsigned int walkToNearest(const std::vector<point3<float>>& points,
-                           const std::vector<int>& triangles, const triangleFans& fans,
-                           unsigned int t, const point3<float>& p, point3<float>& closest,
-                           float& distance) {
-  closest = onTriangle(points, triangles, t, p);
-  distance = (p - closest).norm();
-  for (bool moved = true; moved;) {
-    moved = false;
-    const unsigned int from = t;
-    for (int c = 0; c < 3; ++c) {
-      const std::size_t corner = std::size_t(triangles[3 * std::size_t(from) + std::size_t(c)]);
-      for (unsigned int f = fans.start[corner]; f < fans.start[corner + 1]; ++f) {
-        const unsigned int s = fans.triangles[f];
-        if (s == t) continue;
-        const point3<float> q = onTriangle(points, triangles, s, p);
-        const float d = (p - q).norm();
-        if (d < distance) t = s, closest = q, distance = d, moved = true;
-      }
-    }
-  }
-  return t;
 }
 
 // Whether every corner index of every triangle names a point.
@@ -109,6 +56,7 @@ void voxelModel::clear() {
   points.clear();
   sourceVertex.clear();
   triangles.clear();
+  sourceFace.clear();
   volume.clear();
   cpt.clear();
   sdf.clear();
@@ -117,10 +65,12 @@ void voxelModel::clear() {
 void intersectionComputation::editMeshToPointTri(const meshInterface& mesh,
                                                  std::vector<point3<float>>& points,
                                                  std::vector<int>& triangles,
-                                                 std::vector<unsigned int>* sourceVertex) {
+                                                 std::vector<unsigned int>* sourceVertex,
+                                                 std::vector<unsigned int>* sourceFace) {
   points.clear();
   triangles.clear();
   if (sourceVertex) sourceVertex->clear();
+  if (sourceFace) sourceFace->clear();
   const unsigned int vn = mesh.vn();
   std::vector<int> renumbered(vn, -1);
   const auto id = [&](unsigned int v) {
@@ -138,9 +88,11 @@ void intersectionComputation::editMeshToPointTri(const meshInterface& mesh,
     for (unsigned int i = 0; i < n && usable; ++i)
       usable = mesh.fV(f, i) < vn && !mesh.isVertDeleted(mesh.fV(f, i));
     if (!usable) continue;
-    for (unsigned int i = 1; i + 1 < n; ++i)
+    for (unsigned int i = 1; i + 1 < n; ++i) {
       triangles.insert(triangles.end(),
                        {id(mesh.fV(f, 0)), id(mesh.fV(f, i)), id(mesh.fV(f, i + 1))});
+      if (sourceFace) sourceFace->push_back(f);
+    }
   }
 }
 
@@ -309,7 +261,7 @@ bool intersectionComputation::prepare(const meshInterface& mesh, unsigned int re
                                       voxelModel& model, SYSTEM::callBack* cb) {
   report(cb, 1.0f);
   model.clear();
-  editMeshToPointTri(mesh, model.points, model.triangles, &model.sourceVertex);
+  editMeshToPointTri(mesh, model.points, model.triangles, &model.sourceVertex, &model.sourceFace);
   const bool ok = convertToVolume(model.points, model.triangles, resolution, model.volume) &&
                   convertToCPT(model) && convertToSDF(model);
   if (!ok) model.clear();

@@ -25,6 +25,7 @@ struct voxelModel {
   std::vector<MATH::point3<float>> points;
   std::vector<unsigned int> sourceVertex;  // the mesh's vertex id of each point
   std::vector<int> triangles;
+  std::vector<unsigned int> sourceFace;  // the mesh's face id of each triangle
   REMESHING::volumeDescriptor volume;
   closestPointTransform cpt;
   std::vector<float> sdf;
@@ -39,11 +40,13 @@ class intersectionComputation {
  public:
   // The live faces of a mesh as triangles (polygons as fans from corner 0) over the
   // vertices they use, renumbered in order. Faces on deleted or missing vertices are left
-  // out. sourceVertex, when given, receives the mesh's vertex id of each point.
+  // out. sourceVertex and sourceFace, when given, receive the mesh's vertex id of each
+  // point and face id of each triangle.
   static void editMeshToPointTri(const meshInterface& mesh,
                                  std::vector<MATH::point3<float>>& points,
                                  std::vector<int>& triangles,
-                                 std::vector<unsigned int>* sourceVertex = nullptr);
+                                 std::vector<unsigned int>* sourceVertex = nullptr,
+                                 std::vector<unsigned int>* sourceFace = nullptr);
   // Voxelises the soup with `resolution` voxels along its longest side.
   static bool convertToVolume(const std::vector<MATH::point3<float>>& points,
                               const std::vector<int>& triangles, unsigned int resolution,
