@@ -5,7 +5,9 @@
 #include <thread>
 
 #include "jev3d/algo/measurement/internal/surfaceIndex.h"
+#include "jev3d/algo/measurement/solidIntersection.h"
 #include "jev3d/math/mathBase.h"
+#include "jev3d/mesh/editMeshInterface.h"
 #include "jev3d/mesh/meshInterface.h"
 #include "jev3d/system/callBack.h"
 
@@ -319,6 +321,29 @@ bool distance::updateDistance(unsigned int ia, unsigned int ib, SYSTEM::callBack
     if (std::fabs(found[v]) < std::fabs(a.distances[v])) a.distances[v] = found[v];
   getMinMaxValue(minValue, maxValue);
   return true;
+}
+
+bool distance::computeSolidIntersection(SYSTEM::callBack* cb, unsigned int resolution) {
+  solidIntersection test;
+  std::vector<std::vector<unsigned int>> copyOf(models.size());
+  for (std::size_t m = 0; m < models.size(); ++m) {
+    editMesh copy;
+    editMeshInterface view(copy);
+    models[m]->mesh->copyTo(view, copyOf[m]);
+    test.addModelToTest(copy, MATH::matrix4<float>::IDENTITY(), false);
+  }
+  test.test(cb, resolution);
+  bool any = false;
+  for (std::size_t m = 0; m < models.size(); ++m) {
+    const solidIntersection::modelRecord& record = test.getModel(unsigned(m));
+    any = any || record.intersects;
+    std::vector<float>& d = models[m]->distances;
+    d.assign(models[m]->mesh->vn(), MAX_T);
+    for (std::size_t v = 0; v < d.size() && v < copyOf[m].size(); ++v)
+      if (copyOf[m][v] < record.depth.size()) d[v] = record.depth[copyOf[m][v]];
+  }
+  getMinMaxValue(minValue, maxValue);
+  return any;
 }
 
 void distance::updateColor() {

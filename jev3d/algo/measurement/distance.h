@@ -108,6 +108,12 @@ class distance {
   // Returns whether the vertices were measured.
   bool updateDistance(unsigned int a, unsigned int b, SYSTEM::callBack* cb = nullptr);
 
+  // Tests the models as solids against each other, through voxels of `resolution` along
+  // each one's longest side: each model's distances become the depth of its vertices
+  // inside the others (negative), 0 where they lie inside none. Returns whether any two
+  // intersect.
+  bool computeSolidIntersection(SYSTEM::callBack* cb = nullptr, unsigned int resolution = 64);
+
   // Writes the band colours of every model's distances over the present range into the
   // models' vertex colours; updateColorTo does it for one model.
   void updateColor();

@@ -332,4 +332,35 @@ TEST(distance, serviceSkipsPairsWithFarBoxes) {
   for (unsigned v = 0; v < sa.vn(); ++v) EXPECT_NEAR(da[v], 0.5f, 2e-3f);
 }
 
+TEST(distance, solidIntersectionOfTheModels) {
+  editMesh sa, sb, sc;
+  makeSphere(sa, 1.0f, p3(0, 0, 0));
+  makeSphere(sb, 0.5f, p3(1.2f, 0, 0));
+  makeSphere(sc, 0.5f, p3(5, 0, 0));
+  editMeshInterface a(sa), b(sb), c(sc);
+  distance service;
+  service.addModel(&a);
+  service.addModel(&b);
+  service.addModel(&c);
+  recordingCallBack cb;
+  EXPECT_TRUE(service.computeSolidIntersection(&cb, 32));
+  EXPECT_EQ(cb.values.back(), 100.0f);
+  // b pokes 0.3 into a: b's vertex at x = 0.7 lies 0.3 inside a, a's at x = 1 lies 0.3
+  // inside b.
+  const auto& db = service.getModelDistPerVert(1);
+  EXPECT_NEAR(*std::min_element(db.begin(), db.end()), -0.3f, 0.02f);
+  const auto& da = service.getModelDistPerVert(0);
+  EXPECT_NEAR(*std::min_element(da.begin(), da.end()), -0.3f, 0.02f);
+  for (float d : service.getModelDistPerVert(2)) EXPECT_EQ(d, 0.0f);
+  float lo, hi;
+  service.getMinMaxValue(lo, hi);
+  EXPECT_NEAR(lo, -0.3f, 0.02f);
+  EXPECT_EQ(hi, 0.0f);
+
+  distance apart;
+  apart.addModel(&a);
+  apart.addModel(&c);
+  EXPECT_FALSE(apart.computeSolidIntersection(nullptr, 32));
+}
+
 }  // namespace
