@@ -40,7 +40,11 @@ unsigned int solidIntersection::addModelToTest(const editMesh& mesh,
   modelRecord& record = models.back();
   record.mesh = mesh;
   record.mesh.transform(matrix);
-  if (smooth) computeLaplacianSmooth(record.mesh, 5, false, nullptr);
+  if (smooth) {
+    const unsigned int rounds = 5;
+    const bool smoothBorder = false;
+    computeLaplacianSmooth(record.mesh, rounds, smoothBorder, nullptr);
+  }
   return unsigned(models.size() - 1);
 }
 

@@ -73,6 +73,7 @@ TEST(solidIntersection, smoothingRunsOnTheCopyOnly) {
   }
   EXPECT_GT(movedSmooth, 1.0);
   EXPECT_EQ(movedPlain, 0.0);
+  EXPECT_EQ(test.getModel(0).mesh.checkInvariants(), "");
   EXPECT_TRUE(test.test(nullptr, 24));
   EXPECT_TRUE(test.getModel(0).intersects);
 
