@@ -10,6 +10,7 @@
 #include <sstream>
 #include <string>
 
+#include "jev3d/algo/measurement/distance.h"
 #include "jev3d/io/ply/ioPly.h"
 #include "support/dataFiles.h"
 #include "support/meshes.h"
@@ -213,7 +214,7 @@ TEST_F(jevmesh, badInputAndBadUsageHaveTheirOwnStatus) {
 
   EXPECT_EQ(run("info " + dir.file("missing.ply")).status, 1);
   EXPECT_EQ(run("info " + good + " --frobnicate").status, 2);
-  EXPECT_EQ(run("subdivide " + good + " " + dir.file("o.ply") + " --scheme loop").status, 2);
+  EXPECT_EQ(run("subdivide " + good + " " + dir.file("o.ply") + " --scheme sqrt3").status, 2);
   EXPECT_EQ(run("mirror " + good + " " + dir.file("o.ply") + " --face 0 --normal 1 0").status, 2);
   EXPECT_EQ(run("convert " + good).status, 2);
   const runResult both = run("triangulate " + good + " " + dir.file("o.ply") + " --ascii --binary");
@@ -333,6 +334,88 @@ TEST_F(jevmesh, infoOnScans) {
   EXPECT_EQ(field(dental.out, "boundary loops").substr(0, 2), "3 ");
 }
 
+TEST_F(jevmesh, decimateKeepsTheCountAskedAndRefusesBadOptions) {
+  JEV::MESH::editMesh m;
+  testMeshes::makeSphere(m, 24, 48);
+  const std::string in = writePly(m, "sphere.ply"), out = dir.file("small.ply");
+  const runResult r = run("decimate " + in + " " + out + " --faces 300");
+  ASSERT_EQ(r.status, 0) << r.err;
+  plyPolygonMesh small;
+  ASSERT_TRUE(ioPly::readPlyPolygonsFromFile(out, small));
+  EXPECT_LE(small.cornerCounts.size(), 300u);
+  EXPECT_GE(small.cornerCounts.size(), 290u);
+  for (const auto& p : small.positions) EXPECT_NEAR(p.norm(), 1.f, 0.05f);
+
+  const runResult half = run("decimate " + in + " " + out + " --ratio 0.5");
+  ASSERT_EQ(half.status, 0) << half.err;
+  ASSERT_TRUE(ioPly::readPlyPolygonsFromFile(out, small));
+  EXPECT_LE(small.cornerCounts.size(), 24u * 48u);  // half of the 2·24·48 - 2·48 triangles
+
+  EXPECT_EQ(run("decimate " + in + " " + out).status, 2);
+  EXPECT_EQ(run("decimate " + in + " " + out + " --faces 10 --ratio 0.5").status, 2);
+  EXPECT_EQ(run("decimate " + in + " " + out + " --ratio 1.5").status, 2);
+  EXPECT_EQ(run("decimate " + in + " " + out + " --faces -3").status, 2);
+  EXPECT_EQ(run("decimate " + dir.file("missing.ply") + " " + out + " --faces 3").status, 1);
+}
+
+TEST_F(jevmesh, remeshEvensOutASphere) {
+  JEV::MESH::editMesh m;
+  testMeshes::makeSphere(m, 12, 24);
+  const std::string in = writePly(m, "sphere.ply"), out = dir.file("even.ply");
+  const runResult r = run("remesh " + in + " " + out + " --length 0.15 -n 2");
+  ASSERT_EQ(r.status, 0) << r.err;
+  plyPolygonMesh even;
+  ASSERT_TRUE(ioPly::readPlyPolygonsFromFile(out, even));
+  EXPECT_GT(even.cornerCounts.size(), 2u * 12u * 24u);
+  for (const auto& p : even.positions) EXPECT_NEAR(p.norm(), 1.f, 0.02f);
+  unsigned long longEdges = 0;
+  for (size_t k = 0; k < even.corners.size(); ++k) {
+    const size_t next = k % 3 == 2 ? k - 2 : k + 1;
+    longEdges += (even.positions[even.corners[k]] - even.positions[even.corners[next]]).norm() > 0.15f;
+  }
+  EXPECT_LT(longEdges, even.corners.size() / 20);
+
+  EXPECT_EQ(run("remesh " + in + " " + out).status, 2);
+  EXPECT_EQ(run("remesh " + in + " " + out + " --length -1").status, 2);
+  EXPECT_EQ(run("remesh " + in + " " + out + " --length 0.1 -n 0").status, 2);
+}
+
+TEST_F(jevmesh, voxelizeWritesAClosedBlockySurface) {
+  JEV::MESH::editMesh m;
+  testMeshes::makeSphere(m, 16, 32);
+  const std::string in = writePly(m, "sphere.ply"), out = dir.file("voxels.ply");
+  const runResult r = run("voxelize " + in + " " + out + " --size 0.1");
+  ASSERT_EQ(r.status, 0) << r.err;
+  plyPolygonMesh blocks;
+  ASSERT_TRUE(ioPly::readPlyPolygonsFromFile(out, blocks));
+  ASSERT_FALSE(blocks.cornerCounts.empty());
+  for (unsigned n : blocks.cornerCounts) EXPECT_EQ(n, 4u);
+  const runResult info = run("info " + out);
+  EXPECT_EQ(field(info.out, "boundary loops"), "0");
+  for (const auto& p : blocks.positions) EXPECT_LT(p.norm(), 1.f + 0.2f);
+
+  EXPECT_EQ(run("voxelize " + in + " " + out).status, 2);
+  EXPECT_EQ(run("voxelize " + in + " " + out + " --size 0").status, 2);
+  EXPECT_EQ(run("voxelize " + in + " " + out + " --size 1e-9").status, 1);
+}
+
+TEST_F(jevmesh, subdivideByLoopAndButterfly) {
+  JEV::MESH::editMesh m;
+  m.makeOctahedron();
+  const std::string in = writePly(m, "octahedron.ply"), out = dir.file("fine.ply");
+  for (const char* scheme : {"loop", "butterfly"}) {
+    const runResult r = run(std::string("subdivide ") + in + " " + out + " --scheme " + scheme +
+                            " -n 2");
+    ASSERT_EQ(r.status, 0) << r.err;
+    plyPolygonMesh fine;
+    ASSERT_TRUE(ioPly::readPlyPolygonsFromFile(out, fine));
+    EXPECT_EQ(fine.cornerCounts.size(), 8u * 16u) << scheme;
+    EXPECT_EQ(fine.positions.size(), 66u) << scheme;  // V - E + F = 2 with E = 3F / 2
+    EXPECT_EQ(field(run("info " + out).out, "boundary loops"), "0");
+  }
+  EXPECT_EQ(run("subdivide " + in + " " + out + " --scheme sqrt3").status, 2);
+}
+
 // A 10 x 10 grid of triangles with every vertex lifted by up to 0.2: the smoothing
 // commands' input. Border vertices are those with i or j at 0 or 10.
 JEV::MESH::editMesh bumpyGrid() {
@@ -396,6 +479,44 @@ TEST_F(jevmesh, smoothRejectsBadSchemesAndCounts) {
   EXPECT_EQ(run("smooth " + in + " " + out + " -n -1").status, 2);
   EXPECT_EQ(run("smooth " + in + " " + out + " --feature-angle 200").status, 2);
   EXPECT_EQ(run("smooth " + dir.file("missing.ply") + " " + out).status, 1);
+}
+
+
+TEST_F(jevmesh, distanceMeasuresBothWaysAndColoursA) {
+  // A: unit sphere; B: the same sphere shifted by 0.5 along x, so that A's vertices lie
+  // from 0.5 behind B to 0.5 in front of it.
+  JEV::MESH::editMesh a, b;
+  testMeshes::makeSphere(a, 32, 64);
+  testMeshes::makeSphere(b, 32, 64);
+  for (unsigned v = 0; v < b.vn(); ++v) b.vPos(v).x += 0.5f;
+  const std::string pathA = writePly(a, "a.ply"), pathB = writePly(b, "b.ply");
+  const std::string out = dir.file("coloured.ply");
+  const runResult r = run("distance " + pathA + " " + pathB + " --out " + out);
+  ASSERT_EQ(r.status, 0) << r.err;
+  for (const char* label : {"a to b max", "b to a max"})
+    EXPECT_NEAR(std::stod(field(r.out, label)), 0.5, 0.01) << label;
+  const double mean = std::stod(field(r.out, "a to b mean"));
+  EXPECT_GT(mean, 0.1);
+  EXPECT_LT(mean, std::stod(field(r.out, "a to b rms")));
+
+  plyPolygonMesh coloured;
+  ASSERT_TRUE(ioPly::readPlyPolygonsFromFile(out, coloured));
+  ASSERT_EQ(coloured.colours.size(), a.vn());
+  // (1, 0, 0) lies 0.5 inside B, the most negative: first band; (-1, 0, 0) lies 0.5
+  // outside, the most positive: last band.
+  const auto at = [&](float x, float y, float z) {
+    for (unsigned v = 0; v < a.vn(); ++v)
+      if ((a.vPos(v) - JEV::MATH::point3<float>(x, y, z)).norm() < 1e-4f)
+        return coloured.colours[v];
+    return JEV::CORE::color();
+  };
+  using JEV::MESH::ALGO::MEASUREMENT::distance;
+  EXPECT_EQ(at(1, 0, 0), distance::getBandColors()[0]);
+  EXPECT_EQ(at(-1, 0, 0), distance::getBandColors()[4]);
+
+  // Colours need a PLY; a missing file is bad input.
+  EXPECT_EQ(run("distance " + pathA + " " + pathB + " --out " + dir.file("c.stl")).status, 2);
+  EXPECT_EQ(run("distance " + pathA + " " + dir.file("none.ply")).status, 1);
 }
 
 }  // namespace

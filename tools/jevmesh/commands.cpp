@@ -43,7 +43,8 @@ int runTriangulate(const commandLine& line) {
 int runSubdivide(const commandLine& line) {
   const std::string scheme =
       line.has("--scheme") ? line.values("--scheme")[0] : std::string("catmull-clark");
-  if (scheme != "catmull-clark" && scheme != "refine" && scheme != "midpoint")
+  if (scheme != "catmull-clark" && scheme != "refine" && scheme != "midpoint" &&
+      !isRemeshingScheme(scheme))
     return usageError("subdivide", "unknown scheme '" + scheme + "'");
   long steps = 1;
   if (line.has("-n") &&
@@ -56,8 +57,10 @@ int runSubdivide(const commandLine& line) {
         mesh.catmullClarkSubdivideVE(true, bar.reporter());
       else if (scheme == "refine")
         mesh.refine(true, bar.reporter());
-      else
+      else if (scheme == "midpoint")
         mesh.midpointTriangulate(false, true, bar.reporter());
+      else
+        remeshingStep(scheme, mesh, bar.reporter());
     }
     return int(EXIT_OK);
   });
@@ -208,10 +211,15 @@ int runMake(const commandLine& line) {
   return usageError("make", "unknown shape '" + shape + "'");
 }
 
+std::vector<command> withRemeshing(std::vector<command> list) {
+  list.insert(list.end(), remeshingCommands().begin(), remeshingCommands().end());
+  return list;
+}
+
 }  // namespace
 
 const std::vector<command>& allCommands() {
-  static const std::vector<command> commands = {
+  static const std::vector<command> commands = withRemeshing({
       {"info",
        "FILE",
        "Describe a mesh: counts, border, pieces, size.",
@@ -227,11 +235,13 @@ const std::vector<command>& allCommands() {
       {"triangulate", "IN OUT [--ascii|--binary]", "Split every face into triangles.",
        "Each face of n corners becomes a fan of n - 2 triangles from its first corner.\n",
        withWriteOptions(), runTriangulate},
-      {"subdivide", "IN OUT --scheme catmull-clark|refine|midpoint -n N",
+      {"subdivide", "IN OUT --scheme catmull-clark|refine|midpoint|loop|butterfly -n N",
        "Subdivide every face N times (default: catmull-clark, once).",
        "  --scheme catmull-clark  smooth quads (Catmull-Clark)\n"
        "  --scheme refine         quads through edge midpoints, shape kept\n"
        "  --scheme midpoint       triangles through edge midpoints\n"
+       "  --scheme loop           smooth triangles (Loop), faces taken as triangles\n"
+       "  --scheme butterfly      triangles through the old vertices (modified butterfly)\n"
        "  -n N                    number of steps, 0 to 10\n",
        withWriteOptions({{"--scheme", 1}, {"-n", 1}}), runSubdivide},
       {"mirror", "IN OUT --face F --normal X Y Z [--weld]",
@@ -253,8 +263,9 @@ const std::vector<command>& allCommands() {
        "                      cylinder or cone\n"
        "  --segments N        segments around the round shapes, 4 to 4096 (default 16)\n",
        withWriteOptions({{"--segments", 1}}), runMake},
+      distanceCommand(),
       smoothCommand(),
-  };
+  });
   return commands;
 }
 

@@ -5,6 +5,15 @@
 
 #include "commandLine.h"
 
+namespace JEV {
+namespace SYSTEM {
+class callBack;
+}
+namespace MESH {
+class editMesh;
+}
+}  // namespace JEV
+
 namespace JEVMESH {
 
 // Exit statuses of the tool.
@@ -26,5 +35,15 @@ command smoothCommand();
 
 // Every subcommand, in the order the help lists them.
 const std::vector<command>& allCommands();
+// The remeshing commands (remeshCommands.cpp), listed after the others.
+const std::vector<command>& remeshingCommands();
+// The subdivision schemes of the remeshing algorithms ("loop", "butterfly"), one step
+// on the whole mesh, which is finished again.
+bool isRemeshingScheme(const std::string& scheme);
+void remeshingStep(const std::string& scheme, JEV::MESH::editMesh& mesh,
+                   JEV::SYSTEM::callBack* cb);
+
+// Subcommands kept in files of their own.
+command distanceCommand();
 
 }  // namespace JEVMESH

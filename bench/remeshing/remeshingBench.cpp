@@ -1,0 +1,81 @@
+// Remeshing against its peers, on the generated scan-like blob (remeshingBenchInput.h).
+//   decimate_1m/jev3d          qECollapse::decimate to 10% of about 1,000,000 triangles
+//   decimate_1m/meshoptimizer  meshopt_simplify to the same index count, no error bound
+//   decimate_1m/openmesh       (remeshingBenchOpenMesh.cpp)
+//   decimate_1m/cgal           (remeshingBenchCgal.cpp)
+//   isotropic_100k/jev3d       computeIsotropicMeshRefinement of all faces of about 100,000
+//                              triangles (three rounds) to the input's mean edge length
+//   isotropic_100k/cgal        (remeshingBenchCgal.cpp)
+// Counters: triangles left, and the largest and mean distance between result and input,
+// both ways, over the input's box diagonal; for remeshing also the mean edge length over
+// the target and the spread of the edge lengths.
+#include <meshoptimizer.h>
+
+#include "jev3d/algo/remeshing/internal/triangleSoup.h"
+#include "jev3d/algo/remeshing/isotropicMeshRefinement.h"
+#include "jev3d/algo/remeshing/qECollapse.h"
+#include "jev3d/mesh/editMesh.h"
+#include "remeshingBenchInput.h"
+
+namespace {
+
+using namespace remeshingBench;
+
+void decimateJev3d(benchmark::State& state) {
+  const soup& in = millionTriangles();
+  soup out;
+  std::vector<unsigned> map;
+  for (auto _ : state)
+    JEV::MESH::ALGO::REMESHING::qECollapse::decimate(
+        in.positions, in.triangles, unsigned(in.count() / 10), out.positions, out.triangles, map);
+  reportDistance(state, in, out);
+}
+
+void decimateMeshoptimizer(benchmark::State& state) {
+  const soup& in = millionTriangles();
+  soup out;
+  out.positions = in.positions;  // meshoptimizer keeps the input's vertices
+  for (auto _ : state) {
+    out.triangles.resize(in.triangles.size());
+    const size_t n = meshopt_simplify(out.triangles.data(), in.triangles.data(),
+                                      in.triangles.size(), &in.positions[0].x, in.positions.size(),
+                                      sizeof(p3), in.triangles.size() / 10, 1.0f);
+    out.triangles.resize(n);
+  }
+  reportDistance(state, in, out);
+}
+
+void isotropicJev3d(benchmark::State& state) {
+  namespace REMESHING = JEV::MESH::ALGO::REMESHING;
+  const soup& in = hundredThousandTriangles();
+  const double length = meanEdgeLength(in);
+  JEV::MESH::editMesh mesh, result;
+  REMESHING::INTERNAL::fromTriangleSoup(mesh, in.positions, in.triangles);
+  std::vector<unsigned> faces(mesh.fn());
+  for (unsigned f = 0; f < mesh.fn(); ++f) faces[f] = f;
+  REMESHING::attributeList none, noneOut;
+  for (auto _ : state)
+    REMESHING::computeIsotropicMeshRefinement(mesh, none, faces, result, noneOut, float(length));
+  soup out;
+  REMESHING::INTERNAL::toTriangleSoup(result, out.positions, out.triangles);
+  reportDistance(state, in, out);
+  reportEdgeLengths(state, out, length);
+}
+
+}  // namespace
+
+BENCHMARK(isotropicJev3d)
+    ->Name("isotropic_100k/jev3d")
+    ->Unit(benchmark::kMillisecond)
+    ->Iterations(1)
+    ->Repetitions(3);
+BENCHMARK(decimateJev3d)
+    ->Name("decimate_1m/jev3d")
+    ->Unit(benchmark::kMillisecond)
+    ->Iterations(1)
+    ->Repetitions(3);
+BENCHMARK(decimateMeshoptimizer)
+    ->Name("decimate_1m/meshoptimizer")
+    ->Unit(benchmark::kMillisecond)
+    ->Iterations(1)
+    ->Repetitions(3);

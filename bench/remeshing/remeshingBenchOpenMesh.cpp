@@ -1,0 +1,63 @@
+// decimate_1m/openmesh: OpenMesh's decimater with its quadric module (no error bound)
+// down to the same face count as the other decimate_1m cases.
+#include <OpenMesh/Core/Mesh/TriMesh_ArrayKernelT.hh>
+#include <OpenMesh/Tools/Decimater/DecimaterT.hh>
+#include <OpenMesh/Tools/Decimater/ModQuadricT.hh>
+
+#include "remeshingBenchInput.h"
+
+namespace {
+
+using namespace remeshingBench;
+using omTri = OpenMesh::TriMesh_ArrayKernelT<>;
+
+void toOpenMesh(const soup& in, omTri& mesh) {
+  mesh.reserve(in.positions.size(), in.count() * 3 / 2 + 16, in.count());
+  std::vector<omTri::VertexHandle> handles;
+  handles.reserve(in.positions.size());
+  for (const p3& p : in.positions) handles.push_back(mesh.add_vertex(omTri::Point(p.x, p.y, p.z)));
+  for (size_t k = 0; k < in.triangles.size(); k += 3)
+    mesh.add_face(handles[in.triangles[k]], handles[in.triangles[k + 1]],
+                  handles[in.triangles[k + 2]]);
+}
+
+void fromOpenMesh(const omTri& mesh, soup& out) {
+  out.positions.clear();
+  out.triangles.clear();
+  for (auto v : mesh.vertices()) {
+    const omTri::Point& p = mesh.point(v);
+    out.positions.emplace_back(p[0], p[1], p[2]);
+  }
+  for (auto f : mesh.faces())
+    for (auto v : mesh.fv_range(f)) out.triangles.push_back(unsigned(v.idx()));
+}
+
+void decimateOpenMesh(benchmark::State& state) {
+  const soup& in = millionTriangles();
+  soup out;
+  for (auto _ : state) {
+    state.PauseTiming();
+    omTri mesh;
+    toOpenMesh(in, mesh);
+    state.ResumeTiming();
+    OpenMesh::Decimater::DecimaterT<omTri> decimater(mesh);
+    OpenMesh::Decimater::ModQuadricT<omTri>::Handle quadric;
+    decimater.add(quadric);
+    decimater.module(quadric).unset_max_err();
+    decimater.initialize();
+    decimater.decimate_to_faces(0, in.count() / 10);
+    mesh.garbage_collection();
+    state.PauseTiming();
+    fromOpenMesh(mesh, out);
+    state.ResumeTiming();
+  }
+  reportDistance(state, in, out);
+}
+
+}  // namespace
+
+BENCHMARK(decimateOpenMesh)
+    ->Name("decimate_1m/openmesh")
+    ->Unit(benchmark::kMillisecond)
+    ->Iterations(1)
+    ->Repetitions(3);

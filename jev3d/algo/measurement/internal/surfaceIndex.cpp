@@ -1,0 +1,89 @@
+#include "jev3d/algo/measurement/internal/surfaceIndex.h"
+
+#include <algorithm>
+
+#include "jev3d/math/mathBase.h"
+
+#include "jev3d/mesh/meshInterface.h"
+
+namespace JEV {
+namespace MESH {
+namespace ALGO {
+namespace MEASUREMENT {
+namespace INTERNAL {
+
+void surfaceIndex::build(const meshInterface& mesh) {
+  corners.clear();
+  faces.clear();
+  const unsigned int vn = mesh.vn();
+  const auto usable = [&](unsigned int v) { return v < vn && !mesh.isVertDeleted(v); };
+  for (unsigned int f = 0; f < mesh.fn(); ++f) {
+    if (mesh.isFaceDeleted(f)) continue;
+    const unsigned int n = mesh.f2vNum(f);
+    if (n < 3) continue;
+    bool ok = true;
+    for (unsigned int i = 0; i < n && ok; ++i) ok = usable(mesh.fV(f, i));
+    if (!ok) continue;
+    for (unsigned int i = 1; i + 1 < n; ++i) {
+      corners.insert(corners.end(), {mesh.fV(f, 0), mesh.fV(f, i), mesh.fV(f, i + 1)});
+      faces.push_back(f);
+    }
+  }
+  // Positions are read through the interface: copy them out once for the tree.
+  std::vector<MATH::point3<float>> positions(vn);
+  for (unsigned int v = 0; v < vn; ++v) positions[v] = mesh.vPos(v);
+  tree.build(positions.data(), positions.size(), corners.data(), faces.size(), 8, faces.data());
+}
+
+bool liveBox(const meshInterface& mesh, MATH::point3<float>& lo, MATH::point3<float>& hi) {
+  bool any = false;
+  for (unsigned int v = 0; v < mesh.vn(); ++v) {
+    if (mesh.isVertDeleted(v)) continue;
+    const MATH::point3<float>& p = mesh.vPos(v);
+    if (!any) {
+      lo = hi = p;
+      any = true;
+      continue;
+    }
+    lo = MATH::point3<float>(std::min(lo.x, p.x), std::min(lo.y, p.y), std::min(lo.z, p.z));
+    hi = MATH::point3<float>(std::max(hi.x, p.x), std::max(hi.y, p.y), std::max(hi.z, p.z));
+  }
+  return any;
+}
+
+closestWalker::closestWalker(const surfaceIndex& idx, float maxDistance)
+    : index(idx),
+      maxSquared(maxDistance >= MATH::mathBase<float>::MAX_T() ? MATH::mathBase<float>::MAX_T()
+                                                               : maxDistance * maxDistance) {}
+
+bool closestWalker::find(const MATH::point3<float>& p, MATH::closestPointHit& hit) {
+  if (hasLast) {
+    // The last point found lies on the surface, so the closest one is no farther; the
+    // margin covers rounding, and a miss falls back to the full reach.
+    const float bound = (p - last).squaredNorm() * 1.0001f + 1e-30f;
+    if (bound < maxSquared && index.tree.closestPoint(p, bound, hit)) {
+      last = hit.point;
+      return true;
+    }
+  }
+  if (!index.tree.closestPoint(p, maxSquared, hit)) return false;
+  last = hit.point;
+  hasLast = true;
+  return true;
+}
+
+bool closestWalker::within(const MATH::point3<float>& p, float reach) {
+  const float reachSquared = reach * reach;
+  if (hasLast && (p - last).squaredNorm() <= reachSquared) return true;
+  MATH::closestPointHit hit;
+  if (!index.tree.closestPoint(p, std::min(reachSquared, maxSquared), hit)) return false;
+  last = hit.point;
+  hasLast = true;
+  return true;
+}
+
+}  // namespace INTERNAL
+}  // namespace MEASUREMENT
+}  // namespace ALGO
+}  // namespace MESH
+}  // namespace JEV

@@ -1,0 +1,540 @@
+#include "jev3d/algo/remeshing/internal/surfaceTracker.h"
+
+#include "jev3d/algo/remeshing/internal/triangleCuts.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstdint>
+#include <limits>
+#include <ostream>
+
+#include "jev3d/math/triangleTree.h"
+#include "jev3d/system/callBack.h"
+
+namespace JEV {
+namespace MESH {
+namespace ALGO {
+namespace REMESHING {
+namespace INTERNAL {
+
+namespace {
+
+using p3 = MATH::point3<float>;
+constexpr unsigned int NONE = surfaceTracker::NONE;
+constexpr unsigned int MAX_SPLIT_PASSES = 8;
+constexpr unsigned int MAX_COLLAPSE_PASSES = 4;
+constexpr unsigned int FLIP_PASSES = 2;
+// During the rounds a collapse may make edges up to this much above the longest
+// allowed: the rounds then settle near the middle of the allowed lengths, not at their
+// short end, and the last stage trims what is left above.
+constexpr float COLLAPSE_REACH = 1.15f;
+constexpr float FEATURE_COS = 0.5f;  // normals more than 60 degrees apart
+
+// Twice the area vector of a triangle.
+p3 areaVector(const p3& a, const p3& b, const p3& c) { return p3::cross(b - a, c - a); }
+
+double signedVolume(const p3& a, const p3& b, const p3& c, const p3& r) {
+  const MATH::point3<double> x(a.x - r.x, a.y - r.y, a.z - r.z), y(b.x - r.x, b.y - r.y, b.z - r.z),
+      z(c.x - r.x, c.y - r.y, c.z - r.z);
+  return (x * MATH::point3<double>::cross(y, z)) / 6.0;
+}
+
+struct edgeRec {
+  unsigned int a, b;
+  unsigned int f[2];    // faces on the edge (f[1] NONE on a border)
+  unsigned char k[2];   // corner of the edge's first end in each face
+  unsigned char faces;  // number of faces seen, 3 or more for non-manifold
+};
+
+}  // namespace
+
+struct surfaceTracker::state {
+  trackerParams params;
+  std::vector<p3> pos;
+  std::vector<unsigned int> tri;     // three corners a face
+  std::vector<unsigned char> dead;   // per face
+  std::vector<unsigned int> origin;  // input position of each vertex, or NONE
+  std::vector<unsigned char> fixed;  // per vertex: never moves nor goes away
+  std::vector<unsigned char> fresh;  // per vertex: made by a split this round
+  MATH::triangleTree input;
+
+  // Adjacency of the live faces, rebuilt by buildTopology.
+  std::vector<edgeRec> edges;
+  std::vector<unsigned int> faceEdge;          // edge of corner k's side, 3 a face
+  std::vector<unsigned int> vfStart, vfList;   // faces around each vertex (CSR)
+  std::vector<unsigned char> border, feature;  // per vertex
+  std::vector<unsigned char> featureEdge;      // per edge
+  std::vector<unsigned int> valence;
+  std::vector<unsigned int> mark;  // per vertex scratch
+  std::vector<unsigned int> fill;  // scratch of buildTopology
+  unsigned int markValue = 0;
+
+  unsigned int fn() const { return unsigned(dead.size()); }
+  unsigned int V(unsigned int f, unsigned int k) const { return tri[3 * f + k]; }
+  void log(const char* what) {
+    if (params.log) *params.log << what << "\n";
+  }
+
+  void buildTopology();
+  void compactFaces();
+  unsigned int nextMark() {
+    if (++markValue == 0) {
+      std::fill(mark.begin(), mark.end(), 0u);
+      markValue = 1;
+    }
+    return markValue;
+  }
+  p3 faceNormal(unsigned int f) const {
+    return areaVector(pos[V(f, 0)], pos[V(f, 1)], pos[V(f, 2)]);
+  }
+  bool splitLongEdges();
+  unsigned int collapseShortEdges(float reach);
+  unsigned int flipEdges(bool forLength);
+  bool collapseAllowed(const edgeRec& e, unsigned int keep, unsigned int gone, const p3& p,
+                       float reach);
+  bool flipAllowed(const edgeRec& e, unsigned int c, unsigned int d);
+  void relaxAndProject(bool relax);
+  void collapsePasses(float reach);
+};
+
+surfaceTracker::surfaceTracker(const std::vector<p3>& positions,
+                               const std::vector<unsigned int>& triangles,
+                               const std::vector<float>& masses, const trackerParams& params)
+    : s(std::make_unique<state>()) {
+  s->params = params;
+  s->pos = positions;
+  const size_t n = positions.size();
+  s->origin.resize(n);
+  s->fixed.assign(n, 0);
+  s->fresh.assign(n, 0);
+  for (size_t v = 0; v < n; ++v) {
+    s->origin[v] = unsigned(v);
+    if (v < masses.size() && !(masses[v] < std::numeric_limits<float>::infinity())) s->fixed[v] = 1;
+  }
+  for (size_t k = 0; k + 2 < triangles.size(); k += 3) {
+    const unsigned int a = triangles[k], b = triangles[k + 1], c = triangles[k + 2];
+    if (a >= n || b >= n || c >= n || a == b || b == c || c == a) continue;
+    s->tri.insert(s->tri.end(), {a, b, c});
+  }
+  s->dead.assign(s->tri.size() / 3, 0);
+  s->input.build(positions.data(), positions.size(), s->tri.data(), s->tri.size() / 3);
+}
+
+surfaceTracker::~surfaceTracker() = default;
+
+// The faces around each vertex; the edges, matching the sides of faces that join the
+// same two vertices; border, feature and valence flags. Ends of non-manifold edges
+// become fixed.
+void surfaceTracker::state::buildTopology() {
+  const unsigned int nv = unsigned(pos.size()), nf = fn();
+  vfStart.assign(size_t(nv) + 1, 0);
+  for (unsigned int f = 0; f < nf; ++f)
+    if (!dead[f])
+      for (unsigned int k = 0; k < 3; ++k) ++vfStart[V(f, k) + 1];
+  for (unsigned int v = 0; v < nv; ++v) vfStart[v + 1] += vfStart[v];
+  vfList.resize(vfStart[nv]);
+  fill.assign(vfStart.begin(), vfStart.end() - 1);
+  for (unsigned int f = 0; f < nf; ++f)
+    if (!dead[f])
+      for (unsigned int k = 0; k < 3; ++k) vfList[fill[V(f, k)]++] = f;
+
+  edges.clear();
+  faceEdge.assign(size_t(nf) * 3, NONE);
+  border.assign(nv, 0);
+  valence.assign(nv, 0);
+  // Each side is taken from its smaller end: the sides there to larger neighbours are
+  // matched in a short list of the neighbours seen so far.
+  std::vector<std::pair<unsigned int, unsigned int>> seen;  // neighbour, edge
+  for (unsigned int v = 0; v < nv; ++v) {
+    seen.clear();
+    for (unsigned int i = vfStart[v]; i < vfStart[v + 1]; ++i) {
+      const unsigned int f = vfList[i];
+      const unsigned int c = V(f, 0) == v ? 0u : (V(f, 1) == v ? 1u : 2u);
+      // The side leaving v (corner c) and the side entering it (corner c + 2).
+      for (unsigned int k : {c, (c + 2) % 3}) {
+        const unsigned int w = k == c ? V(f, (c + 1) % 3) : V(f, k);
+        if (w < v) continue;
+        auto it = std::find_if(
+            seen.begin(), seen.end(),
+            [w](const std::pair<unsigned int, unsigned int>& x) { return x.first == w; });
+        if (it == seen.end()) {
+          edgeRec e;
+          e.a = V(f, k), e.b = V(f, (k + 1) % 3);
+          e.f[0] = f, e.k[0] = static_cast<unsigned char>(k);
+          e.f[1] = NONE, e.k[1] = 0;
+          e.faces = 1;
+          seen.emplace_back(w, unsigned(edges.size()));
+          faceEdge[3 * f + k] = unsigned(edges.size());
+          edges.push_back(e);
+          continue;
+        }
+        edgeRec& e = edges[it->second];
+        faceEdge[3 * f + k] = it->second;
+        if (e.faces == 1) e.f[1] = f, e.k[1] = static_cast<unsigned char>(k);
+        if (e.faces < 3) ++e.faces;
+      }
+    }
+  }
+  for (const edgeRec& e : edges) {
+    if (e.faces == 1) border[e.a] = border[e.b] = 1;
+    if (e.faces > 2) fixed[e.a] = fixed[e.b] = 1;
+    ++valence[e.a], ++valence[e.b];
+  }
+  featureEdge.assign(edges.size(), 0);
+  feature.assign(nv, 0);
+  if (params.keepFeatures)
+    for (unsigned int e = 0; e < edges.size(); ++e) {
+      const edgeRec& r = edges[e];
+      if (r.faces != 2) continue;
+      const p3 n0 = faceNormal(r.f[0]).getNormalized(), n1 = faceNormal(r.f[1]).getNormalized();
+      if (n0 * n1 < FEATURE_COS) featureEdge[e] = feature[r.a] = feature[r.b] = 1;
+    }
+  if (params.keepBorder)
+    for (unsigned int v = 0; v < nv; ++v)
+      if (border[v]) fixed[v] = 1;
+  mark.resize(nv, 0);
+}
+
+void surfaceTracker::state::compactFaces() {
+  unsigned int out = 0;
+  for (unsigned int f = 0; f < fn(); ++f) {
+    if (dead[f]) continue;
+    for (unsigned int k = 0; k < 3; ++k) tri[3 * out + k] = tri[3 * f + k];
+    ++out;
+  }
+  tri.resize(size_t(out) * 3);
+  dead.assign(out, 0);
+}
+
+// Every edge longer than the bound gets its midpoint; each face is cut by the
+// midpoints of its sides (one, two or three of them). A border edge between two fixed
+// vertices is the seam to the rest of the mesh and stays whole.
+bool surfaceTracker::state::splitLongEdges() {
+  const float limit = params.maxEdgeLength * params.maxEdgeLength;
+  std::vector<unsigned int> mid(edges.size(), NONE);
+  bool any = false;
+  for (unsigned int e = 0; e < edges.size(); ++e) {
+    const edgeRec& r = edges[e];
+    if (r.faces > 2 || (pos[r.a] - pos[r.b]).squaredNorm() <= limit) continue;
+    if (r.faces == 1 && fixed[r.a] && fixed[r.b]) continue;
+    mid[e] = unsigned(pos.size());
+    pos.push_back((pos[r.a] + pos[r.b]) * 0.5f);
+    origin.push_back(NONE);
+    fixed.push_back(0);
+    fresh.push_back(1);
+    any = true;
+  }
+  if (!any) return false;
+  std::vector<unsigned int> sideMid(tri.size());
+  for (size_t w = 0; w < tri.size(); ++w)
+    sideMid[w] = faceEdge[w] == NONE ? NONE : mid[faceEdge[w]];
+  std::vector<unsigned int> cut;
+  cutTriangles(tri, sideMid, pos, cut, nullptr, &dead);
+  tri.swap(cut);
+  dead.assign(tri.size() / 3, 0);
+  return true;
+}
+
+// The checks of a collapse moving keep to p and removing gone; no edge at p may exceed
+// reach times the longest edge allowed.
+bool surfaceTracker::state::collapseAllowed(const edgeRec& e, unsigned int keep, unsigned int gone,
+                                            const p3& p, float reach) {
+  const float limit = reach * reach * params.maxEdgeLength * params.maxEdgeLength;
+  // No edge at p may come out long; the commonest refusal, so it is tested first.
+  for (unsigned int end : {keep, gone})
+    for (unsigned int i = vfStart[end]; i < vfStart[end + 1]; ++i)
+      for (unsigned int k = 0; k < 3 && !dead[vfList[i]]; ++k) {
+        const unsigned int w = V(vfList[i], k);
+        if (w != keep && w != gone && (p - pos[w]).squaredNorm() > limit) return false;
+      }
+  // Link condition: the two ends share exactly the far corners of the edge's faces.
+  const unsigned int m = nextMark();
+  unsigned int around = 0;
+  for (unsigned int i = vfStart[keep]; i < vfStart[keep + 1]; ++i) {
+    const unsigned int f = vfList[i];
+    if (dead[f]) continue;
+    ++around;
+    for (unsigned int k = 0; k < 3; ++k) mark[V(f, k)] = m;
+  }
+  unsigned int shared = 0;
+  const unsigned int m2 = nextMark();
+  for (unsigned int i = vfStart[gone]; i < vfStart[gone + 1]; ++i) {
+    const unsigned int f = vfList[i];
+    if (dead[f]) continue;
+    ++around;
+    for (unsigned int k = 0; k < 3; ++k) {
+      const unsigned int w = V(f, k);
+      if (w == keep || w == gone) continue;
+      if (mark[w] == m) ++shared, mark[w] = m2;
+    }
+  }
+  if (shared != e.faces) return false;
+  if (around - 2u * e.faces < (border[keep] || border[gone] ? 1u : 3u)) return false;
+  // Nor may a far corner of the edge lose its last face.
+  for (unsigned int side = 0; side < e.faces; ++side) {
+    const unsigned int far = V(e.f[side], (e.k[side] + 2u) % 3u);
+    unsigned int live = 0;
+    for (unsigned int i = vfStart[far]; i < vfStart[far + 1]; ++i) live += !dead[vfList[i]];
+    if (live < 2) return false;
+  }
+  // No face may turn over or become a sliver, and the enclosed volume may change only
+  // a little.
+  double before = 0.0, after = 0.0;
+  const p3 ref = p;
+  for (unsigned int end : {keep, gone})
+    for (unsigned int i = vfStart[end]; i < vfStart[end + 1]; ++i) {
+      const unsigned int f = vfList[i];
+      if (dead[f]) continue;
+      const unsigned int a = V(f, 0), b = V(f, 1), c = V(f, 2);
+      const bool hasKeep = a == keep || b == keep || c == keep;
+      const bool hasGone = a == gone || b == gone || c == gone;
+      if (end == gone && hasKeep) continue;  // counted from keep's side
+      before += signedVolume(pos[a], pos[b], pos[c], ref);
+      if (hasKeep && hasGone) continue;  // goes away
+      auto at = [&](unsigned int v) { return v == keep || v == gone ? p : pos[v]; };
+      const p3 n0 = faceNormal(f), n1 = areaVector(at(a), at(b), at(c));
+      if (n0 * n1 <= 0.f) return false;
+      if (0.5f * n1.norm() < params.minTriangleArea) return false;
+      after += signedVolume(at(a), at(b), at(c), ref);
+    }
+  return std::fabs(after - before) <= params.maxVolumeChange;
+}
+
+// Short edges collapse, shortest first, in sets whose edges share no end. Each collapse
+// rewrites the faces at once, so the faces around the ends of the next one, read from
+// the lists of the last rebuild, are current; an end of a collapse is not an end again
+// before the rebuild, whose lists it would miss. A fixed end stays, a border end stays
+// against an inner one, otherwise the ends meet at the midpoint.
+unsigned int surfaceTracker::state::collapseShortEdges(float reach) {
+  const float limit = params.minEdgeLength * params.minEdgeLength;
+  // Shortest first, near enough: a counting sort into buckets of squared length.
+  constexpr unsigned int BUCKETS = 32;
+  std::vector<unsigned int> bucketOf(edges.size(), BUCKETS), start(BUCKETS + 1, 0);
+  for (unsigned int e = 0; e < edges.size(); ++e) {
+    const float l = (pos[edges[e].a] - pos[edges[e].b]).squaredNorm();
+    if (edges[e].faces > 2 || !(l < limit)) continue;
+    bucketOf[e] = std::min(BUCKETS - 1, unsigned(float(BUCKETS) * l / limit));
+    ++start[bucketOf[e] + 1];
+  }
+  for (unsigned int b = 0; b < BUCKETS; ++b) start[b + 1] += start[b];
+  std::vector<unsigned int> order(start[BUCKETS]);
+  for (unsigned int e = 0; e < edges.size(); ++e)
+    if (bucketOf[e] < BUCKETS) order[start[bucketOf[e]]++] = e;
+  std::vector<unsigned char> taken(pos.size(), 0);
+  unsigned int done = 0;
+  for (unsigned int e : order) {
+    const edgeRec& r = edges[e];
+    if (taken[r.a] || taken[r.b]) continue;
+    const bool lockA = fixed[r.a] || feature[r.a] || (border[r.a] && !border[r.b]);
+    const bool lockB = fixed[r.b] || feature[r.b] || (border[r.b] && !border[r.a]);
+    if (lockA && lockB) continue;
+    if (r.faces == 2 && border[r.a] && border[r.b]) continue;  // would pinch the surface
+    const unsigned int keep = lockB ? r.b : r.a, gone = keep == r.a ? r.b : r.a;
+    const p3 p = lockA || lockB ? pos[keep] : (pos[r.a] + pos[r.b]) * 0.5f;
+    if (!collapseAllowed(r, keep, gone, p, reach)) continue;
+    taken[keep] = taken[gone] = 1;
+    for (unsigned int i = vfStart[gone]; i < vfStart[gone + 1]; ++i) {
+      const unsigned int f = vfList[i];
+      if (dead[f]) continue;
+      if (V(f, 0) == keep || V(f, 1) == keep || V(f, 2) == keep) {
+        dead[f] = 1;
+        continue;
+      }
+      for (unsigned int k = 0; k < 3; ++k)
+        if (tri[3 * f + k] == gone) tri[3 * f + k] = keep;
+    }
+    pos[keep] = p;
+    fresh[keep] = fresh[keep] && fresh[gone];
+    ++done;
+  }
+  if (!done) return 0;
+  compactFaces();
+  return done;
+}
+
+// The geometric checks of flipping e (ends a, b) to the diagonal c-d, each refusal
+// logged with its reason.
+bool surfaceTracker::state::flipAllowed(const edgeRec& e, unsigned int c, unsigned int d) {
+  const unsigned int a = e.a, b = e.b;
+  if (c == d || c == a || c == b || d == a || d == b) {
+    log("edge flip rejected: degenerate tet");
+    return false;
+  }
+  const unsigned int m = nextMark();
+  for (unsigned int i = vfStart[c]; i < vfStart[c + 1]; ++i)
+    for (unsigned int k = 0; k < 3; ++k) mark[V(vfList[i], k)] = m;
+  if (mark[d] == m) {
+    log("edge flip rejected: edge exists");
+    return false;
+  }
+  const double volume = std::fabs(signedVolume(pos[a], pos[b], pos[c], pos[d]));
+  if (volume > params.maxVolumeChange) {
+    if (params.log) *params.log << "edge flip rejected: volume change = " << volume << "\n";
+    return false;
+  }
+  // Before: (a, b, c) and (b, a, d); after: (c, a, d) and (d, b, c).
+  const p3 n0 = areaVector(pos[a], pos[b], pos[c]), n1 = areaVector(pos[b], pos[a], pos[d]);
+  const p3 n2 = areaVector(pos[c], pos[a], pos[d]), n3 = areaVector(pos[d], pos[b], pos[c]);
+  const p3 nOld = n0 + n1;
+  if (n2 * nOld <= 0.f || n3 * nOld <= 0.f || n2 * n3 <= 0.f) {
+    log("edge flip rejected: normal inversion");
+    return false;
+  }
+  const float a2 = 0.5f * n2.norm(), a3 = 0.5f * n3.norm();
+  if (a2 < params.minTriangleArea || a3 < params.minTriangleArea) {
+    log("edge flip rejected: area too small");
+    return false;
+  }
+  const float areaBefore = 0.5f * (n0.norm() + n1.norm());
+  if (std::fabs(a2 + a3 - areaBefore) > params.maxAreaChange * areaBefore) {
+    log("edge flip rejected: area change too great");
+    return false;
+  }
+  return true;
+}
+
+// Flips in independent sets: those that bring the four valences nearer 6 (4 on a
+// border), or, forLength, those that replace an edge above the longest allowed by a
+// shorter diagonal within it.
+unsigned int surfaceTracker::state::flipEdges(bool forLength) {
+  const float limit = params.maxEdgeLength * params.maxEdgeLength;
+  std::vector<unsigned char> taken(pos.size(), 0);
+  unsigned int done = 0;
+  auto target = [&](unsigned int v) { return border[v] ? 4 : 6; };
+  for (unsigned int e = 0; e < edges.size(); ++e) {
+    const edgeRec& r = edges[e];
+    if (r.faces != 2 || featureEdge[e]) continue;
+    // The edge runs a -> b in f[0]; its far corners are c in f[0] and d in f[1].
+    const unsigned int a = V(r.f[0], r.k[0]), b = V(r.f[0], (r.k[0] + 1) % 3);
+    const unsigned int c = V(r.f[0], (r.k[0] + 2) % 3), d = V(r.f[1], (r.k[1] + 2) % 3);
+    if (taken[a] || taken[b] || taken[c] || taken[d]) continue;
+    auto dev = [&](unsigned int v, int change) {
+      const int x = int(valence[v]) + change - target(v);
+      return x * x;
+    };
+    if (forLength) {
+      const float now = (pos[a] - pos[b]).squaredNorm(), then = (pos[c] - pos[d]).squaredNorm();
+      if (now <= limit || then >= now || then > limit) continue;
+    } else {
+      const int before = dev(a, 0) + dev(b, 0) + dev(c, 0) + dev(d, 0);
+      const int after = dev(a, -1) + dev(b, -1) + dev(c, 1) + dev(d, 1);
+      if (after >= before) continue;
+    }
+    edgeRec oriented = r;
+    oriented.a = a, oriented.b = b;
+    if (!flipAllowed(oriented, c, d)) continue;
+    const unsigned int f0 = r.f[0], f1 = r.f[1];
+    tri[3 * f0] = c, tri[3 * f0 + 1] = a, tri[3 * f0 + 2] = d;
+    tri[3 * f1] = d, tri[3 * f1 + 1] = b, tri[3 * f1 + 2] = c;
+    --valence[a], --valence[b], ++valence[c], ++valence[d];
+    taken[a] = taken[b] = taken[c] = taken[d] = 1;
+    ++done;
+  }
+  return done;
+}
+
+// Moves each free inner vertex towards the area-weighted centre of its faces, within
+// its tangent plane, then onto the closest point of the input; without relax, only the
+// midpoints of this round's splits are projected. A move that would turn a face over is
+// taken back.
+void surfaceTracker::state::relaxAndProject(bool relax) {
+  for (unsigned int v = 0; v < pos.size(); ++v) {
+    if (fixed[v] || border[v] || feature[v] || vfStart[v] == vfStart[v + 1]) continue;
+    if (!relax && !fresh[v]) continue;
+    p3 centre, normal;
+    float area = 0.f;
+    for (unsigned int i = vfStart[v]; i < vfStart[v + 1]; ++i) {
+      const unsigned int f = vfList[i];
+      const p3 n = faceNormal(f);
+      const float w = n.norm();
+      normal += n;
+      centre += (pos[V(f, 0)] + pos[V(f, 1)] + pos[V(f, 2)]) * (w / 3.f);
+      area += w;
+    }
+    if (!(area > 0.f)) continue;
+    normal.normalize();
+    const p3 move = relax ? centre * (1.f / area) - pos[v] : p3();
+    const p3 target = pos[v] + move - normal * (normal * move);
+    MATH::closestPointHit hit;
+    // The surface is near: a bounded search prunes most of the tree.
+    const float reach = params.maxEdgeLength * params.maxEdgeLength;
+    const bool projected = input.closestPoint(target, reach, hit) ||
+                           input.closestPoint(target, std::numeric_limits<float>::max(), hit);
+    const p3 old = pos[v];
+    auto folds = [&]() {
+      for (unsigned int i = vfStart[v]; i < vfStart[v + 1]; ++i) {
+        const unsigned int f = vfList[i];
+        const p3 n = faceNormal(f);
+        if (n * normal <= 0.f || 0.5f * n.norm() < params.minTriangleArea) return true;
+      }
+      return false;
+    };
+    pos[v] = projected ? hit.point : target;
+    if (!folds()) continue;
+    if (fresh[v]) log("Even mid-point subdivision introduces collision.  Backing out.");
+    pos[v] = target;
+    if (folds()) pos[v] = old;
+  }
+}
+
+// Collapse passes until one does little: what is left is mostly refused.
+void surfaceTracker::state::collapsePasses(float reach) {
+  for (unsigned int pass = 0; pass < MAX_COLLAPSE_PASSES; ++pass) {
+    const unsigned int done = collapseShortEdges(reach);
+    if (done) buildTopology();
+    if (done * 100u < fn()) break;
+  }
+}
+
+void surfaceTracker::improve(SYSTEM::callBack* cb) {
+  if (cb) cb->setValue(1.0f);
+  state& t = *s;
+  const unsigned int rounds = std::max(1u, t.params.iterations);
+  t.buildTopology();
+  for (unsigned int round = 0; round < rounds; ++round) {
+    std::fill(t.fresh.begin(), t.fresh.end(), 0);
+    for (unsigned int pass = 0; pass < MAX_SPLIT_PASSES && t.splitLongEdges(); ++pass)
+      t.buildTopology();
+    t.collapsePasses(COLLAPSE_REACH);
+    for (unsigned int pass = 0; pass < FLIP_PASSES && t.flipEdges(false); ++pass) t.buildTopology();
+    t.relaxAndProject(true);
+    if (cb) cb->setValue(1.f + 97.f * float(round + 1) / float(rounds));
+  }
+  // Relaxation leaves some edges a little long: flip them away where a shorter diagonal
+  // fits, split the rest, and collapse what that makes short without a long edge.
+  std::fill(t.fresh.begin(), t.fresh.end(), 0);
+  if (t.flipEdges(true)) t.buildTopology();
+  if (t.splitLongEdges()) {
+    t.buildTopology();
+    t.relaxAndProject(false);
+  }
+  t.collapsePasses(1.f);
+  if (cb) cb->setValue(100.0f);
+}
+
+void surfaceTracker::result(std::vector<p3>& positions, std::vector<unsigned int>& triangles,
+                            std::vector<unsigned int>& vertexMap) const {
+  const state& t = *s;
+  std::vector<unsigned int> id(t.pos.size(), NONE);
+  for (unsigned int f = 0; f < t.fn(); ++f)
+    if (!t.dead[f])
+      for (unsigned int k = 0; k < 3; ++k) id[t.V(f, k)] = 0;
+  positions.clear();
+  vertexMap.clear();
+  for (unsigned int v = 0; v < t.pos.size(); ++v) {
+    if (id[v] == NONE) continue;
+    id[v] = unsigned(positions.size());
+    positions.push_back(t.pos[v]);
+    vertexMap.push_back(t.origin[v]);
+  }
+  triangles.clear();
+  for (unsigned int f = 0; f < t.fn(); ++f)
+    if (!t.dead[f])
+      for (unsigned int k = 0; k < 3; ++k) triangles.push_back(id[t.V(f, k)]);
+}
+
+}  // namespace INTERNAL
+}  // namespace REMESHING
+}  // namespace ALGO
+}  // namespace MESH
+}  // namespace JEV

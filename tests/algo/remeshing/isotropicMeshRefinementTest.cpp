@@ -1,0 +1,297 @@
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <map>
+#include <set>
+#include <sstream>
+#include <string>
+#include <tuple>
+#include <vector>
+
+#include "jev3d/algo/remeshing/internal/triangleSoup.h"
+#include "jev3d/algo/remeshing/isotropicMeshRefinement.h"
+#include "jev3d/io/ply/ioPly.h"
+#include "support/dataFiles.h"
+#include "support/meshes.h"
+#include "support/recordingCallBack.h"
+#include "support/surfaceDistance.h"
+
+using namespace JEV::MESH::ALGO::REMESHING;
+using JEV::MESH::editMesh;
+using p3 = JEV::MATH::point3<float>;
+
+namespace {
+
+std::vector<unsigned> allFaces(const editMesh& m) {
+  std::vector<unsigned> f;
+  for (unsigned i = 0; i < m.fn(); ++i)
+    if (!m.isFaceDeleted(i)) f.push_back(i);
+  return f;
+}
+
+// Share of live edges whose length lies in [lo, hi].
+double shareWithin(const editMesh& m, double lo, double hi) {
+  unsigned in = 0, all = 0;
+  for (unsigned e = 0; e < m.en(); ++e) {
+    if (m.edgeIsDeleted(e)) continue;
+    const double l = (m.vPos(m.eV(e, 0)) - m.vPos(m.eV(e, 1))).norm();
+    ++all;
+    in += l >= lo && l <= hi;
+  }
+  return all ? double(in) / all : 0.0;
+}
+
+double meanLength(const editMesh& m) {
+  double sum = 0;
+  unsigned n = 0;
+  for (unsigned e = 0; e < m.en(); ++e, ++n)
+    sum += (m.vPos(m.eV(e, 0)) - m.vPos(m.eV(e, 1))).norm();
+  return n ? sum / n : 0.0;
+}
+
+// Standard deviation of the edge lengths over their mean.
+double lengthSpread(const editMesh& m) {
+  const double mean = meanLength(m);
+  double sum = 0;
+  for (unsigned e = 0; e < m.en(); ++e) {
+    const double d = (m.vPos(m.eV(e, 0)) - m.vPos(m.eV(e, 1))).norm() - mean;
+    sum += d * d;
+  }
+  return std::sqrt(sum / m.en()) / mean;
+}
+
+surfaceDistance::stats distance(const editMesh& a, const editMesh& b) {
+  std::vector<p3> pa, pb;
+  std::vector<unsigned> ta, tb;
+  INTERNAL::toTriangleSoup(a, pa, ta);
+  INTERNAL::toTriangleSoup(b, pb, tb);
+  return surfaceDistance::symmetric(pa, ta, pb, tb);
+}
+
+editMesh sphere() {
+  editMesh m;
+  testMeshes::makeSphere(m, 16, 32);
+  testMeshes::finishMesh(m);
+  return m;
+}
+
+// A bumpy open square of triangles, 20 x 20 cells.
+editMesh bumpyGrid() {
+  editMesh m;
+  testMeshes::makeGrid(m, 20, 20, false);
+  for (unsigned v = 0; v < m.vn(); ++v) {
+    p3& p = m.vPos(v);
+    p.z = 1.5f * std::sin(p.x * 0.3f) * std::cos(p.y * 0.25f);
+  }
+  testMeshes::finishMesh(m);
+  return m;
+}
+
+using corners = std::tuple<float, float, float, float, float, float, float, float, float>;
+
+std::multiset<corners> facePositions(const editMesh& m, bool selectedOnly, bool unselectedOnly) {
+  std::multiset<corners> out;
+  for (unsigned f = 0; f < m.fn(); ++f) {
+    if (m.isFaceDeleted(f) || m.fVNum(f) != 3) continue;
+    if ((selectedOnly && !m.isFaceSelected(f)) || (unselectedOnly && m.isFaceSelected(f))) continue;
+    const p3 &a = m.F2VPOS(f, 0), &b = m.F2VPOS(f, 1), &c = m.F2VPOS(f, 2);
+    out.emplace(a.x, a.y, a.z, b.x, b.y, b.z, c.x, c.y, c.z);
+  }
+  return out;
+}
+
+}  // namespace
+
+TEST(isotropicMeshRefinement, sphereEdgesWithinBoundsVolumeAndShapeKept) {
+  // Radius 10 and length 0.8: edges split above 0.8 and collapse below 0.3.
+  editMesh in = sphere();
+  for (unsigned v = 0; v < in.vn(); ++v) in.vPos(v) *= 10.f;
+  in.computeNormalizedNormals();
+  editMesh out;
+  attributeList none, noneOut;
+  const float length = 0.8f;
+  recordingCallBack cb;
+  const unsigned made =
+      computeIsotropicMeshRefinement(in, none, allFaces(in), out, noneOut, length, &cb);
+  ASSERT_GT(made, 0u);
+  ASSERT_MESH_VALID(out);
+  EXPECT_EQ(made, testMeshes::liveFaces(out));
+  EXPECT_EQ(testMeshes::borderEdges(out), 0u);
+  EXPECT_GE(shareWithin(out, 0.3, length), 0.9);
+  EXPECT_NEAR(testMeshes::signedVolume(out), testMeshes::signedVolume(in),
+              0.01 * testMeshes::signedVolume(in));
+  EXPECT_LT(distance(in, out).maximum, 0.1);
+  EXPECT_EQ(int(out.vn()) - int(testMeshes::liveEdges(out)) + int(out.fn()), 2);
+  ASSERT_GE(cb.values.size(), 2u);
+  EXPECT_EQ(cb.values.front(), 1.f);
+  EXPECT_EQ(cb.values.back(), 100.f);
+  EXPECT_TRUE(noneOut.empty());
+}
+
+TEST(isotropicMeshRefinement, shortLengthsSettleJustUnderTheLength) {
+  // Below 0.375 the collapse bound is 0.8·length: most edges fall in between.
+  const editMesh in = sphere();
+  editMesh out;
+  attributeList none, noneOut;
+  const float length = 0.08f;
+  ASSERT_GT(computeIsotropicMeshRefinement(in, none, allFaces(in), out, noneOut, length), 0u);
+  ASSERT_MESH_VALID(out);
+  EXPECT_GE(shareWithin(out, 0.0, length), 0.97);
+  EXPECT_GE(shareWithin(out, 0.8 * length, length), 0.55);
+  EXPECT_GE(shareWithin(out, 0.5 * length, length), 0.97);
+  EXPECT_NEAR(testMeshes::signedVolume(out), testMeshes::signedVolume(in),
+              0.01 * testMeshes::signedVolume(in));
+  EXPECT_LT(distance(in, out).maximum, 0.01);
+}
+
+TEST(isotropicMeshRefinement, frozenRestStaysBitForBitAndTheSeamCloses) {
+  editMesh in = bumpyGrid();
+  std::vector<unsigned> region;
+  for (unsigned f = 0; f < in.fn(); ++f) {
+    const p3 c = (in.F2VPOS(f, 0) + in.F2VPOS(f, 1) + in.F2VPOS(f, 2)) * (1.f / 3.f);
+    if (c.x > 4.f && c.x < 15.f && c.y > 3.f && c.y < 16.f) region.push_back(f);
+  }
+  std::set<unsigned> listed(region.begin(), region.end());
+  for (unsigned f = 0; f < in.fn(); ++f)
+    if (listed.count(f)) in.selectFace(f);
+  const std::multiset<corners> rest = facePositions(in, false, true);
+  editMesh out;
+  attributeList none, noneOut;
+  ASSERT_GT(computeIsotropicMeshRefinement(in, none, region, out, noneOut, 0.4f), 0u);
+  ASSERT_MESH_VALID(out);
+  EXPECT_EQ(facePositions(out, false, true), rest);
+  // The only border left is the square's own: no crack along the seam.
+  for (unsigned e = 0; e < out.en(); ++e) {
+    if (out.edgeIsDeleted(e) || !out.isEdgeBorder(e)) continue;
+    const p3 &a = out.vPos(out.eV(e, 0)), &b = out.vPos(out.eV(e, 1));
+    const bool outer = (a.x == 0.f && b.x == 0.f) || (a.x == 20.f && b.x == 20.f) ||
+                       (a.y == 0.f && b.y == 0.f) || (a.y == 20.f && b.y == 20.f);
+    EXPECT_TRUE(outer) << a.x << " " << a.y << " - " << b.x << " " << b.y;
+  }
+  // Remeshed faces are the selected ones, finer than before, on the bumps.
+  EXPECT_GT(facePositions(out, true, false).size(), 2 * region.size());
+  EXPECT_LT(distance(in, out).maximum, 0.05);
+}
+
+TEST(isotropicMeshRefinement, keptVerticesAndAttributesFollow) {
+  editMesh in = bumpyGrid();
+  const std::vector<unsigned> kept = {21 * 10 + 10, 21 * 5 + 7};
+  attributeList attributes(in.vn()), attributesOut;
+  for (unsigned v = 0; v < in.vn(); ++v) {
+    const p3& p = in.vPos(v);
+    attributes[v] = {p.x, p.y, 2.f * p.x - p.y, 1.f};
+  }
+  editMesh out;
+  ASSERT_GT(
+      computeIsotropicMeshRefinement(in, kept, attributes, allFaces(in), out, attributesOut, 0.5f),
+      0u);
+  ASSERT_MESH_VALID(out);
+  ASSERT_EQ(attributesOut.size(), out.vn());
+  for (unsigned v : kept) {
+    bool found = false;
+    for (unsigned w = 0; w < out.vn(); ++w) found = found || out.vPos(w) == in.vPos(v);
+    EXPECT_TRUE(found) << v;
+  }
+  // Linear attributes interpolate exactly where the new vertices land on the input.
+  for (unsigned v = 0; v < out.vn(); ++v) {
+    const p3& p = out.vPos(v);
+    EXPECT_NEAR(attributesOut[v].x, p.x, 0.05f);
+    EXPECT_NEAR(attributesOut[v].y, p.y, 0.05f);
+    EXPECT_NEAR(attributesOut[v].z, 2.f * attributesOut[v].x - attributesOut[v].y, 1e-3f);
+    EXPECT_FLOAT_EQ(attributesOut[v].w, 1.f);
+  }
+}
+
+TEST(isotropicMeshRefinement, paramsFormEvensOutAtTheMeanLength) {
+  editMesh in = sphere();
+  isotropicMeshParams params;
+  params.firstSwitch = 1;
+  params.secondSwitch = 1;
+  const double mean = meanLength(in);
+  editMesh out;
+  attributeList none, noneOut;
+  ASSERT_GT(computeIsotropicMeshRefinement(in, {}, none, allFaces(in), out, noneOut, params), 0u);
+  ASSERT_MESH_VALID(out);
+  EXPECT_GE(shareWithin(out, 0.7 * mean, 1.3 * mean), 0.85);
+  EXPECT_LT(lengthSpread(out), 0.5 * lengthSpread(in));
+  EXPECT_LT(distance(in, out).maximum, 0.02);
+}
+
+TEST(isotropicMeshRefinement, refusalsAreLoggedAndBadCallsGiveNothing) {
+  editMesh in = bumpyGrid();
+  editMesh out;
+  attributeList none, noneOut;
+  std::ostringstream log;
+  ASSERT_GT(
+      computeIsotropicMeshRefinement(in, none, allFaces(in), out, noneOut, 0.3f, nullptr, &log),
+      0u);
+  const std::set<std::string> known = {
+      "edge flip rejected: edge exists",
+      "edge flip rejected: degenerate tet",
+      "edge flip rejected: normal inversion",
+      "edge flip rejected: area too small",
+      "edge flip rejected: area change too great",
+      "Even mid-point subdivision introduces collision.  Backing out."};
+  std::istringstream lines(log.str());
+  std::string line;
+  while (std::getline(lines, line)) {
+    if (line.rfind("edge flip rejected: volume change = ", 0) != 0) {
+      EXPECT_TRUE(known.count(line)) << line;
+    }
+  }
+
+  // A flat fan of ten triangles whose rim vertex 0 is pulled in: flipping its spoke would
+  // improve the valences but fold a triangle over.
+  editMesh fan;
+  const unsigned centre = fan.addVertex(0.f, 0.f, 0.f);
+  for (unsigned i = 0; i < 10; ++i) {
+    const float a = float(i) * 0.6283185f, r = i == 0 ? 0.5f : 1.f;
+    fan.addVertex(r * std::cos(a), r * std::sin(a), 0.f);
+  }
+  for (unsigned i = 0; i < 10; ++i) fan.addTriFace(centre, 1 + i, 1 + (i + 1) % 10);
+  testMeshes::finishMesh(fan);
+  std::ostringstream fanLog;
+  ASSERT_GT(
+      computeIsotropicMeshRefinement(fan, none, allFaces(fan), out, noneOut, 5.f, nullptr, &fanLog),
+      0u);
+  ASSERT_MESH_VALID(out);
+  EXPECT_NE(fanLog.str().find("edge flip rejected: normal inversion\n"), std::string::npos)
+      << fanLog.str();
+  for (unsigned f = 0; f < out.fn(); ++f) EXPECT_GT(out.fNor(f).z, 0.f);
+
+  out.makeCube();
+  EXPECT_EQ(computeIsotropicMeshRefinement(in, none, {}, out, noneOut, 0.3f), 0u);
+  EXPECT_EQ(out.fn(), 0u);
+  EXPECT_EQ(computeIsotropicMeshRefinement(in, none, allFaces(in), out, noneOut, 0.f), 0u);
+  EXPECT_EQ(computeIsotropicMeshRefinement(in, none, {99999u}, out, noneOut, 0.3f), 0u);
+}
+
+TEST(isotropicMeshRefinement, sameMeshAsResultAndScans) {
+  editMesh m = sphere();
+  attributeList none, noneOut;
+  const double volume = testMeshes::signedVolume(m);
+  ASSERT_GT(computeIsotropicMeshRefinement(m, none, allFaces(m), m, noneOut, 0.1f), 0u);
+  ASSERT_MESH_VALID(m);
+  EXPECT_NEAR(testMeshes::signedVolume(m), volume, 0.01 * volume);
+
+  for (const char* name : {"ply/stanford_bun_zipper.ply", "ply/dental_Upper_1.ply"}) {
+    JEV3D_REQUIRE_DATA(name);
+    std::vector<p3> positions;
+    std::vector<unsigned> triangles;
+    unsigned vc = 0, tc = 0;
+    ASSERT_TRUE(JEV::IO::PLY::ioPly::readPlyFromFile(dataFile(name), positions, vc, triangles, tc));
+    editMesh scan;
+    INTERNAL::fromTriangleSoup(scan, positions, triangles);
+    const double mean = meanLength(scan);
+    editMesh out;
+    const float length = float(1.5 * mean);
+    ASSERT_GT(computeIsotropicMeshRefinement(scan, none, allFaces(scan), out, noneOut, length), 0u)
+        << name;
+    ASSERT_MESH_VALID(out);
+    EXPECT_GE(shareWithin(out, 0.0, length), 0.95) << name;
+    EXPECT_GE(shareWithin(out, 0.5 * length, length), 0.9) << name;
+    scan.computeBBox();
+    const double size = (scan.getBBoxMax() - scan.getBBoxMin()).norm();
+    EXPECT_LT(distance(scan, out).mean, 0.002 * size) << name;
+  }
+}
