@@ -2,6 +2,7 @@
 // to the edge count of the same face count as the other decimate_1m cases.
 // isotropic_100k/cgal: CGAL's isotropic_remeshing of all faces, three iterations, to the
 // same target length as isotropic_100k/jev3d.
+// refine_100k/cgal: CGAL's split_long_edges down to half the input's mean edge length.
 #include <CGAL/Polygon_mesh_processing/remesh.h>
 #include <CGAL/Simple_cartesian.h>
 #include <CGAL/Surface_mesh.h>
@@ -85,8 +86,31 @@ void isotropicCgal(benchmark::State& state) {
   reportEdgeLengths(state, out, length);
 }
 
+void refineCgal(benchmark::State& state) {
+  const soup& in = hundredThousandTriangles();
+  const double length = meanEdgeLength(in);
+  soup out;
+  for (auto _ : state) {
+    state.PauseTiming();
+    cgalMesh mesh;
+    toCgal(in, mesh);
+    state.ResumeTiming();
+    CGAL::Polygon_mesh_processing::split_long_edges(edges(mesh), 0.5 * length, mesh);
+    state.PauseTiming();
+    fromCgal(mesh, out);
+    state.ResumeTiming();
+  }
+  state.counters["triangles"] = double(out.count());
+  reportEdgeLengths(state, out, length);
+}
+
 }  // namespace
 
+BENCHMARK(refineCgal)
+    ->Name("refine_100k/cgal")
+    ->Unit(benchmark::kMillisecond)
+    ->Iterations(1)
+    ->Repetitions(3);
 BENCHMARK(isotropicCgal)
     ->Name("isotropic_100k/cgal")
     ->Unit(benchmark::kMillisecond)

@@ -1,8 +1,13 @@
 // decimate_1m/openmesh: OpenMesh's decimater with its quadric module (no error bound)
 // down to the same face count as the other decimate_1m cases.
+// loop_100k/openmesh: OpenMesh's Loop subdivider, one step.
+// refine_100k/openmesh: OpenMesh's longest-edge subdivider down to half the input's mean
+// edge length.
 #include <OpenMesh/Core/Mesh/TriMesh_ArrayKernelT.hh>
 #include <OpenMesh/Tools/Decimater/DecimaterT.hh>
 #include <OpenMesh/Tools/Decimater/ModQuadricT.hh>
+#include <OpenMesh/Tools/Subdivider/Uniform/LongestEdgeT.hh>
+#include <OpenMesh/Tools/Subdivider/Uniform/LoopT.hh>
 
 #include "remeshingBenchInput.h"
 
@@ -54,8 +59,55 @@ void decimateOpenMesh(benchmark::State& state) {
   reportDistance(state, in, out);
 }
 
+template <class Step>
+void subdivisionCase(benchmark::State& state, Step step) {
+  const soup& in = hundredThousandTriangles();
+  soup out;
+  for (auto _ : state) {
+    state.PauseTiming();
+    omTri mesh;
+    toOpenMesh(in, mesh);
+    state.ResumeTiming();
+    step(mesh, meanEdgeLength(in));
+    state.PauseTiming();
+    fromOpenMesh(mesh, out);
+    state.ResumeTiming();
+  }
+  state.counters["triangles"] = double(out.count());
+  reportEdgeLengths(state, out, meanEdgeLength(in));
+}
+
+void loopOpenMesh(benchmark::State& state) {
+  subdivisionCase(state, [](omTri& mesh, double) {
+    OpenMesh::Subdivider::Uniform::LoopT<omTri> loop;
+    loop.attach(mesh);
+    loop(1);
+    loop.detach();
+  });
+}
+
+void refineOpenMesh(benchmark::State& state) {
+  subdivisionCase(state, [](omTri& mesh, double length) {
+    OpenMesh::Subdivider::Uniform::LongestEdgeT<omTri> longest;
+    longest.attach(mesh);
+    longest.set_max_edge_length(0.5 * length);
+    longest(20);
+    longest.detach();
+  });
+}
+
 }  // namespace
 
+BENCHMARK(loopOpenMesh)
+    ->Name("loop_100k/openmesh")
+    ->Unit(benchmark::kMillisecond)
+    ->Iterations(1)
+    ->Repetitions(3);
+BENCHMARK(refineOpenMesh)
+    ->Name("refine_100k/openmesh")
+    ->Unit(benchmark::kMillisecond)
+    ->Iterations(1)
+    ->Repetitions(3);
 BENCHMARK(decimateOpenMesh)
     ->Name("decimate_1m/openmesh")
     ->Unit(benchmark::kMillisecond)
