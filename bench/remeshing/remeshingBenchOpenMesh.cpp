@@ -37,63 +37,61 @@ void fromOpenMesh(const omTri& mesh, soup& out) {
     for (auto v : mesh.fv_range(f)) out.triangles.push_back(unsigned(v.idx()));
 }
 
-void decimateOpenMesh(benchmark::State& state) {
-  const soup& in = millionTriangles();
-  soup out;
+// Times step on a fresh OpenMesh copy of in at each iteration; out gets the last result.
+template <class Step>
+void timeOnCopy(benchmark::State& state, const soup& in, soup& out, Step step) {
   for (auto _ : state) {
     state.PauseTiming();
     omTri mesh;
     toOpenMesh(in, mesh);
     state.ResumeTiming();
+    step(mesh);
+    state.PauseTiming();
+    mesh.garbage_collection();
+    fromOpenMesh(mesh, out);
+    state.ResumeTiming();
+  }
+}
+
+void decimateOpenMesh(benchmark::State& state) {
+  const soup& in = millionTriangles();
+  soup out;
+  timeOnCopy(state, in, out, [&](omTri& mesh) {
     OpenMesh::Decimater::DecimaterT<omTri> decimater(mesh);
     OpenMesh::Decimater::ModQuadricT<omTri>::Handle quadric;
     decimater.add(quadric);
     decimater.module(quadric).unset_max_err();
     decimater.initialize();
     decimater.decimate_to_faces(0, in.count() / 10);
-    mesh.garbage_collection();
-    state.PauseTiming();
-    fromOpenMesh(mesh, out);
-    state.ResumeTiming();
-  }
+  });
   reportDistance(state, in, out);
 }
 
-template <class Step>
-void subdivisionCase(benchmark::State& state, Step step) {
+void loopOpenMesh(benchmark::State& state) {
   const soup& in = hundredThousandTriangles();
   soup out;
-  for (auto _ : state) {
-    state.PauseTiming();
-    omTri mesh;
-    toOpenMesh(in, mesh);
-    state.ResumeTiming();
-    step(mesh, meanEdgeLength(in));
-    state.PauseTiming();
-    fromOpenMesh(mesh, out);
-    state.ResumeTiming();
-  }
-  state.counters["triangles"] = double(out.count());
-  reportEdgeLengths(state, out, meanEdgeLength(in));
-}
-
-void loopOpenMesh(benchmark::State& state) {
-  subdivisionCase(state, [](omTri& mesh, double) {
+  timeOnCopy(state, in, out, [](omTri& mesh) {
     OpenMesh::Subdivider::Uniform::LoopT<omTri> loop;
     loop.attach(mesh);
     loop(1);
     loop.detach();
   });
+  state.counters["triangles"] = double(out.count());
+  reportEdgeLengths(state, out, meanEdgeLength(in));
 }
 
 void refineOpenMesh(benchmark::State& state) {
-  subdivisionCase(state, [](omTri& mesh, double length) {
+  const soup& in = hundredThousandTriangles();
+  soup out;
+  timeOnCopy(state, in, out, [&](omTri& mesh) {
     OpenMesh::Subdivider::Uniform::LongestEdgeT<omTri> longest;
     longest.attach(mesh);
-    longest.set_max_edge_length(0.5 * length);
+    longest.set_max_edge_length(0.5 * meanEdgeLength(in));
     longest(20);
     longest.detach();
   });
+  state.counters["triangles"] = double(out.count());
+  reportEdgeLengths(state, out, meanEdgeLength(in));
 }
 
 }  // namespace

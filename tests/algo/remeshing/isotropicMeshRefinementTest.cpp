@@ -11,6 +11,7 @@
 #include "jev3d/algo/remeshing/internal/triangleSoup.h"
 #include "jev3d/algo/remeshing/isotropicMeshRefinement.h"
 #include "jev3d/io/ply/ioPly.h"
+#include "remeshingChecks.h"
 #include "support/dataFiles.h"
 #include "support/meshes.h"
 #include "support/recordingCallBack.h"
@@ -19,6 +20,7 @@
 using namespace JEV::MESH::ALGO::REMESHING;
 using JEV::MESH::editMesh;
 using p3 = JEV::MATH::point3<float>;
+using remeshingChecks::meanLength;
 
 namespace {
 
@@ -39,14 +41,6 @@ double shareWithin(const editMesh& m, double lo, double hi) {
     in += l >= lo && l <= hi;
   }
   return all ? double(in) / all : 0.0;
-}
-
-double meanLength(const editMesh& m) {
-  double sum = 0;
-  unsigned n = 0;
-  for (unsigned e = 0; e < m.en(); ++e, ++n)
-    sum += (m.vPos(m.eV(e, 0)) - m.vPos(m.eV(e, 1))).norm();
-  return n ? sum / n : 0.0;
 }
 
 // Standard deviation of the edge lengths over their mean.
