@@ -8,9 +8,11 @@
 #include <tuple>
 #include <vector>
 
+#include "jev3d/algo/postprocessing/triMesh.h"
 #include "jev3d/algo/remeshing/internal/triangleSoup.h"
 #include "jev3d/algo/remeshing/isotropicMeshRefinement.h"
 #include "jev3d/io/ply/ioPly.h"
+#include "jev3d/mesh/editMeshInterface.h"
 #include "remeshingChecks.h"
 #include "support/dataFiles.h"
 #include "support/meshes.h"
@@ -288,4 +290,25 @@ TEST(isotropicMeshRefinement, sameMeshAsResultAndScans) {
     const double size = (scan.getBBoxMax() - scan.getBBoxMin()).norm();
     EXPECT_LT(distance(scan, out).mean, 0.002 * size) << name;
   }
+}
+
+TEST(isotropicMeshRefinement, anyMeshThroughItsInterface) {
+  editMesh in = sphere();
+  JEV::MESH::editMeshInterface source(in);
+  JEV::MESH::POSTPROCESSING::triMesh out;
+  attributeList attributes(in.vn(), {1.f, 2.f, 3.f, 4.f}), attributesOut;
+  const unsigned made =
+      computeIsotropicMeshRefinement(source, attributes, allFaces(in), out, attributesOut, 0.1f);
+  ASSERT_GT(made, 0u);
+  EXPECT_EQ(out.fn(), made);
+  ASSERT_EQ(attributesOut.size(), out.vn());
+  for (const auto& a : attributesOut) EXPECT_NEAR(a.z, 3.f, 1e-5f);
+  editMesh back;
+  JEV::MESH::editMeshInterface view(back);
+  out.copyTo(view);
+  testMeshes::finishMesh(back);
+  ASSERT_MESH_VALID(back);
+  EXPECT_EQ(testMeshes::borderEdges(back), 0u);
+  EXPECT_NEAR(testMeshes::signedVolume(back), testMeshes::signedVolume(in),
+              0.01 * testMeshes::signedVolume(in));
 }
