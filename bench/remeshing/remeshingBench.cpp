@@ -6,6 +6,11 @@
 //   isotropic_100k/jev3d       computeIsotropicMeshRefinement of all faces of about 100,000
 //                              triangles (three rounds) to the input's mean edge length
 //   isotropic_100k/cgal        (remeshingBenchCgal.cpp)
+//   loop_100k/jev3d            computeSubdivLoop, one step of about 100,000 triangles
+//   loop_100k/openmesh         (remeshingBenchOpenMesh.cpp)
+//   refine_100k/jev3d          computeMidpoint rounds until no edge is above half the
+//                              input's mean edge length
+//   refine_100k/openmesh, refine_100k/cgal  (remeshingBenchOpenMesh.cpp, remeshingBenchCgal.cpp)
 // Counters: triangles left, and the largest and mean distance between result and input,
 // both ways, over the input's box diagonal; for remeshing also the mean edge length over
 // the target and the spread of the edge lengths.
@@ -14,7 +19,9 @@
 #include "jev3d/algo/remeshing/internal/triangleSoup.h"
 #include "jev3d/algo/remeshing/isotropicMeshRefinement.h"
 #include "jev3d/algo/remeshing/qECollapse.h"
+#include "jev3d/algo/remeshing/subdivision.h"
 #include "jev3d/mesh/editMesh.h"
+#include "jev3d/mesh/editMeshInterface.h"
 #include "remeshingBenchInput.h"
 
 namespace {
@@ -62,8 +69,45 @@ void isotropicJev3d(benchmark::State& state) {
   reportEdgeLengths(state, out, length);
 }
 
+// Runs step from a kernel mesh of the 100k input into another, then reports the result.
+template <class Step>
+void subdivisionCase(benchmark::State& state, Step step) {
+  namespace REMESHING = JEV::MESH::ALGO::REMESHING;
+  const soup& in = hundredThousandTriangles();
+  JEV::MESH::editMesh mesh, result;
+  REMESHING::INTERNAL::fromTriangleSoup(mesh, in.positions, in.triangles);
+  JEV::MESH::editMeshInterface from(mesh), to(result);
+  for (auto _ : state) step(from, to, meanEdgeLength(in));
+  soup out;
+  REMESHING::INTERNAL::toTriangleSoup(result, out.positions, out.triangles);
+  state.counters["triangles"] = double(out.count());
+  reportEdgeLengths(state, out, meanEdgeLength(in));
+}
+
+void loopJev3d(benchmark::State& state) {
+  subdivisionCase(state, [](auto& from, auto& to, double) {
+    JEV::MESH::ALGO::REMESHING::computeSubdivLoop(&from, &to);
+  });
+}
+
+void refineJev3d(benchmark::State& state) {
+  subdivisionCase(state, [](auto& from, auto& to, double length) {
+    JEV::MESH::ALGO::REMESHING::computeMidpoint(&from, &to, float(0.5 * length), 20, false, false);
+  });
+}
+
 }  // namespace
 
+BENCHMARK(loopJev3d)
+    ->Name("loop_100k/jev3d")
+    ->Unit(benchmark::kMillisecond)
+    ->Iterations(1)
+    ->Repetitions(3);
+BENCHMARK(refineJev3d)
+    ->Name("refine_100k/jev3d")
+    ->Unit(benchmark::kMillisecond)
+    ->Iterations(1)
+    ->Repetitions(3);
 BENCHMARK(isotropicJev3d)
     ->Name("isotropic_100k/jev3d")
     ->Unit(benchmark::kMillisecond)

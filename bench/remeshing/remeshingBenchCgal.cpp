@@ -2,6 +2,7 @@
 // to the edge count of the same face count as the other decimate_1m cases.
 // isotropic_100k/cgal: CGAL's isotropic_remeshing of all faces, three iterations, to the
 // same target length as isotropic_100k/jev3d.
+// refine_100k/cgal: CGAL's split_long_edges down to half the input's mean edge length.
 #include <CGAL/Polygon_mesh_processing/remesh.h>
 #include <CGAL/Simple_cartesian.h>
 #include <CGAL/Surface_mesh.h>
@@ -42,26 +43,35 @@ void fromCgal(const cgalMesh& mesh, soup& out) {
       out.triangles.push_back(id[v.idx()]);
 }
 
-void decimateCgal(benchmark::State& state) {
-  const soup& in = millionTriangles();
-  soup out;
+// Times step on a fresh CGAL copy of in at each iteration; out gets the last result.
+template <class Step>
+void timeOnCopy(benchmark::State& state, const soup& in, soup& out, Step step) {
   for (auto _ : state) {
     state.PauseTiming();
     cgalMesh mesh;
     toCgal(in, mesh);
+    state.ResumeTiming();
+    step(mesh);
+    state.PauseTiming();
+    mesh.collect_garbage();
+    fromCgal(mesh, out);
+    state.ResumeTiming();
+  }
+}
+
+void decimateCgal(benchmark::State& state) {
+  const soup& in = millionTriangles();
+  soup out;
+  timeOnCopy(state, in, out, [&](cgalMesh& mesh) {
     // A triangle mesh with few borders has about 1.5 edges a face.
     const size_t edges = size_t(double(mesh.number_of_edges()) / double(mesh.number_of_faces()) *
                                 double(in.count() / 10));
-    state.ResumeTiming();
     SMS::GarlandHeckbert_plane_policies<cgalMesh, kernel> policies(mesh);
     SMS::Count_stop_predicate<cgalMesh> stop(edges);
     SMS::edge_collapse(
         mesh, stop,
         CGAL::parameters::get_cost(policies.get_cost()).get_placement(policies.get_placement()));
-    state.PauseTiming();
-    fromCgal(mesh, out);
-    state.ResumeTiming();
-  }
+  });
   reportDistance(state, in, out);
 }
 
@@ -69,24 +79,32 @@ void isotropicCgal(benchmark::State& state) {
   const soup& in = hundredThousandTriangles();
   const double length = meanEdgeLength(in);
   soup out;
-  for (auto _ : state) {
-    state.PauseTiming();
-    cgalMesh mesh;
-    toCgal(in, mesh);
-    state.ResumeTiming();
+  timeOnCopy(state, in, out, [&](cgalMesh& mesh) {
     CGAL::Polygon_mesh_processing::isotropic_remeshing(faces(mesh), length, mesh,
                                                        CGAL::parameters::number_of_iterations(3));
-    state.PauseTiming();
-    mesh.collect_garbage();
-    fromCgal(mesh, out);
-    state.ResumeTiming();
-  }
+  });
   reportDistance(state, in, out);
+  reportEdgeLengths(state, out, length);
+}
+
+void refineCgal(benchmark::State& state) {
+  const soup& in = hundredThousandTriangles();
+  const double length = meanEdgeLength(in);
+  soup out;
+  timeOnCopy(state, in, out, [&](cgalMesh& mesh) {
+    CGAL::Polygon_mesh_processing::split_long_edges(edges(mesh), 0.5 * length, mesh);
+  });
+  state.counters["triangles"] = double(out.count());
   reportEdgeLengths(state, out, length);
 }
 
 }  // namespace
 
+BENCHMARK(refineCgal)
+    ->Name("refine_100k/cgal")
+    ->Unit(benchmark::kMillisecond)
+    ->Iterations(1)
+    ->Repetitions(3);
 BENCHMARK(isotropicCgal)
     ->Name("isotropic_100k/cgal")
     ->Unit(benchmark::kMillisecond)

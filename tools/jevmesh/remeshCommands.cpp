@@ -48,10 +48,15 @@ int runDecimate(const commandLine& line) {
   });
 }
 
+// The value of a required option that must be a positive finite number.
+bool positiveOption(const commandLine& line, const char* option, float& value) {
+  return line.has(option) && commandLine::toFloat(line.values(option)[0], value) && value > 0.f &&
+         std::isfinite(value);
+}
+
 int runRemesh(const commandLine& line) {
   float length = 0.f;
-  if (!line.has("--length") || !commandLine::toFloat(line.values("--length")[0], length) ||
-      !(length > 0.f) || !std::isfinite(length))
+  if (!positiveOption(line, "--length", length))
     return usageError("remesh", "--length takes a positive edge length");
   long runs = 1;
   if (line.has("-n") && (!commandLine::toInt(line.values("-n")[0], runs) || runs < 1 || runs > 100))
@@ -75,8 +80,7 @@ int runRemesh(const commandLine& line) {
 
 int runVoxelize(const commandLine& line) {
   float size = 0.f;
-  if (!line.has("--size") || !commandLine::toFloat(line.values("--size")[0], size) ||
-      !(size > 0.f) || !std::isfinite(size))
+  if (!positiveOption(line, "--size", size))
     return usageError("voxelize", "--size takes a positive voxel edge length");
   return transform("voxelize", line, [&](editMesh& mesh) {
     std::vector<JEV::MATH::point3<float>> positions;

@@ -7,6 +7,8 @@
 #include "jev3d/algo/remeshing/internal/surfaceTracker.h"
 #include "jev3d/math/triangleTree.h"
 #include "jev3d/mesh/editMesh.h"
+#include "jev3d/mesh/editMeshInterface.h"
+#include "jev3d/mesh/meshInterface.h"
 #include "jev3d/system/callBack.h"
 
 namespace JEV {
@@ -187,7 +189,69 @@ unsigned int remesh(const editMesh& mesh, const std::vector<unsigned int>& keptV
   return result.fn() - first;
 }
 
+// An editable copy of any mesh with the same vertex and face ids, deleted ones deleted.
+void editableCopy(const meshInterface& source, editMesh& copy) {
+  copy.clear(false);
+  for (unsigned int v = 0; v < source.vn(); ++v) copy.addVertex(source.vPos(v));
+  std::vector<unsigned int> corners;
+  for (unsigned int f = 0; f < source.fn(); ++f) {
+    corners.clear();
+    for (unsigned int i = 0; i < source.f2vNum(f); ++i) corners.push_back(source.fV(f, i));
+    copy.addFace(corners.data(), unsigned(corners.size()));
+  }
+  copy.checkMeshState();
+  for (unsigned int v = 0; v < source.vn(); ++v)
+    if (source.isVertDeleted(v)) copy.setVertFlag(v, VERT_STATE_T::DELETED);
+  for (unsigned int f = 0; f < source.fn(); ++f)
+    if (source.isFaceDeleted(f)) copy.setFaceFlag(f, FACE_STATE_T::DELETED);
+}
+
+// Runs the editMesh form through editable copies of source and result.
+template <class Form>
+unsigned int overInterfaces(const meshInterface& source, meshInterface& result, Form form) {
+  editMesh from, to;
+  editableCopy(source, from);
+  const unsigned int made = form(from, to);
+  editMeshInterface view(to);
+  view.copyTo(result);
+  return made;
+}
+
 }  // namespace
+
+unsigned int computeIsotropicMeshRefinement(const meshInterface& mesh,
+                                            const attributeList& attributes,
+                                            const std::vector<unsigned int>& faces,
+                                            meshInterface& result, attributeList& attributesOut,
+                                            float length, SYSTEM::callBack* cb, std::ostream* log) {
+  return computeIsotropicMeshRefinement(mesh, {}, attributes, faces, result, attributesOut, length,
+                                        cb, log);
+}
+
+unsigned int computeIsotropicMeshRefinement(const meshInterface& mesh,
+                                            const std::vector<unsigned int>& keptVertices,
+                                            const attributeList& attributes,
+                                            const std::vector<unsigned int>& faces,
+                                            meshInterface& result, attributeList& attributesOut,
+                                            float length, SYSTEM::callBack* cb, std::ostream* log) {
+  return overInterfaces(mesh, result, [&](const editMesh& from, editMesh& to) {
+    return remesh(from, keptVertices, attributes, faces, to, attributesOut, false, length, {}, cb,
+                  log);
+  });
+}
+
+unsigned int computeIsotropicMeshRefinement(const meshInterface& mesh,
+                                            const std::vector<unsigned int>& keptVertices,
+                                            const attributeList& attributes,
+                                            const std::vector<unsigned int>& faces,
+                                            meshInterface& result, attributeList& attributesOut,
+                                            const isotropicMeshParams& params, SYSTEM::callBack* cb,
+                                            std::ostream* log) {
+  return overInterfaces(mesh, result, [&](const editMesh& from, editMesh& to) {
+    return remesh(from, keptVertices, attributes, faces, to, attributesOut, true, 0.f, params, cb,
+                  log);
+  });
+}
 
 unsigned int computeIsotropicMeshRefinement(const editMesh& mesh, const attributeList& attributes,
                                             const std::vector<unsigned int>& faces,

@@ -12,6 +12,7 @@ class callBack;
 }
 namespace MESH {
 class editMesh;
+class meshInterface;
 namespace ALGO {
 namespace REMESHING {
 
@@ -48,6 +49,28 @@ unsigned int computeIsotropicMeshRefinement(const editMesh& mesh,
 unsigned int computeIsotropicMeshRefinement(
     const editMesh& mesh, const std::vector<unsigned int>& keptVertices,
     const attributeList& attributes, const std::vector<unsigned int>& faces, editMesh& result,
+    attributeList& attributesOut, const isotropicMeshParams& params, SYSTEM::callBack* cb = nullptr,
+    std::ostream* log = nullptr);
+
+// The same over any mesh: vertex and face ids of the source are those of mesh, so the
+// face list and the attributes read as above; result is replaced with the result's live
+// vertices and faces in order.
+unsigned int computeIsotropicMeshRefinement(const meshInterface& mesh,
+                                            const attributeList& attributes,
+                                            const std::vector<unsigned int>& faces,
+                                            meshInterface& result, attributeList& attributesOut,
+                                            float length, SYSTEM::callBack* cb = nullptr,
+                                            std::ostream* log = nullptr);
+unsigned int computeIsotropicMeshRefinement(const meshInterface& mesh,
+                                            const std::vector<unsigned int>& keptVertices,
+                                            const attributeList& attributes,
+                                            const std::vector<unsigned int>& faces,
+                                            meshInterface& result, attributeList& attributesOut,
+                                            float length, SYSTEM::callBack* cb = nullptr,
+                                            std::ostream* log = nullptr);
+unsigned int computeIsotropicMeshRefinement(
+    const meshInterface& mesh, const std::vector<unsigned int>& keptVertices,
+    const attributeList& attributes, const std::vector<unsigned int>& faces, meshInterface& result,
     attributeList& attributesOut, const isotropicMeshParams& params, SYSTEM::callBack* cb = nullptr,
     std::ostream* log = nullptr);
 

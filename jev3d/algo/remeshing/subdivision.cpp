@@ -24,11 +24,13 @@ bool usable(const meshInterface* source, const meshInterface* target) {
   return source && target && source != target;
 }
 
-// The source as working triangles with topology, border flags and unit vertex normals.
-void workingCopy(const meshInterface& source, workMesh& w) {
+// The source as working triangles with topology and border flags, and unit vertex
+// normals when asked.
+void workingCopy(const meshInterface& source, workMesh& w, bool normals) {
   w.fromMesh(source, true);
   w.compact(true);
   w.updateTopology();
+  if (!normals) return;
   w.computeFaceNormals();
   w.computeVertexNormals();
 }
@@ -40,7 +42,8 @@ void writeOut(workMesh& w, meshInterface& target) {
 }
 
 // One round: each side chosen by `split` gets the vertex pointOf(f, k) shared with every
-// face across it, and the faces are cut. Face selection and source faces carry over.
+// face across it, and the faces are cut. Face selection and source faces carry over;
+// the topology is left stale.
 template <class Split, class PointOf>
 bool refineRound(workMesh& w, Split split, PointOf pointOf) {
   w.updateTopology();
@@ -79,7 +82,6 @@ bool refineRound(workMesh& w, Split split, PointOf pointOf) {
     w.fFlag[t] = oldFlags[from[t]] & workMesh::SELECTED;
     w.sourceFace[t] = oldSource[from[t]];
   }
-  w.updateTopology();
   return true;
 }
 
@@ -91,7 +93,7 @@ bool refine(const meshInterface* source, meshInterface* target, float maxLength,
   if (!usable(source, target)) return false;
   if (cb) cb->setValue(1.0f);
   workMesh w;
-  workingCopy(*source, w);
+  workingCopy(*source, w, true);
   const float threshold = maxLength * maxLength;
   auto split = [&](unsigned int f, unsigned int k) {
     if (selectedOnly && !w.isFaceSelected(f)) return false;
@@ -180,7 +182,7 @@ bool computeSubdiv(const meshInterface* source, meshInterface* target, float max
 bool computeSubdivLoop(const meshInterface* source, meshInterface* target) {
   if (!usable(source, target)) return false;
   workMesh w;
-  workingCopy(*source, w);
+  workingCopy(*source, w, false);
   const unsigned int nv = w.vn();
   // New positions of the old vertices, from their neighbours around the face lists.
   std::vector<p3> moved(w.pos);

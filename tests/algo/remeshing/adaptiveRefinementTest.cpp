@@ -9,12 +9,14 @@
 #include "jev3d/algo/remeshing/internal/triangleSoup.h"
 #include "jev3d/algo/remeshing/subdivision.h"
 #include "jev3d/io/ply/ioPly.h"
+#include "remeshingChecks.h"
 #include "support/dataFiles.h"
 #include "support/meshes.h"
 
 using namespace JEV::MESH::ALGO::REMESHING;
 using JEV::MESH::editMesh;
 using p3 = JEV::MATH::point3<float>;
+using namespace remeshingChecks;
 
 namespace {
 
@@ -46,21 +48,6 @@ editMesh gridWithRegion() {
     if (p.x >= 8.f && p.x <= 11.f && p.y >= 8.f && p.y <= 11.f) m.selectVert(v);
   }
   return m;
-}
-
-double borderLength(const editMesh& m) {
-  double l = 0;
-  for (unsigned e = 0; e < m.en(); ++e)
-    if (!m.edgeIsDeleted(e) && m.eFNum(e) == 1)
-      l += (m.vPos(m.eV(e, 0)) - m.vPos(m.eV(e, 1))).norm();
-  return l;
-}
-
-double area(const editMesh& m) {
-  double a = 0;
-  for (unsigned f = 0; f < m.fn(); ++f)
-    if (!m.isFaceDeleted(f)) a += computeAreaFace(m, f);
-  return a;
 }
 
 unsigned passesRun(const std::string& out) {
@@ -168,10 +155,7 @@ TEST(adaptiveRefine, scanRegionStaysConsistent) {
                                                    vc, triangles, tc));
   editMesh scan;
   INTERNAL::fromTriangleSoup(scan, positions, triangles);
-  double mean = 0;
-  for (unsigned e = 0; e < scan.en(); ++e)
-    mean += (scan.vPos(scan.eV(e, 0)) - scan.vPos(scan.eV(e, 1))).norm();
-  mean /= scan.en();
+  const double mean = meanLength(scan);
   const p3 centre = scan.vPos(0);
   for (unsigned v = 0; v < scan.vn(); ++v)
     if ((scan.vPos(v) - centre).norm() < 20.f * mean) scan.selectVert(v);

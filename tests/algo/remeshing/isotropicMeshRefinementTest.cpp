@@ -8,9 +8,12 @@
 #include <tuple>
 #include <vector>
 
+#include "jev3d/algo/postprocessing/triMesh.h"
 #include "jev3d/algo/remeshing/internal/triangleSoup.h"
 #include "jev3d/algo/remeshing/isotropicMeshRefinement.h"
 #include "jev3d/io/ply/ioPly.h"
+#include "jev3d/mesh/editMeshInterface.h"
+#include "remeshingChecks.h"
 #include "support/dataFiles.h"
 #include "support/meshes.h"
 #include "support/recordingCallBack.h"
@@ -19,6 +22,7 @@
 using namespace JEV::MESH::ALGO::REMESHING;
 using JEV::MESH::editMesh;
 using p3 = JEV::MATH::point3<float>;
+using remeshingChecks::meanLength;
 
 namespace {
 
@@ -39,14 +43,6 @@ double shareWithin(const editMesh& m, double lo, double hi) {
     in += l >= lo && l <= hi;
   }
   return all ? double(in) / all : 0.0;
-}
-
-double meanLength(const editMesh& m) {
-  double sum = 0;
-  unsigned n = 0;
-  for (unsigned e = 0; e < m.en(); ++e, ++n)
-    sum += (m.vPos(m.eV(e, 0)) - m.vPos(m.eV(e, 1))).norm();
-  return n ? sum / n : 0.0;
 }
 
 // Standard deviation of the edge lengths over their mean.
@@ -294,4 +290,25 @@ TEST(isotropicMeshRefinement, sameMeshAsResultAndScans) {
     const double size = (scan.getBBoxMax() - scan.getBBoxMin()).norm();
     EXPECT_LT(distance(scan, out).mean, 0.002 * size) << name;
   }
+}
+
+TEST(isotropicMeshRefinement, anyMeshThroughItsInterface) {
+  editMesh in = sphere();
+  JEV::MESH::editMeshInterface source(in);
+  JEV::MESH::POSTPROCESSING::triMesh out;
+  attributeList attributes(in.vn(), {1.f, 2.f, 3.f, 4.f}), attributesOut;
+  const unsigned made =
+      computeIsotropicMeshRefinement(source, attributes, allFaces(in), out, attributesOut, 0.1f);
+  ASSERT_GT(made, 0u);
+  EXPECT_EQ(out.fn(), made);
+  ASSERT_EQ(attributesOut.size(), out.vn());
+  for (const auto& a : attributesOut) EXPECT_NEAR(a.z, 3.f, 1e-5f);
+  editMesh back;
+  JEV::MESH::editMeshInterface view(back);
+  out.copyTo(view);
+  testMeshes::finishMesh(back);
+  ASSERT_MESH_VALID(back);
+  EXPECT_EQ(testMeshes::borderEdges(back), 0u);
+  EXPECT_NEAR(testMeshes::signedVolume(back), testMeshes::signedVolume(in),
+              0.01 * testMeshes::signedVolume(in));
 }

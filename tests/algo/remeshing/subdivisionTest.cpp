@@ -5,6 +5,7 @@
 
 #include "jev3d/algo/remeshing/subdivision.h"
 #include "jev3d/mesh/editMeshInterface.h"
+#include "remeshingChecks.h"
 #include "support/meshes.h"
 #include "support/recordingCallBack.h"
 
@@ -12,6 +13,7 @@ using namespace JEV::MESH::ALGO::REMESHING;
 using JEV::MESH::editMesh;
 using JEV::MESH::editMeshInterface;
 using p3 = JEV::MATH::point3<float>;
+using remeshingChecks::area;
 
 namespace {
 
@@ -26,13 +28,6 @@ double maxEdge(const editMesh& m) {
   for (unsigned e = 0; e < m.en(); ++e)
     l = std::max(l, double((m.vPos(m.eV(e, 0)) - m.vPos(m.eV(e, 1))).norm()));
   return l;
-}
-
-double area(const editMesh& m) {
-  double a = 0;
-  for (unsigned f = 0; f < m.fn(); ++f)
-    if (!m.isFaceDeleted(f)) a += computeAreaFace(m, f);
-  return a;
 }
 
 bool near(const p3& a, const p3& b, float eps = 1e-5f) { return (a - b).norm() < eps; }

@@ -320,6 +320,16 @@ unsigned int surfaceTracker::state::collapseShortEdges(float reach) {
   std::vector<unsigned int> order(start[BUCKETS]);
   for (unsigned int e = 0; e < edges.size(); ++e)
     if (bucketOf[e] < BUCKETS) order[start[bucketOf[e]]++] = e;
+  // The longest edge at each vertex gives a quick refusal: a neighbour w of a with
+  // |a - w| = longest[a] is at least longest[a] - |p - a| from p. Moves during the pass
+  // can only make this refuse a collapse the full test would take, never the reverse:
+  // the full test still decides every collapse made.
+  std::vector<float> longest(pos.size(), 0.f);
+  for (const edgeRec& r : edges) {
+    const float l = (pos[r.a] - pos[r.b]).norm();
+    longest[r.a] = std::max(longest[r.a], l), longest[r.b] = std::max(longest[r.b], l);
+  }
+  const float reachLength = reach * params.maxEdgeLength;
   std::vector<unsigned char> taken(pos.size(), 0);
   unsigned int done = 0;
   for (unsigned int e : order) {
@@ -331,6 +341,9 @@ unsigned int surfaceTracker::state::collapseShortEdges(float reach) {
     if (r.faces == 2 && border[r.a] && border[r.b]) continue;  // would pinch the surface
     const unsigned int keep = lockB ? r.b : r.a, gone = keep == r.a ? r.b : r.a;
     const p3 p = lockA || lockB ? pos[keep] : (pos[r.a] + pos[r.b]) * 0.5f;
+    if (longest[r.a] - (p - pos[r.a]).norm() > reachLength ||
+        longest[r.b] - (p - pos[r.b]).norm() > reachLength)
+      continue;
     if (!collapseAllowed(r, keep, gone, p, reach)) continue;
     taken[keep] = taken[gone] = 1;
     for (unsigned int i = vfStart[gone]; i < vfStart[gone + 1]; ++i) {
