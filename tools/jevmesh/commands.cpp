@@ -254,6 +254,7 @@ const std::vector<command>& allCommands() {
        "  --segments N        segments around the round shapes, 4 to 4096 (default 16)\n",
        withWriteOptions({{"--segments", 1}}), runMake},
       smoothCommand(),
+      snapshotCommand(),
   };
   return commands;
 }
