@@ -36,7 +36,7 @@ std::int64_t ignoreMessages(PLATFORM::windowHandle, unsigned, std::uint64_t, std
 // A window on the screen gets its pixels at its first exposure; the offscreen driver never
 // sends one and has them at once. The bound only keeps a broken display from hanging us.
 void waitExposed(PLATFORM::platform& p) {
-  const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(2);
+  const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(1);
   while (std::chrono::steady_clock::now() < end) {
     PLATFORM::message m;
     while (p.peekMessage(m))
