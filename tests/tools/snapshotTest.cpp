@@ -191,6 +191,11 @@ TEST_F(snapshot, badInputFailsWithAMessageAndWritesNoPicture) {
   std::ofstream(truncated, std::ios::binary) << bytes.substr(0, bytes.size() / 2);
   const std::string text = dir.file("notes.stl");
   std::ofstream(text) << "these are notes, not a mesh\n";
+  const std::string infinite = dir.file("infinite.ply");
+  std::ofstream(infinite) << "ply\nformat ascii 1.0\nelement vertex 3\nproperty float x\n"
+                             "property float y\nproperty float z\nelement face 1\n"
+                             "property list uchar int vertex_indices\nend_header\n"
+                             "0 0 0\n1 0 0\ninf 1 0\n3 0 1 2\n";
 
   struct badCase {
     std::vector<std::string> words;
@@ -200,6 +205,7 @@ TEST_F(snapshot, badInputFailsWithAMessageAndWritesNoPicture) {
       {{dir.file("missing.ply"), out}, 1},
       {{truncated, out}, 1},
       {{text, out}, 1},
+      {{infinite, out}, 1},
       {{good, dir.file("no/such/folder/out.png")}, 1},
       {{good, out, "--mode", "wire"}, 2},
       {{good, out, "--size", "12x12"}, 2},

@@ -108,7 +108,8 @@ class snapshotScene {
   }
 
   // camera -> light -> mesh, the camera framing the mesh's box from the chosen view.
-  void build(editMeshNode* node) {
+  // False when the box has a coordinate that is not finite: nothing could be framed.
+  bool build(editMeshNode* node) {
     mesh = node;
     auto* camera =
         static_cast<RENDERING::cameraState*>(scene.addNode(new RENDERING::cameraState(), "camera"));
@@ -126,7 +127,7 @@ class snapshotScene {
     m.computeBBox();
     ball->orientation = MATH::quaternion<float>(point3f(0, 1, 0), view.yaw * DEGREE) *
                         MATH::quaternion<float>(point3f(1, 0, 0), view.pitch * DEGREE);
-    ball->fitBoundingBox(m.getBBoxMin(), m.getBBoxMax());
+    if (!ball->fitBoundingBox(m.getBBoxMin(), m.getBBoxMax())) return false;
     camera->view = ball->viewMatrix.cV();
     // Near and far planes hug the bounding sphere, so depth keeps its precision.
     const float radius = std::max((m.getBBoxMax() - m.getBBoxMin()).norm() / 2, 1e-6f);
@@ -141,6 +142,7 @@ class snapshotScene {
     light->ambient = CORE::color(45, 45, 45, 255);
     light->diffuse = CORE::color(160, 160, 160, 255);
     light->specular = CORE::color(0, 0, 0, 255);
+    return true;
   }
 
   bool draw(std::vector<std::uint8_t>& rgba, std::string& error) {
@@ -190,7 +192,10 @@ bool renderSnapshot(editMeshNode* node, const snapshotView& view, std::vector<st
     delete node;
     return false;
   }
-  s.build(node);
+  if (!s.build(node)) {
+    error = "the mesh has coordinates that are not finite";
+    return false;
+  }
   return s.draw(rgba, error);
 }
 

@@ -97,7 +97,10 @@ int main(int argc, char** argv) {
     return fileError(in, "has no faces to draw");
   }
   std::vector<std::uint8_t> rgba;
-  if (!renderSnapshot(node, view, rgba, error)) return fileError(out, error);
+  if (!renderSnapshot(node, view, rgba, error)) {
+    std::fprintf(stderr, "jevmesh %s: %s\n", NAME, error.c_str());
+    return EXIT_BAD_INPUT;
+  }
   if (!writePng(out, view.width, view.height, rgba, error)) return fileError(out, error);
   return EXIT_OK;
 }
