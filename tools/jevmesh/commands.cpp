@@ -265,6 +265,7 @@ const std::vector<command>& allCommands() {
        withWriteOptions({{"--segments", 1}}), runMake},
       distanceCommand(),
       smoothCommand(),
+      snapshotCommand(),
   });
   return commands;
 }

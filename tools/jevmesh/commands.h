@@ -32,6 +32,7 @@ struct command {
 
 // Commands defined in files of their own.
 command smoothCommand();
+command snapshotCommand();
 
 // Every subcommand, in the order the help lists them.
 const std::vector<command>& allCommands();
