@@ -314,7 +314,9 @@ void flipPass(const holeSurface& s, std::vector<patchFace>& faces, float feature
 // the exponent: 1 pulls towards a membrane, 2 (the thin plate) also carries the slope of
 // the surface around the rim into the patch. Each sweep takes U everywhere from the
 // positions it starts with and moves each new vertex by step times the change that would
-// zero the operator there. Rings of rim vertices hold their neighbours in the old
+// zero the operator there; with the thin plate, the tangential part of the membrane's
+// pull is added, which spreads the vertices evenly over the surface without bending it.
+// Rings of rim vertices hold their neighbours in the old
 // mesh too, so the operator at the rim sees the surface the patch must join.
 void fairPatch(holeSurface& s, const std::vector<patchFace>& faces, float step, float exponent,
                unsigned int rounds, int firstNew) {
@@ -384,6 +386,9 @@ void fairPatch(holeSurface& s, const std::vector<patchFace>& faces, float step, 
         p3 outer;
         for (unsigned int k = ringStart[i]; k < ringStart[i + 1]; ++k) outer += u[size_t(ring[k])];
         move = (outer * (1.f / ringSize(i)) - u[i]) * (-1.f / rate[i]);
+        // Along the surface the membrane rules, spreading the vertices evenly.
+        const p3& n = s.added[size_t(global[i] - base)].nor;
+        move += u[i] - n * (u[i] * n);
       }
       s.movablePosition(global[i]) += move * step;
     }
