@@ -509,7 +509,7 @@ class editMesh {
   // Whether edge e can be collapsed without tearing or pinching the surface: live,
   // two distinct live ends, and the vertices joined to both ends are exactly the third
   // corners of the triangles on e; an interior edge between two border vertices is
-  // refused. Needs valid edges and VE.
+  // refused. Needs edges and VE as computeEVEF and computeVE leave them.
   bool canCollapseEdge(unsigned int e) const;
   // Collapses e when canCollapseEdge allows it: its second end joins the first, which
   // moves to pos; triangles on e are deleted, larger faces lose that corner. Edges, EF

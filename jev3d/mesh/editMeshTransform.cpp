@@ -183,7 +183,7 @@ bool onBorder(const editMesh& m, unsigned int v) {
 }  // namespace
 
 bool editMesh::canCollapseEdge(unsigned int e) const {
-  if (!isEdgeValid(e) || !isVEValid() || evefInvalid) return false;
+  if (!isEdgeValid(e) || !isVEValid()) return false;
   const unsigned int a = eV(e, 0), b = eV(e, 1);
   if (a == b || !isVertexValid(a) || !isVertexValid(b)) return false;
   if (vStore[a].veBase + vStore[a].veNum > ven() || vStore[b].veBase + vStore[b].veNum > ven())

@@ -253,6 +253,61 @@ TEST_F(jevmesh, progressShowsOnATerminal) {
   EXPECT_EQ(slurp(out).find('%'), std::string::npos);
 }
 
+TEST_F(jevmesh, infoListsTheTenLargestLoopsAndCountsTheRest) {
+  JEV::MESH::editMesh m;
+  std::vector<std::pair<unsigned, unsigned>> holes;
+  for (unsigned j = 1; j < 9; j += 2)
+    for (unsigned i = 1; i < 9; i += 2)
+      if (holes.size() < 13) holes.push_back({i, j});
+  testMeshes::makeGrid(m, 10, 10, true, holes);
+  const runResult r = run("info " + writePly(m, "holes.ply"));
+  ASSERT_EQ(r.status, 0) << r.err;
+  EXPECT_EQ(field(r.out, "boundary loops"), "14 (sizes 40, 4, 4, 4, 4, 4, 4, 4, 4, 4, and 4 more)");
+}
+
+TEST_F(jevmesh, cleanWeldsDropsBadFacesAndSpecks) {
+  // A unit cube whose last quad uses a second vertex at the first one's place, a repeat
+  // of the first quad, a face with a repeated corner, a lone triangle and a vertex of no
+  // face.
+  plyPolygonMesh in;
+  for (unsigned k = 0; k < 8; ++k)
+    in.positions.emplace_back(float(k & 1), float((k >> 1) & 1), float(k >> 2));
+  in.positions.emplace_back(0.f, 0.f, 0.f);  // 8: same place as 0
+  in.positions.emplace_back(5.f, 5.f, 5.f), in.positions.emplace_back(6.f, 5.f, 5.f);
+  in.positions.emplace_back(5.f, 6.f, 5.f);  // 9-11: the speck
+  in.positions.emplace_back(9.f, 9.f, 9.f);  // 12: isolated
+  const std::vector<std::vector<unsigned>> faces = {{0, 2, 3, 1}, {4, 5, 7, 6}, {0, 1, 5, 4},
+                                                    {2, 6, 7, 3}, {0, 4, 6, 2}, {1, 3, 7, 5},
+                                                    {0, 2, 3, 1}, {0, 0, 1},    {9, 10, 11}};
+  for (const auto& f : faces) {
+    in.cornerCounts.push_back(unsigned(f.size()));
+    in.corners.insert(in.corners.end(), f.begin(), f.end());
+  }
+  in.corners[16] = 8;  // the x = 0 quad starts at the second vertex
+  const std::string path = dir.file("dirty.ply"), out = dir.file("clean.ply");
+  ASSERT_TRUE(ioPly::writePlyPolygonsToFile(path, in, true));
+
+  const runResult r = run("clean " + path + " " + out + " --min-faces 2");
+  ASSERT_EQ(r.status, 0) << r.err;
+  EXPECT_EQ(field(r.out, "welded vertices"), "1");
+  EXPECT_EQ(field(r.out, "degenerate faces"), "1");
+  EXPECT_EQ(field(r.out, "duplicate faces"), "2");
+  EXPECT_EQ(field(r.out, "faces of small pieces"), "1");
+  EXPECT_EQ(field(r.out, "unreferenced vertices"), "4");
+  const runResult info = run("info " + out);
+  EXPECT_EQ(field(info.out, "vertices"), "8");
+  EXPECT_EQ(field(info.out, "faces"), "12 (12 triangles)");
+  EXPECT_EQ(field(info.out, "boundary loops"), "0");
+  EXPECT_EQ(field(info.out, "volume"), "1");
+
+  EXPECT_EQ(run("clean " + path + " " + out + " --min-faces 0").status, 2);
+  EXPECT_EQ(run("clean " + dir.file("none.ply") + " " + out).status, 1);
+  EXPECT_EQ(run("clean " + path).status, 2);
+  const runResult quiet = run("clean " + path + " " + out + " --quiet");
+  EXPECT_EQ(quiet.status, 0);
+  EXPECT_EQ(quiet.out, "");
+}
+
 TEST_F(jevmesh, infoOnScans) {
   JEV3D_REQUIRE_DATA("ply/stanford_bun_zipper.ply");
   const runResult bunny = run("info " + dataFile("ply/stanford_bun_zipper.ply"));

@@ -4,7 +4,9 @@
 #include <iostream>
 
 #include "commandSupport.h"
+#include "jev3d/algo/postprocessing/triMesh.h"
 #include "jev3d/mesh/editMesh.h"
+#include "jev3d/mesh/editMeshInterface.h"
 #include "meshFiles.h"
 #include "meshReport.h"
 #include "progressBar.h"
@@ -127,6 +129,50 @@ int runMirror(const commandLine& line) {
   });
 }
 
+// Welds, drops degenerate and duplicate faces, pieces below minFaces and unreferenced
+// vertices, as a triangle mesh. Prints what went unless quiet.
+int runClean(const commandLine& line) {
+  long minFaces = 1;
+  if (line.has("--min-faces") &&
+      (!commandLine::toInt(line.values("--min-faces")[0], minFaces) || minFaces < 1))
+    return usageError("clean", "--min-faces takes a whole number from 1 up");
+  return transform("clean", line, [&](editMesh& mesh) {
+    JEV::MESH::POSTPROCESSING::triMesh scan;
+    {
+      JEV::MESH::editMeshInterface view(mesh);
+      scan.importFrom(view);
+    }
+    progressBar bar("cleaning", quiet(line));
+    JEV::SYSTEM::callBack* cb = bar.reporter();
+    if (cb) cb->setValue(1.f);
+    const unsigned welded = scan.removeDuplicateVertices();
+    if (cb) cb->setValue(20.f);
+    const unsigned degenerate = scan.removeDegenerateFace();
+    const unsigned duplicates = scan.removeDuplicateFaces();
+    if (cb) cb->setValue(40.f);
+    const unsigned smallPieces = scan.removeIsolatePieces(unsigned(minFaces));
+    if (cb) cb->setValue(80.f);
+    const unsigned unreferenced = scan.removeUnReferenceVertex();
+    if (cb) cb->setValue(100.f);
+    bar.finish();
+    if (!quiet(line))
+      std::cout << "welded vertices:       " << welded << "\n"
+                << "degenerate faces:      " << degenerate << "\n"
+                << "duplicate faces:       " << duplicates << "\n"
+                << "faces of small pieces: " << smallPieces << "\n"
+                << "unreferenced vertices: " << unreferenced << "\n";
+    mesh.clear(false);
+    JEV::MESH::editMeshInterface out(mesh);
+    scan.copyTo(out);
+    mesh.checkMeshState();
+    mesh.computeEdges(true);
+    mesh.computeVE();
+    mesh.computeNormalizedFaceNormals();
+    if (!scan.hasVN()) mesh.computeNormalizedVertexNormals();
+    return int(EXIT_OK);
+  });
+}
+
 // The shapes `make` knows, each built from the segment count it is given.
 const std::vector<std::pair<std::string, void (*)(editMesh&, unsigned)>>& shapes() {
   static const std::vector<std::pair<std::string, void (*)(editMesh&, unsigned)>> table = {
@@ -196,6 +242,12 @@ const std::vector<command>& allCommands() {
        "  --weld              join the halves: vertices on the plane are shared, faces\n"
        "                      lying in the plane are dropped\n",
        withWriteOptions({{"--face", 1}, {"--normal", 3}, {"--weld", 0}}), runMirror},
+      {"clean", "IN OUT [--min-faces N]", "Clean a scan: weld, drop bad faces and specks.",
+       "Welds vertices at exactly equal positions, drops faces with a repeated corner,\n"
+       "faces repeating another on the same three vertices, pieces (joined through edges)\n"
+       "of fewer than N faces, and vertices no face uses. Polygons become triangles.\n"
+       "  --min-faces N       smallest piece kept, in faces (default 1: keep all)\n",
+       withWriteOptions({{"--min-faces", 1}}), runClean},
       {"make", "SHAPE OUT [--segments N]", "Write a generated mesh.",
        "  SHAPE               cube, tetrahedron, octahedron, dodecahedron, sphere, torus,\n"
        "                      cylinder or cone\n"

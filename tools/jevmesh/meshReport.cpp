@@ -119,8 +119,10 @@ void meshReport::print(std::ostream& out) const {
   out << "edges:              " << edges << "\n";
   out << "boundary edges:     " << boundaryEdges << "\n";
   out << "boundary loops:     " << boundaryLoops.size();
-  for (size_t i = 0; i < boundaryLoops.size(); ++i)
-    out << (i == 0 ? " (sizes " : ", ") << boundaryLoops[i];
+  // A polygon soup can have thousands of loops: the ten largest, then how many more.
+  const size_t listed = std::min<size_t>(boundaryLoops.size(), 10);
+  for (size_t i = 0; i < listed; ++i) out << (i == 0 ? " (sizes " : ", ") << boundaryLoops[i];
+  if (boundaryLoops.size() > listed) out << ", and " << boundaryLoops.size() - listed << " more";
   out << (boundaryLoops.empty() ? "" : ")") << "\n";
   out << "non-manifold edges: " << nonManifoldEdges << "\n";
   out << "wire edges:         " << wireEdges << "\n";

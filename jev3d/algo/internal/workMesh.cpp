@@ -1,0 +1,221 @@
+#include "jev3d/algo/internal/workMesh.h"
+
+#include "jev3d/algo/internal/triangleAdjacency.h"
+#include "jev3d/mesh/editMesh.h"
+#include "jev3d/mesh/editMeshInterface.h"
+
+namespace JEV {
+namespace MESH {
+namespace ALGO {
+
+using MATH::point3;
+
+void workMesh::clear() {
+  pos.clear(), nor.clear(), col.clear(), vFlag.clear();
+  tri.clear(), fNor.clear(), fFlag.clear(), sourceFace.clear();
+  ff.clear(), vfStart.clear(), vfWedge.clear();
+  topologyValid = false;
+}
+
+unsigned int workMesh::addVertex(const point3<float>& p) {
+  pos.push_back(p);
+  vFlag.push_back(0);
+  if (!nor.empty()) nor.emplace_back();
+  if (!col.empty()) col.emplace_back(255, 255, 255, 255);
+  return vn() - 1;
+}
+
+unsigned int workMesh::addFace(unsigned int a, unsigned int b, unsigned int c) {
+  tri.insert(tri.end(), {a, b, c});
+  fNor.emplace_back();
+  fFlag.push_back(0);
+  sourceFace.push_back(NONE);
+  topologyValid = false;
+  return fn() - 1;
+}
+
+void workMesh::updateTopology() {
+  computeVertexFace();
+  computeFaceFace();
+  updateBorderFlags();
+}
+
+namespace {
+
+// Deleted faces as a skip list for the adjacency builders.
+std::vector<unsigned char> deletedFaces(const std::vector<unsigned char>& fFlag) {
+  std::vector<unsigned char> skip(fFlag.size());
+  for (size_t f = 0; f < fFlag.size(); ++f) skip[f] = fFlag[f] & workMesh::DELETED;
+  return skip;
+}
+
+}  // namespace
+
+void workMesh::computeVertexFace() {
+  const std::vector<unsigned char> skip = deletedFaces(fFlag);
+  INTERNAL::buildVertexFace(tri.data(), fn(), vn(), skip.data(), vfStart, vfWedge);
+}
+
+void workMesh::computeFaceFace() {
+  if (vfStart.size() != size_t(vn()) + 1) computeVertexFace();
+  const std::vector<unsigned char> skip = deletedFaces(fFlag);
+  INTERNAL::buildFaceFace(tri.data(), fn(), vn(), vfStart, vfWedge, skip.data(), ff);
+  topologyValid = true;
+}
+
+void workMesh::updateBorderFlags() {
+  constexpr unsigned char edgeBits[3] = {BORDER0, BORDER1, BORDER2};
+  for (unsigned char& b : vFlag) b &= uint8_t(~BORDER);
+  for (unsigned int f = 0; f < fn(); ++f) {
+    fFlag[f] &= uint8_t(~(BORDER | BORDER0 | BORDER1 | BORDER2));
+    if (isFaceDeleted(f)) continue;
+    for (unsigned int i = 0; i < 3; ++i) {
+      if (!isBorder(f, i)) continue;
+      fFlag[f] |= uint8_t(edgeBits[i] | BORDER);
+      const unsigned int a = V(f, i), b = V(f, (i + 1) % 3);
+      if (a < vn()) vFlag[a] |= BORDER;
+      if (b < vn()) vFlag[b] |= BORDER;
+    }
+  }
+}
+
+void workMesh::computeFaceNormals(bool normalize) {
+  fNor.resize(fn());
+  for (unsigned int f = 0; f < fn(); ++f) {
+    if (isFaceDeleted(f)) continue;
+    const point3<float> n = point3<float>::cross(P(f, 1) - P(f, 0), P(f, 2) - P(f, 0));
+    fNor[f] = normalize ? n.getNormalized() : n;
+  }
+}
+
+void workMesh::computeVertexNormals() {
+  nor.resize(vn());
+  std::vector<point3<float>> sum(vn());
+  for (unsigned int f = 0; f < fn(); ++f) {
+    if (isFaceDeleted(f)) continue;
+    const point3<float> n = point3<float>::cross(P(f, 1) - P(f, 0), P(f, 2) - P(f, 0));
+    for (unsigned int i = 0; i < 3; ++i) sum[V(f, i)] += n;
+  }
+  for (unsigned int v = 0; v < vn(); ++v)
+    if (!(vFlag[v] & (DELETED | LOCKED))) nor[v] = sum[v].getNormalized();
+}
+
+void workMesh::compact(bool dropVertices) {
+  std::vector<unsigned int> map(vn(), NONE);
+  if (dropVertices) {
+    std::vector<unsigned char> used(vn(), 0);
+    for (unsigned int f = 0; f < fn(); ++f)
+      if (!isFaceDeleted(f))
+        for (unsigned int i = 0; i < 3; ++i) used[V(f, i)] = 1;
+    unsigned int next = 0;
+    for (unsigned int v = 0; v < vn(); ++v) {
+      if (!used[v] || isVertDeleted(v)) continue;
+      map[v] = next;
+      pos[next] = pos[v], vFlag[next] = vFlag[v];
+      if (!nor.empty()) nor[next] = nor[v];
+      if (!col.empty()) col[next] = col[v];
+      ++next;
+    }
+    pos.resize(next), vFlag.resize(next);
+    if (!nor.empty()) nor.resize(next);
+    if (!col.empty()) col.resize(next);
+  } else {
+    for (unsigned int v = 0; v < vn(); ++v) map[v] = v;
+  }
+  unsigned int next = 0;
+  for (unsigned int f = 0; f < fn(); ++f) {
+    if (isFaceDeleted(f)) continue;
+    for (unsigned int i = 0; i < 3; ++i) tri[3 * next + i] = map[V(f, i)];
+    fNor[next] = fNor[f], fFlag[next] = fFlag[f], sourceFace[next] = sourceFace[f];
+    ++next;
+  }
+  tri.resize(size_t(3) * next), fNor.resize(next), fFlag.resize(next), sourceFace.resize(next);
+  ff.clear(), vfStart.clear(), vfWedge.clear();
+  topologyValid = false;
+}
+
+void workMesh::fromMesh(const meshInterface& source, bool keepSelection) {
+  clear();
+  const unsigned int nv = source.vn();
+  pos.resize(nv);
+  vFlag.assign(nv, 0);
+  for (unsigned int v = 0; v < nv; ++v) {
+    pos[v] = source.vPos(v);
+    if (source.isVertDeleted(v)) vFlag[v] = DELETED;
+  }
+  if (source.hasVN()) {
+    nor.resize(nv);
+    for (unsigned int v = 0; v < nv; ++v) nor[v] = source.vNor(v);
+  }
+  if (source.hasVC()) {
+    col.resize(nv);
+    for (unsigned int v = 0; v < nv; ++v) col[v] = source.vCol(v);
+  }
+  const bool readFlags = source.hasFaceFlags();
+  for (unsigned int f = 0; f < source.fn(); ++f) {
+    if (readFlags && source.isFaceDeleted(f)) continue;
+    const unsigned int n = source.f2vNum(f);
+    bool valid = n >= 3;
+    for (unsigned int i = 0; i < n && valid; ++i) valid = source.fV(f, i) < nv;
+    if (!valid) continue;  // a corner past the vertices would be read out of bounds
+    const bool selected = keepSelection && readFlags && source.isFaceSelected(f);
+    for (unsigned int t = 0; t + 2 < n; ++t) {
+      const unsigned int id = addFace(source.fV(f, 0), source.fV(f, t + 1), source.fV(f, t + 2));
+      sourceFace[id] = f;
+      if (selected) fFlag[id] |= SELECTED;
+    }
+  }
+}
+
+void workMesh::fromEditMesh(const editMesh& source, bool keepSelection) {
+  // The adapter is only read through here, so the cast writes nothing.
+  const editMeshInterface view(const_cast<editMesh&>(source));
+  fromMesh(view, keepSelection);
+}
+
+void workMesh::toMesh(meshInterface& target) const {
+  target.clear();
+  std::vector<unsigned int> map(vn(), NONE);
+  unsigned int live = 0;
+  for (unsigned int v = 0; v < vn(); ++v)
+    if (!isVertDeleted(v)) map[v] = live++;
+  target.vertexReserve(live);
+  for (unsigned int v = 0; v < vn(); ++v)
+    if (!isVertDeleted(v)) target.addVertex(pos[v]);
+  if (hasNormals()) {
+    target.vertexNormalResize(live);
+    for (unsigned int v = 0; v < vn(); ++v)
+      if (map[v] != NONE) target.vNor(map[v]) = nor[v];
+  }
+  if (hasColors()) {
+    target.vertexColorResize(live);
+    for (unsigned int v = 0; v < vn(); ++v)
+      if (map[v] != NONE) target.vCol(map[v]) = col[v];
+  }
+  target.faceReserve(fn());
+  for (unsigned int f = 0; f < fn(); ++f) {
+    if (isFaceDeleted(f)) continue;
+    unsigned int ids[3];
+    bool valid = true;
+    for (unsigned int i = 0; i < 3 && valid; ++i) {
+      const unsigned int v = V(f, i);
+      valid = v < vn() && map[v] != NONE;
+      if (valid) ids[i] = map[v];
+    }
+    if (valid) target.addFace(ids, 3);
+  }
+}
+
+void workMesh::toEditMesh(editMesh& target) const {
+  editMeshInterface view(target);
+  toMesh(view);
+  target.checkMeshState();
+  target.computeEVEF();
+  target.computeVE();
+  target.computeNormalizedFaceNormals();
+  if (!hasNormals()) target.computeNormalizedVertexNormals();
+}
+
+}  // namespace ALGO
+}  // namespace MESH
+}  // namespace JEV

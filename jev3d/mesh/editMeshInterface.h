@@ -1,0 +1,66 @@
+#pragma once
+
+#include "jev3d/mesh/editMesh.h"
+#include "jev3d/mesh/meshInterface.h"
+
+namespace JEV {
+namespace MESH {
+
+// An editMesh seen through meshInterface. It holds a reference: the mesh must outlive
+// the adapter. Normals and colours always exist on an editMesh; hasVN is true once it has
+// a vertex, hasVC follows editMesh::hasVC. Faces added through the adapter leave edges
+// and VE stale: the caller rebuilds them (computeEVEF, computeVE) when done.
+class editMeshInterface : public meshInterface {
+ public:
+  explicit editMeshInterface(editMesh& m) : mesh(m) {}
+
+  editMesh& getMesh() { return mesh; }
+  const editMesh& getMesh() const { return mesh; }
+
+  unsigned int vn() const override { return mesh.vn(); }
+  unsigned int fn() const override { return mesh.fn(); }
+  unsigned int f2vNum(unsigned int f) const override { return mesh.fVNum(f); }
+  unsigned int fV(unsigned int f, unsigned int i) const override { return mesh.fV(f, i); }
+  MATH::point3<float>& vPos(unsigned int v) override { return mesh.vPos(v); }
+  const MATH::point3<float>& vPos(unsigned int v) const override { return mesh.vPos(v); }
+  MATH::point3<float>& vNor(unsigned int v) override { return mesh.vNor(v); }
+  const MATH::point3<float>& vNor(unsigned int v) const override { return mesh.vNor(v); }
+  CORE::color& vCol(unsigned int v) override { return mesh.vCol(v); }
+  const CORE::color& vCol(unsigned int v) const override { return mesh.vCol(v); }
+  MATH::point3<float>& fNor(unsigned int f) override { return mesh.fNor(f); }
+  const MATH::point3<float>& fNor(unsigned int f) const override { return mesh.fNor(f); }
+
+  bool hasVN() const override { return mesh.vn() > 0; }
+  bool hasVC() const override { return mesh.hasVC(); }
+  bool hasFN() const override { return mesh.fn() > 0; }
+  bool hasFaceFlags() const override { return mesh.faceFlags().size() == mesh.fn(); }
+  void computeFaceFlags() override { mesh.computeFaceFlags(); }
+  bool isFaceDeleted(unsigned int f) const override { return mesh.isFaceDeleted(f); }
+  bool isFaceSelected(unsigned int f) const override { return mesh.isFaceSelected(f); }
+  bool isVertDeleted(unsigned int v) const override { return mesh.isVertDeleted(v); }
+
+  void clearAxisAlignedBoundingBoxRef() override { mesh.updateBBox(); }
+  void clearAxisAlignedBoundingBoxVert() override { mesh.updateBBox(); }
+  // Normals live in the records; clearing them means zeroing.
+  void clearVertexNormal() override;
+  void clearFaceNormal() override;
+  // The indexes of an editMesh go stale by themselves once positions are reported moved.
+  void clearSpatialIndexing() override { mesh.updateBBox(); }
+  void clear() override { mesh.clear(false); }
+
+  void vertexReserve(unsigned int n) override { mesh.expandVertexArray(n); }
+  void faceReserve(unsigned int n) override { mesh.expandFaceArray(n); }
+  void vertexNormalResize(unsigned int n) override;
+  void vertexColorResize(unsigned int n) override;
+  unsigned int addVertex(const MATH::point3<float>& p) override { return mesh.addVertex(p); }
+  unsigned int addFace(const unsigned int* ids, unsigned int n) override {
+    return mesh.addFace(ids, n);
+  }
+  void computeVertexFaceNormalizedNormals() override;
+
+ private:
+  editMesh& mesh;
+};
+
+}  // namespace MESH
+}  // namespace JEV
