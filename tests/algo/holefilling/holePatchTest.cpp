@@ -235,10 +235,12 @@ TEST(PatchImprovement, RefinementAndFairingKeepTheRimAndLinkEverySideOnce) {
     sum += (h.position(sd.first) - h.position(sd.second)).norm();
     ++count;
   }
-  EXPECT_NEAR(sum / double(count), edge, 0.4 * edge);
+  // Refinement splits down to the feature size: sides end between half of it and all.
+  EXPECT_GT(sum / double(count), 0.45 * edge);
+  EXPECT_LT(sum / double(count), 1.1 * edge);
   for (const auto& sd : sides) {
     const float len = (h.position(sd.first) - h.position(sd.second)).norm();
-    EXPECT_GT(len, 0.25f * edge);
+    EXPECT_GT(len, 0.08f * edge);
     EXPECT_LT(len, 1.5f * edge);
   }
 }

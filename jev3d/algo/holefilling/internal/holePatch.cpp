@@ -113,6 +113,9 @@ float bendTerm(const p3& n1, const p3& n2) {
   return 1.f - t / (t + 1.f);
 }
 
+// Conjugate gradient steps of one fairing round.
+constexpr unsigned int CG_STEPS_PER_ROUND = 8;
+
 // Refinement stops growing a patch past this many faces: a feature size far below the
 // hole's extent would otherwise fill memory.
 constexpr size_t MAX_PATCH_FACES = size_t(1) << 24;
@@ -211,20 +214,29 @@ void linkPatch(std::vector<patchFace>& faces) {
 
 // Each face in turn, the new ones included as they are appended, splits its longest
 // side at the midpoint when that side is at least length long, together with the face
-// across it. Rim sides are left out of the choice: the old mesh on their other side
-// would keep the unsplit side and open a crack, and the rim must stay as it was.
+// across it. A face whose longest side is on the rim stands: the old mesh on the other
+// side would keep the unsplit side and open a crack, and splitting a shorter side in its
+// place can go on for ever along the rim. The face budget (from the patch's area, with a
+// wide margin) stops a pass that the neighbours' splits keep feeding.
 void splitPass(holeSurface& s, std::vector<patchFace>& faces, float length) {
   if (!(length > 0.f)) return;  // no length scale: splitting would never end
-  for (size_t t = 0; t < faces.size() && faces.size() < MAX_PATCH_FACES; ++t) {
+  double area = 0;
+  for (const patchFace& f : faces)
+    area += 0.5 * double(p3::cross(s.position(f.v[1]) - s.position(f.v[0]),
+                                   s.position(f.v[2]) - s.position(f.v[0]))
+                             .norm());
+  const double smallest = 0.108 * double(length) * double(length);  // equilateral of side L/2
+  const size_t budget =
+      std::min(MAX_PATCH_FACES, faces.size() + size_t(16.0 * area / smallest) + 64);
+  for (size_t t = 0; t < faces.size() && faces.size() < budget; ++t) {
     int k = -1;
     float longest = 0.f;
     for (int i = 0; i < 3; ++i) {
       const patchFace& f = faces[t];
-      if (f.n[i] < 0) continue;
       const float len = (s.position(f.v[(i + 1) % 3]) - s.position(f.v[i])).norm();
       if (len > longest) longest = len, k = i;
     }
-    if (k < 0 || longest < length) continue;
+    if (k < 0 || longest < length || faces[t].n[k] < 0 || faces[t].n[k] == int(t)) continue;
     const int a = faces[t].v[k], b = faces[t].v[(k + 1) % 3], c = faces[t].v[(k + 2) % 3];
     const int u = faces[t].n[k];
     const int j = cornerOfSide(faces[size_t(u)], b, a);
@@ -310,14 +322,16 @@ void flipPass(const holeSurface& s, std::vector<patchFace>& faces, float feature
   }
 }
 
-// Relaxation of the umbrella operator U (mean of the ring minus the vertex) raised to
-// the exponent: 1 pulls towards a membrane, 2 (the thin plate) also carries the slope of
-// the surface around the rim into the patch. Each sweep takes U everywhere from the
-// positions it starts with and moves each new vertex by step times the change that would
-// zero the operator there; with the thin plate, the tangential part of the membrane's
-// pull is added, which spreads the vertices evenly over the surface without bending it.
-// Rings of rim vertices hold their neighbours in the old
-// mesh too, so the operator at the rim sees the surface the patch must join.
+// Fairing of the patch's new vertices against the umbrella operator U (mean of the ring
+// minus the vertex). With the exponent 2 (the thin plate) the new positions minimise the
+// sum of |U|² over every vertex of the patch, the rim included, whose rings also hold
+// their neighbours in the old mesh: so the slope of the surface around the hole carries
+// into the patch. With the exponent 1 (the membrane) U is driven to 0 at the new
+// vertices only. Each round is CG_STEPS_PER_ROUND steps of conjugate gradients on that
+// least-squares problem (coordinates solved apart, stopping early once converged), which
+// carries the shape across a patch far faster than local sweeps. Then, rounds times, each new
+// vertex slides by step times the tangential part of its U, which spreads the vertices evenly
+// without bending the surface. Only new vertices from firstNew on move.
 void fairPatch(holeSurface& s, const std::vector<patchFace>& faces, float step, float exponent,
                unsigned int rounds, int firstNew) {
   assert(rounds >= 10 && rounds <= 50);
@@ -362,37 +376,78 @@ void fairPatch(holeSurface& s, const std::vector<patchFace>& faces, float step, 
   std::vector<int> ring(links.size());
   for (size_t i = 0; i < links.size(); ++i) ring[i] = links[i].second;
 
-  auto at = [&](int local) -> const p3& { return s.position(global[size_t(local)]); };
-  auto umbrella = [&](size_t local) {
-    const unsigned int b = ringStart[local], e = ringStart[local + 1];
+  auto at = [&](size_t local) -> const p3& { return s.position(global[local]); };
+  auto ringSize = [&](size_t local) { return double(ringStart[local + 1] - ringStart[local]); };
+  // U at a row from the current positions, and the linear part of U in the moving
+  // vertices applied to a direction d over them.
+  const size_t rows = exponent > 1.5f ? patchVertices : moving;
+  auto umbrella = [&](size_t row) {
     p3 sum;
-    for (unsigned int k = b; k < e; ++k) sum += at(ring[k]);
-    return sum * (1.f / float(e - b)) - at(int(local));
+    for (unsigned int k = ringStart[row]; k < ringStart[row + 1]; ++k) sum += at(size_t(ring[k]));
+    return sum * float(1.0 / ringSize(row)) - at(row);
   };
-  auto ringSize = [&](size_t local) { return float(ringStart[local + 1] - ringStart[local]); };
-  // U²(v) = mean of U over the ring - U(v); its rate in p(v) is -(1 + sum 1/(d dw)).
-  std::vector<float> rate(moving, 1.f);
-  for (size_t i = 0; i < moving; ++i)
-    for (unsigned int k = ringStart[i]; k < ringStart[i + 1]; ++k)
-      rate[i] += 1.f / (ringSize(i) * ringSize(size_t(ring[k])));
-  const bool thinPlate = exponent > 1.5f;
-  std::vector<p3> u(patchVertices);
-  for (unsigned int round = 0; round < rounds; ++round) {
-    // U of every patch vertex from the positions at the start of the sweep.
-    for (size_t i = 0; i < patchVertices; ++i) u[i] = umbrella(i);
-    for (size_t i = 0; i < moving; ++i) {
-      p3 move = u[i];
-      if (thinPlate) {
-        p3 outer;
-        for (unsigned int k = ringStart[i]; k < ringStart[i + 1]; ++k) outer += u[size_t(ring[k])];
-        move = (outer * (1.f / ringSize(i)) - u[i]) * (-1.f / rate[i]);
-        // Along the surface the membrane rules, spreading the vertices evenly.
-        const p3& n = s.added[size_t(global[i] - base)].nor;
-        move += u[i] - n * (u[i] * n);
-      }
-      s.movablePosition(global[i]) += move * step;
+  using d3 = MATH::point3<double>;
+  auto toD = [](const p3& p) { return d3(p.x, p.y, p.z); };
+  auto applyB = [&](const std::vector<d3>& d, std::vector<d3>& out) {
+    out.assign(rows, d3());
+    for (size_t r = 0; r < rows; ++r) {
+      d3 sum;
+      for (unsigned int k = ringStart[r]; k < ringStart[r + 1]; ++k)
+        if (size_t(ring[k]) < moving) sum += d[size_t(ring[k])];
+      out[r] = sum * (1.0 / ringSize(r));
+      if (r < moving) out[r] -= d[r];
     }
+  };
+  auto applyBt = [&](const std::vector<d3>& in, std::vector<d3>& out) {
+    out.assign(moving, d3());
+    for (size_t r = 0; r < rows; ++r) {
+      const d3 w = in[r] * (1.0 / ringSize(r));
+      for (unsigned int k = ringStart[r]; k < ringStart[r + 1]; ++k)
+        if (size_t(ring[k]) < moving) out[size_t(ring[k])] += w;
+      if (r < moving) out[r] -= in[r];
+    }
+  };
+  auto componentDot = [](const std::vector<d3>& x, const std::vector<d3>& y) {
+    d3 sum;
+    for (size_t i = 0; i < x.size(); ++i)
+      sum += d3(x[i].x * y[i].x, x[i].y * y[i].y, x[i].z * y[i].z);
+    return sum;
+  };
+  auto ratio = [](const d3& a, const d3& b) {
+    return d3(b.x > 0 ? a.x / b.x : 0, b.y > 0 ? a.y / b.y : 0, b.z > 0 ? a.z / b.z : 0);
+  };
+  auto scaled = [](const d3& v, const d3& k) { return d3(v.x * k.x, v.y * k.y, v.z * k.z); };
+
+  // Conjugate gradients on the normal equations: residual r = -U, gradient g = Bᵀr.
+  std::vector<d3> r(rows), g, dir, q;
+  for (size_t i = 0; i < rows; ++i) r[i] = toD(umbrella(i)) * -1.0;
+  applyBt(r, g);
+  dir = g;
+  d3 gamma = componentDot(g, g);
+  const d3 start = gamma;
+  const unsigned int steps = rounds * CG_STEPS_PER_ROUND;
+  for (unsigned int k = 0; k < steps; ++k) {
+    if (gamma.x <= 1e-14 * start.x && gamma.y <= 1e-14 * start.y && gamma.z <= 1e-14 * start.z)
+      break;
+    applyB(dir, q);
+    const d3 alpha = ratio(gamma, componentDot(q, q));
+    for (size_t i = 0; i < moving; ++i) {
+      const d3 move = scaled(dir[i], alpha);
+      s.movablePosition(global[i]) += p3(float(move.x), float(move.y), float(move.z));
+    }
+    for (size_t i = 0; i < rows; ++i) r[i] -= scaled(q[i], alpha);
+    applyBt(r, g);
+    const d3 next = componentDot(g, g);
+    const d3 beta = ratio(next, gamma);
+    gamma = next;
+    for (size_t i = 0; i < moving; ++i) dir[i] = g[i] + scaled(dir[i], beta);
   }
+  for (unsigned int sweep = 0; sweep < rounds; ++sweep)
+    for (size_t i = 0; i < moving; ++i) {
+      const p3 u = umbrella(i);
+      const p3& n = s.added[size_t(global[i] - base)].nor;
+      s.movablePosition(global[i]) += (u - n * (u * n)) * step;
+    }
 
   // Normals of the moved vertices from the patch's faces, weighted by area.
   for (int v = firstMoving; v < end; ++v) s.added[size_t(v - base)].nor = p3();
