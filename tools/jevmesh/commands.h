@@ -21,6 +21,9 @@ struct command {
   int (*run)(const commandLine& line);
 };
 
+// Commands kept in files of their own.
+command fillHolesCommand();
+
 // Every subcommand, in the order the help lists them.
 const std::vector<command>& allCommands();
 
