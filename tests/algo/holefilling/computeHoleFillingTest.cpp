@@ -9,6 +9,7 @@
 #include "jev3d/algo/holefilling/computeHoleFilling.h"
 #include "jev3d/algo/postprocessing/triMesh.h"
 #include "jev3d/mesh/editMeshInterface.h"
+#include "orientation.h"
 #include "support/dataFiles.h"
 #include "support/meshes.h"
 #include "support/recordingCallBack.h"
@@ -26,17 +27,6 @@ bool fillInto(editMesh& source, editMesh& target, unsigned maxSize = 0,
   const bool ok = computeHoleFilling(from, maxSize, to, triangulateOnly, loops);
   testMeshes::finishMesh(target);
   return ok;
-}
-
-// Every directed side at most once: the faces agree on their orientation.
-bool consistentlyOriented(const editMesh& m) {
-  std::set<std::pair<unsigned, unsigned>> sides;
-  for (unsigned f = 0; f < m.fn(); ++f) {
-    if (m.isFaceDeleted(f)) continue;
-    for (unsigned i = 0; i < m.fVNum(f); ++i)
-      if (!sides.insert({m.fV(f, i), m.fV(f, (i + 1) % m.fVNum(f))}).second) return false;
-  }
-  return true;
 }
 
 // The unit sphere without the faces whose centroid lies above height.

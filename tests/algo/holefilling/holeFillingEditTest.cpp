@@ -5,6 +5,7 @@
 #include <set>
 
 #include "jev3d/algo/holefilling/holeFilling.h"
+#include "orientation.h"
 #include "support/meshes.h"
 
 using namespace JEV::MESH;
@@ -13,16 +14,6 @@ using namespace JEV::MESH::ALGO::HOLEFILLING;
 using testMeshes::p3;
 
 namespace {
-
-bool consistentlyOriented(const editMesh& m) {
-  std::set<std::pair<unsigned, unsigned>> sides;
-  for (unsigned f = 0; f < m.fn(); ++f) {
-    if (m.isFaceDeleted(f)) continue;
-    for (unsigned i = 0; i < m.fVNum(f); ++i)
-      if (!sides.insert({m.fV(f, i), m.fV(f, (i + 1) % m.fVNum(f))}).second) return false;
-  }
-  return true;
-}
 
 // A 6 x 6 grid of quads with a one-cell hole, a two-cell hole and its outer border.
 void holedGrid(editMesh& m) {
