@@ -520,3 +520,22 @@ TEST_F(jevmesh, distanceMeasuresBothWaysAndColoursA) {
 }
 
 }  // namespace
+
+TEST_F(jevmesh, fillHolesClosesTheLoopsUpToTheGivenSize) {
+  JEV::MESH::editMesh m;
+  // A one-cell hole (4 edges), a two-cell hole (6 edges) and the outer border (24).
+  testMeshes::makeGrid(m, 6, 6, true, {{1, 1}, {3, 3}, {4, 3}});
+  const std::string in = writePly(m, "holes.ply"), out = dir.file("filled.ply");
+  runResult r = run("fill-holes " + in + " " + out + " --max-edges 5 --no-fair");
+  ASSERT_EQ(r.status, 0) << r.err;
+  EXPECT_EQ(field(r.out, "holes filled"), "1 of 3");
+  EXPECT_EQ(field(run("info " + out).out, "boundary loops"), "2 (sizes 24, 6)");
+  r = run("fill-holes " + in + " " + out);
+  ASSERT_EQ(r.status, 0) << r.err;
+  EXPECT_EQ(field(r.out, "holes filled"), "3 of 3");
+  const runResult info = run("info " + out);
+  EXPECT_EQ(field(info.out, "boundary loops"), "0");
+  EXPECT_EQ(field(info.out, "non-manifold edges"), "0");
+  EXPECT_EQ(run("fill-holes " + in + " " + out + " --max-edges 2").status, 2);
+  EXPECT_EQ(run("fill-holes " + dir.file("none.ply") + " " + out).status, 1);
+}

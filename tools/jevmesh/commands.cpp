@@ -258,6 +258,7 @@ const std::vector<command>& allCommands() {
        "of fewer than N faces, and vertices no face uses. Polygons become triangles.\n"
        "  --min-faces N       smallest piece kept, in faces (default 1: keep all)\n",
        withWriteOptions({{"--min-faces", 1}}), runClean},
+      fillHolesCommand(),
       {"make", "SHAPE OUT [--segments N]", "Write a generated mesh.",
        "  SHAPE               cube, tetrahedron, octahedron, dodecahedron, sphere, torus,\n"
        "                      cylinder or cone\n"

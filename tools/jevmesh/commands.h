@@ -33,6 +33,8 @@ struct command {
 // Commands defined in files of their own.
 command smoothCommand();
 command snapshotCommand();
+// Commands kept in files of their own.
+command fillHolesCommand();
 
 // Every subcommand, in the order the help lists them.
 const std::vector<command>& allCommands();

@@ -1,0 +1,47 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <vector>
+
+namespace JEV {
+namespace MESH {
+namespace ALGO {
+namespace HOLEFILLING_INTERNAL {
+
+// The edge set of a surface: for each vertex the sorted vertices joined to it by an edge,
+// and the border edges (used by one face side only) in the direction their face walks
+// them. Rows are kept in compressed form; each row is sorted, so walking the rows gives
+// the order of an ordered map from vertex to neighbour set.
+class holeEdgeSet {
+ public:
+  // Faces are given as corner lists: face f has corners[faceStart[f]] up to
+  // corners[faceStart[f + 1]]. Corner ids not below vertexCount and negative ids are
+  // ignored together with the sides that use them.
+  void build(unsigned int vertexCount, const std::vector<int>& corners,
+             const std::vector<unsigned int>& faceStart);
+
+  unsigned int vertexCount() const { return unsigned(rowStart.size()) - 1; }
+  bool hasEdge(int a, int b) const;
+  // Neighbours of v in ascending order.
+  const int* neighbours(int v) const { return row.data() + rowStart[size_t(v)]; }
+  unsigned int neighbourCount(int v) const { return rowStart[size_t(v) + 1] - rowStart[size_t(v)]; }
+
+  // The border loops, each in the direction of its faces. Tracing starts at the lowest
+  // vertex with an unwalked border edge and follows border edges until it returns; a
+  // border that passes a vertex twice (a pinch) is cut there into separate loops, so that
+  // no loop repeats a vertex. A walk that meets a vertex with no border edge left to
+  // leave by writes the tracer's message and fails: false, loops cleared.
+  bool traceLoops(std::vector<std::vector<int>>& loops) const;
+
+ private:
+  std::vector<unsigned int> rowStart;
+  std::vector<int> row;
+  std::vector<unsigned int> borderStart;  // outgoing border edges per vertex
+  std::vector<int> borderTarget;
+};
+
+}  // namespace HOLEFILLING_INTERNAL
+}  // namespace ALGO
+}  // namespace MESH
+}  // namespace JEV

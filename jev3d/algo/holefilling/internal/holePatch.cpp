@@ -1,0 +1,488 @@
+#include "jev3d/algo/holefilling/internal/holePatch.h"
+
+#include <algorithm>
+#include <atomic>
+#include <cassert>
+#include <cmath>
+#include <cstdint>
+#include <unordered_map>
+#include <unordered_set>
+#include <utility>
+
+#include "jev3d/algo/holefilling/internal/holeLoops.h"
+
+namespace JEV {
+namespace MESH {
+namespace ALGO {
+namespace HOLEFILLING_INTERNAL {
+
+using p3 = MATH::point3<float>;
+
+namespace {
+
+// The flip pass's generator, one word for the process: fills on two threads draw from
+// it together, which changes which sides are tried but not the validity of the result.
+std::atomic<uint32_t> flipRandomState{1u};
+
+uint32_t nextFlipRandom() {
+  const uint32_t s = flipRandomState.load(std::memory_order_relaxed) * 1664525u + 1013904223u;
+  flipRandomState.store(s, std::memory_order_relaxed);
+  return s;
+}
+
+p3 unitOr(const p3& v, const p3& fallback) {
+  const float len = v.norm();
+  return len > 0.f ? v * (1.f / len) : fallback;
+}
+
+const p3 UNIT_X(1.f, 0.f, 0.f);
+
+p3 faceNormal(const holeSurface& s, int a, int b, int c) {
+  const p3& pa = s.position(a);
+  return unitOr(p3::cross(s.position(b) - pa, s.position(c) - pa), p3());
+}
+
+float faceQuality(const holeSurface& s, const patchFace& f, float featureSize) {
+  return earQuality(s, f.v[2], f.v[1], f.v[0], featureSize);
+}
+
+uint64_t sideKey(int a, int b) {
+  return uint64_t(uint32_t(std::min(a, b))) << 32 | uint32_t(std::max(a, b));
+}
+
+// Corner of face f at which the side from a to b starts, or -1.
+int cornerOfSide(const patchFace& f, int a, int b) {
+  for (int i = 0; i < 3; ++i)
+    if (f.v[i] == a && f.v[(i + 1) % 3] == b) return i;
+  return -1;
+}
+
+// Points the link of face g across the side from a to b at face to.
+void relink(std::vector<patchFace>& faces, int g, int a, int b, int to) {
+  if (g < 0) return;
+  const int k = cornerOfSide(faces[size_t(g)], a, b);
+  if (k >= 0) faces[size_t(g)].n[k] = to;
+}
+
+// A max-heap of ear candidates. A new entry rises past its parent only when its quality
+// is strictly above the parent's, so ties keep the older entry on top.
+struct earCandidate {
+  int prev, mid, next;
+  float quality;
+};
+
+class earHeap {
+ public:
+  bool empty() const { return items.empty(); }
+  void push(const earCandidate& c) {
+    size_t i = items.size();
+    items.push_back(c);
+    while (i > 0) {
+      const size_t parent = (i - 1) / 2;
+      if (!(items[i].quality > items[parent].quality)) break;
+      std::swap(items[i], items[parent]);
+      i = parent;
+    }
+  }
+  earCandidate pop() {
+    const earCandidate top = items.front();
+    items.front() = items.back();
+    items.pop_back();
+    size_t i = 0;
+    for (;;) {
+      const size_t l = 2 * i + 1, r = l + 1;
+      size_t best = i;
+      if (l < items.size() && items[l].quality > items[best].quality) best = l;
+      if (r < items.size() && items[r].quality > items[best].quality) best = r;
+      if (best == i) break;
+      std::swap(items[i], items[best]);
+      i = best;
+    }
+    return top;
+  }
+  void reserve(size_t n) { items.reserve(n); }
+
+ private:
+  std::vector<earCandidate> items;
+};
+
+// Bending between two faces with unit normals n1, n2: 1 when they are at right angles,
+// 0.5 when flat, growing without bound as they fold onto each other.
+float bendTerm(const p3& n1, const p3& n2) {
+  const float t = std::max(n1 * n2, -0.999f);
+  return 1.f - t / (t + 1.f);
+}
+
+// Conjugate gradient steps of one fairing round.
+constexpr unsigned int CG_STEPS_PER_ROUND = 8;
+
+// Refinement stops growing a patch past this many faces: a feature size far below the
+// hole's extent would otherwise fill memory.
+constexpr size_t MAX_PATCH_FACES = size_t(1) << 24;
+
+}  // namespace
+
+holeSurface::holeSurface(const std::vector<p3>& positions, const std::vector<p3>& normals,
+                         const holeEdgeSet& edgeSet, float featureSize)
+    : pos(positions), nor(normals), edges(edgeSet), feature(featureSize) {}
+
+bool holeSurface::isMeshEdge(int a, int b) const {
+  return a < vertexCount() && b < vertexCount() && edges.hasEdge(a, b);
+}
+
+float earQuality(const holeSurface& s, int prev, int mid, int next, float featureSize,
+                 bool angleOnly) {
+  const int a = prev, b = mid, c = next;
+  if (a == b || b == c || a == c) return EAR_CLOSES_EDGE;
+  const p3 &pa = s.position(a), &pb = s.position(b), &pc = s.position(c);
+  // The normal of the face (c, b, a) that the ear becomes.
+  const p3 n = unitOr(p3::cross(pc - pa, pb - pa), UNIT_X);
+  const float d0 = n * s.normal(a), d1 = n * s.normal(b), d2 = n * s.normal(c);
+  if (d0 < -0.999f || d1 < -0.999f || d2 < -0.999f) return EAR_CLOSES_EDGE;
+  const p3 ab = pb - pa, bc = pc - pb, ca = pa - pc;
+  const float longest = std::max(ab.norm(), std::max(bc.norm(), ca.norm()));
+  // Without a length scale (a surface of no extent) every ear counts as short.
+  const float scale = featureSize > 0.f ? longest / featureSize + 1.f : 1.f;
+  const p3 u = unitOr(ab, UNIT_X), v = unitOr(bc, UNIT_X), w = unitOr(ca, UNIT_X);
+  float angle;
+  if (angleOnly) {
+    angle = u * v + 2.f;
+  } else {
+    const float uv = u * v + 1.f, uw = u * w + 1.f, vw = v * w + 1.f;
+    angle = uv * uv + uw * uw + vw * vw;
+  }
+  const float normals = d0 / (d0 + 1.f) + d1 / (d1 + 1.f) + d2 / (d2 + 1.f);
+  return std::sqrt(scale) * normals - angle * scale;
+}
+
+void triangulateLoop(const holeSurface& s, const std::vector<int>& loop,
+                     std::vector<patchFace>& faces) {
+  const int n = int(loop.size());
+  if (n < 3) return;
+  // Alive corners as a ring of links, so the neighbours of a cut are found at once.
+  const size_t count = size_t(n);
+  std::vector<int> after(count), before(count);
+  std::vector<bool> cut(count, false);
+  for (int i = 0; i < n; ++i) after[size_t(i)] = (i + 1) % n, before[size_t(i)] = (i + n - 1) % n;
+  const float f = s.featureSize();
+  auto candidate = [&](int p, int m, int x, float penalty) {
+    const int vp = loop[size_t(p)], vx = loop[size_t(x)];
+    const float q = s.isMeshEdge(vp, vx) ? penalty : earQuality(s, vp, loop[size_t(m)], vx, f);
+    return earCandidate{p, m, x, q};
+  };
+  earHeap heap;
+  heap.reserve(size_t(3 * n));
+  for (int i = 0; i < n; ++i)
+    heap.push(candidate(before[size_t(i)], i, after[size_t(i)], EAR_CLOSES_EDGE));
+  int alive = n;
+  faces.reserve(faces.size() + size_t(n - 2));
+  while (!heap.empty()) {
+    const earCandidate c = heap.pop();
+    // Stale entries are skipped, not removed. A candidate whose middle is gone always
+    // has a gone neighbour too; the test keeps that from resting on the reasoning.
+    if (cut[size_t(c.prev)] || cut[size_t(c.next)] || cut[size_t(c.mid)]) continue;
+    cut[size_t(c.mid)] = true;
+    faces.push_back(
+        {{loop[size_t(c.next)], loop[size_t(c.mid)], loop[size_t(c.prev)]}, {-1, -1, -1}});
+    after[size_t(c.prev)] = c.next;
+    before[size_t(c.next)] = c.prev;
+    // Finished when the corner after the third is the first again: two corners left.
+    if (--alive <= 2) break;
+    const int nn = after[size_t(c.next)], pp = before[size_t(c.prev)];
+    heap.push(candidate(pp, c.prev, c.next, EAR_CLOSES_EDGE_AGAIN));
+    heap.push(candidate(c.prev, c.next, nn, EAR_CLOSES_EDGE_AGAIN));
+  }
+}
+
+void linkPatch(std::vector<patchFace>& faces) {
+  std::unordered_map<uint64_t, int> sides;
+  sides.reserve(faces.size() * 3);
+  for (size_t t = 0; t < faces.size(); ++t)
+    for (int k = 0; k < 3; ++k) {
+      patchFace& f = faces[t];
+      f.n[k] = -1;
+      const int a = f.v[k], b = f.v[(k + 1) % 3];
+      const auto other = sides.find(uint64_t(uint32_t(b)) << 32 | uint32_t(a));
+      if (other != sides.end() && faces[size_t(other->second / 3)].n[other->second % 3] < 0) {
+        f.n[k] = other->second / 3;
+        faces[size_t(other->second / 3)].n[other->second % 3] = int(t);
+      } else {
+        sides[uint64_t(uint32_t(a)) << 32 | uint32_t(b)] = int(t) * 3 + k;
+      }
+    }
+}
+
+// Each face in turn, the new ones included as they are appended, splits its longest
+// side at the midpoint when that side is at least length long, together with the face
+// across it. A face whose longest side is on the rim stands: the old mesh on the other
+// side would keep the unsplit side and open a crack, and splitting a shorter side in its
+// place can go on for ever along the rim. The face budget (from the patch's area, with a
+// wide margin) stops a pass that the neighbours' splits keep feeding.
+void splitPass(holeSurface& s, std::vector<patchFace>& faces, float length) {
+  if (!(length > 0.f)) return;  // no length scale: splitting would never end
+  double area = 0;
+  for (const patchFace& f : faces)
+    area += 0.5 * double(p3::cross(s.position(f.v[1]) - s.position(f.v[0]),
+                                   s.position(f.v[2]) - s.position(f.v[0]))
+                             .norm());
+  const double smallest = 0.108 * double(length) * double(length);  // equilateral of side L/2
+  const size_t budget =
+      std::min(MAX_PATCH_FACES, faces.size() + size_t(16.0 * area / smallest) + 64);
+  for (size_t t = 0; t < faces.size() && faces.size() < budget; ++t) {
+    int k = -1;
+    float longest = 0.f;
+    for (int i = 0; i < 3; ++i) {
+      const patchFace& f = faces[t];
+      const float len = (s.position(f.v[(i + 1) % 3]) - s.position(f.v[i])).norm();
+      if (len > longest) longest = len, k = i;
+    }
+    if (k < 0 || longest < length || faces[t].n[k] < 0 || faces[t].n[k] == int(t)) continue;
+    const int a = faces[t].v[k], b = faces[t].v[(k + 1) % 3], c = faces[t].v[(k + 2) % 3];
+    const int u = faces[t].n[k];
+    const int j = cornerOfSide(faces[size_t(u)], b, a);
+    if (j < 0) continue;  // a link that no longer matches: leave the side alone
+    const int d = faces[size_t(u)].v[(j + 2) % 3];
+    const int tOut = faces[t].n[(k + 1) % 3];          // across b-c
+    const int uOut = faces[size_t(u)].n[(j + 1) % 3];  // across a-d
+    const int tRest = faces[t].n[(k + 2) % 3], uRest = faces[size_t(u)].n[(j + 2) % 3];
+
+    const int m = s.vertexCount() + int(s.added.size());
+    const p3 mid = (s.position(a) + s.position(b)) * 0.5f;
+    s.added.push_back({mid, unitOr(s.normal(a) + s.normal(b), faceNormal(s, a, b, c))});
+
+    const int t2 = int(faces.size()), u2 = t2 + 1;
+    faces[t] = {{a, m, c}, {u2, t2, tRest}};
+    faces[size_t(u)] = {{b, m, d}, {t2, u2, uRest}};
+    faces.push_back({{m, b, c}, {u, tOut, int(t)}});
+    faces.push_back({{m, a, d}, {int(t), uOut, u}});
+    relink(faces, tOut, c, b, t2);
+    relink(faces, uOut, d, a, u2);
+  }
+}
+
+void flipPass(const holeSurface& s, std::vector<patchFace>& faces, float featureSize) {
+  struct entry {
+    int face, a, b;
+  };
+  std::vector<entry> work;
+  std::unordered_set<uint64_t> sides;
+  sides.reserve(faces.size() * 2);
+  for (size_t t = 0; t < faces.size(); ++t)
+    for (int k = 0; k < 3; ++k) {
+      const patchFace& f = faces[t];
+      sides.insert(sideKey(f.v[k], f.v[(k + 1) % 3]));
+      if (f.n[k] > int(t)) work.push_back({int(t), f.v[k], f.v[(k + 1) % 3]});
+    }
+  // Sides come back to the list only when a flip changes their faces; the budget keeps
+  // a cycle of flips, should the rules allow one, from running forever.
+  size_t budget = 10 * work.size() + 64;
+  while (!work.empty() && budget > 0) {
+    const size_t pick = std::min(
+        work.size() - 1, size_t(double(nextFlipRandom()) * 2.3283064e-10 * double(work.size())));
+    const entry e = work[pick];
+    work[pick] = work.back();
+    work.pop_back();
+    patchFace& t = faces[size_t(e.face)];
+    const int k = cornerOfSide(t, e.a, e.b);
+    if (k < 0 || t.n[k] < 0) continue;
+    const int ui = t.n[k];
+    patchFace& u = faces[size_t(ui)];
+    const int j = cornerOfSide(u, e.b, e.a);
+    if (j < 0) continue;
+    const int a = e.a, b = e.b, c = t.v[(k + 2) % 3], d = u.v[(j + 2) % 3];
+    // The new diagonal must not double a side that exists already.
+    if (c == d || sides.count(sideKey(c, d)) || s.isMeshEdge(c, d)) continue;
+
+    const float before = bendTerm(faceNormal(s, a, b, c), faceNormal(s, b, a, d));
+    const float after = bendTerm(faceNormal(s, a, d, c), faceNormal(s, d, b, c));
+    bool take;
+    if (after > 1.5f * before)
+      take = false;
+    else if (after < 0.5f * before)
+      take = true;
+    else {
+      const patchFace t1{{a, d, c}, {}}, u1{{d, b, c}, {}};
+      take = faceQuality(s, t1, featureSize) + faceQuality(s, u1, featureSize) >
+             faceQuality(s, t, featureSize) + faceQuality(s, u, featureSize);
+    }
+    if (!take) continue;
+    --budget;
+    const int tBC = t.n[(k + 1) % 3], tCA = t.n[(k + 2) % 3];
+    const int uAD = u.n[(j + 1) % 3], uDB = u.n[(j + 2) % 3];
+    t = {{a, d, c}, {uAD, ui, tCA}};
+    u = {{d, b, c}, {uDB, tBC, e.face}};
+    relink(faces, uAD, d, a, e.face);
+    relink(faces, tBC, c, b, ui);
+    sides.erase(sideKey(a, b));
+    sides.insert(sideKey(c, d));
+    if (uAD >= 0) work.push_back({e.face, a, d});
+    if (tCA >= 0) work.push_back({e.face, c, a});
+    if (uDB >= 0) work.push_back({ui, d, b});
+    if (tBC >= 0) work.push_back({ui, b, c});
+  }
+}
+
+// Fairing of the patch's new vertices against the umbrella operator U (mean of the ring
+// minus the vertex). With the exponent 2 (the thin plate) the new positions minimise the
+// sum of |U|² over every vertex of the patch, the rim included, whose rings also hold
+// their neighbours in the old mesh: so the slope of the surface around the hole carries
+// into the patch. With the exponent 1 (the membrane) U is driven to 0 at the new
+// vertices only. Each round is CG_STEPS_PER_ROUND steps of conjugate gradients on that
+// least-squares problem (coordinates solved apart, stopping early once converged), which
+// carries the shape across a patch far faster than local sweeps. Then, rounds times, each new
+// vertex slides by step times the tangential part of its U, which spreads the vertices evenly
+// without bending the surface. Only new vertices from firstNew on move.
+void fairPatch(holeSurface& s, const std::vector<patchFace>& faces, float step, float exponent,
+               unsigned int rounds, int firstNew) {
+  assert(rounds >= 10 && rounds <= 50);
+  const int base = s.vertexCount();
+  const int firstMoving = base + firstNew;
+  const int end = base + int(s.added.size());
+  if (firstMoving >= end) return;
+
+  // Local ids: moving vertices first, in id order, then the old vertices of the patch.
+  // Rings hold local ids; an old vertex's ring also holds its neighbours in the mesh,
+  // which get local ids of their own (with empty rings: the operator is not taken there).
+  const size_t moving = size_t(end - firstMoving);
+  std::unordered_map<int, int> oldLocal;
+  std::vector<int> global;
+  global.reserve(moving);
+  for (int v = firstMoving; v < end; ++v) global.push_back(v);
+  auto localOf = [&](int v) {
+    if (v >= firstMoving) return v - firstMoving;
+    const auto it = oldLocal.emplace(v, int(global.size()));
+    if (it.second) global.push_back(v);
+    return it.first->second;
+  };
+  std::vector<std::pair<int, int>> links;
+  links.reserve(faces.size() * 6);
+  for (const patchFace& f : faces)
+    for (int k = 0; k < 3; ++k) {
+      const int a = localOf(f.v[k]), b = localOf(f.v[(k + 1) % 3]);
+      links.emplace_back(a, b);
+      links.emplace_back(b, a);
+    }
+  const size_t patchVertices = global.size();
+  for (size_t i = moving; i < patchVertices; ++i) {
+    const int v = global[i];
+    for (unsigned int k = 0; k < s.edgeSet().neighbourCount(v); ++k)
+      links.emplace_back(int(i), localOf(s.edgeSet().neighbours(v)[k]));
+  }
+  std::sort(links.begin(), links.end());
+  links.erase(std::unique(links.begin(), links.end()), links.end());
+  std::vector<unsigned int> ringStart(global.size() + 1, 0);
+  for (const auto& l : links) ++ringStart[size_t(l.first) + 1];
+  for (size_t i = 0; i < global.size(); ++i) ringStart[i + 1] += ringStart[i];
+  std::vector<int> ring(links.size());
+  for (size_t i = 0; i < links.size(); ++i) ring[i] = links[i].second;
+
+  auto at = [&](size_t local) -> const p3& { return s.position(global[local]); };
+  auto ringSize = [&](size_t local) { return double(ringStart[local + 1] - ringStart[local]); };
+  // U at a row from the current positions, and the linear part of U in the moving
+  // vertices applied to a direction d over them.
+  const size_t rows = exponent > 1.5f ? patchVertices : moving;
+  auto umbrella = [&](size_t row) {
+    p3 sum;
+    for (unsigned int k = ringStart[row]; k < ringStart[row + 1]; ++k) sum += at(size_t(ring[k]));
+    return sum * float(1.0 / ringSize(row)) - at(row);
+  };
+  using d3 = MATH::point3<double>;
+  auto toD = [](const p3& p) { return d3(p.x, p.y, p.z); };
+  auto applyB = [&](const std::vector<d3>& d, std::vector<d3>& out) {
+    out.assign(rows, d3());
+    for (size_t r = 0; r < rows; ++r) {
+      d3 sum;
+      for (unsigned int k = ringStart[r]; k < ringStart[r + 1]; ++k)
+        if (size_t(ring[k]) < moving) sum += d[size_t(ring[k])];
+      out[r] = sum * (1.0 / ringSize(r));
+      if (r < moving) out[r] -= d[r];
+    }
+  };
+  auto applyBt = [&](const std::vector<d3>& in, std::vector<d3>& out) {
+    out.assign(moving, d3());
+    for (size_t r = 0; r < rows; ++r) {
+      const d3 w = in[r] * (1.0 / ringSize(r));
+      for (unsigned int k = ringStart[r]; k < ringStart[r + 1]; ++k)
+        if (size_t(ring[k]) < moving) out[size_t(ring[k])] += w;
+      if (r < moving) out[r] -= in[r];
+    }
+  };
+  auto componentDot = [](const std::vector<d3>& x, const std::vector<d3>& y) {
+    d3 sum;
+    for (size_t i = 0; i < x.size(); ++i)
+      sum += d3(x[i].x * y[i].x, x[i].y * y[i].y, x[i].z * y[i].z);
+    return sum;
+  };
+  auto ratio = [](const d3& a, const d3& b) {
+    return d3(b.x > 0 ? a.x / b.x : 0, b.y > 0 ? a.y / b.y : 0, b.z > 0 ? a.z / b.z : 0);
+  };
+  auto scaled = [](const d3& v, const d3& k) { return d3(v.x * k.x, v.y * k.y, v.z * k.z); };
+
+  // Conjugate gradients on the normal equations: residual r = -U, gradient g = Bᵀr.
+  std::vector<d3> r(rows), g, dir, q;
+  for (size_t i = 0; i < rows; ++i) r[i] = toD(umbrella(i)) * -1.0;
+  applyBt(r, g);
+  dir = g;
+  d3 gamma = componentDot(g, g);
+  const d3 start = gamma;
+  const unsigned int steps = rounds * CG_STEPS_PER_ROUND;
+  for (unsigned int k = 0; k < steps; ++k) {
+    if (gamma.x <= 1e-14 * start.x && gamma.y <= 1e-14 * start.y && gamma.z <= 1e-14 * start.z)
+      break;
+    applyB(dir, q);
+    const d3 alpha = ratio(gamma, componentDot(q, q));
+    for (size_t i = 0; i < moving; ++i) {
+      const d3 move = scaled(dir[i], alpha);
+      s.movablePosition(global[i]) += p3(float(move.x), float(move.y), float(move.z));
+    }
+    for (size_t i = 0; i < rows; ++i) r[i] -= scaled(q[i], alpha);
+    applyBt(r, g);
+    const d3 next = componentDot(g, g);
+    const d3 beta = ratio(next, gamma);
+    gamma = next;
+    for (size_t i = 0; i < moving; ++i) dir[i] = g[i] + scaled(dir[i], beta);
+  }
+  for (unsigned int sweep = 0; sweep < rounds; ++sweep)
+    for (size_t i = 0; i < moving; ++i) {
+      const p3 u = umbrella(i);
+      const p3& n = s.added[size_t(global[i] - base)].nor;
+      s.movablePosition(global[i]) += (u - n * (u * n)) * step;
+    }
+
+  // Normals of the moved vertices from the patch's faces, weighted by area.
+  for (int v = firstMoving; v < end; ++v) s.added[size_t(v - base)].nor = p3();
+  for (const patchFace& f : faces) {
+    const p3& pa = s.position(f.v[0]);
+    const p3 n = p3::cross(s.position(f.v[1]) - pa, s.position(f.v[2]) - pa);
+    for (int v : f.v)
+      if (v >= firstMoving) s.added[size_t(v - base)].nor += n;
+  }
+  for (int v = firstMoving; v < end; ++v) {
+    p3& n = s.added[size_t(v - base)].nor;
+    n = unitOr(n, n);
+  }
+}
+
+void improvePatch(holeSurface& s, std::vector<patchFace>& faces) {
+  const int firstNew = int(s.added.size());
+  const float f = s.featureSize();
+  linkPatch(faces);
+  flipPass(s, faces, f);
+  const double m = double(faces.size());
+  int passes = m > 0 ? int(std::ceil(2.0 * std::log(m) * 1.4426950408889634 - 3.0)) : 0;
+  passes = std::min(passes, 4);
+  for (int p = 0; p < passes; ++p) {
+    splitPass(s, faces, 2.f * f);
+    flipPass(s, faces, f);
+    fairPatch(s, faces, 0.2f, 2.0f, 10, firstNew);
+  }
+  splitPass(s, faces, 1.5f * f);
+  splitPass(s, faces, f);
+  flipPass(s, faces, f);
+  fairPatch(s, faces, 0.2f, 2.0f, 50, firstNew);
+}
+
+}  // namespace HOLEFILLING_INTERNAL
+}  // namespace ALGO
+}  // namespace MESH
+}  // namespace JEV

@@ -1,0 +1,264 @@
+// The general fill through the neutral mesh interface, on generated meshes and the
+// shared bunny scan.
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <cstring>
+#include <set>
+
+#include "jev3d/algo/holefilling/computeHoleFilling.h"
+#include "jev3d/algo/postprocessing/triMesh.h"
+#include "jev3d/mesh/editMeshInterface.h"
+#include "orientation.h"
+#include "support/dataFiles.h"
+#include "support/meshes.h"
+#include "support/recordingCallBack.h"
+
+using namespace JEV::MESH;
+using namespace JEV::MESH::ALGO;
+using testMeshes::p3;
+
+namespace {
+
+// Fills source into a fresh editable mesh and rebuilds its edges, VE and normals.
+bool fillInto(editMesh& source, editMesh& target, unsigned maxSize = 0,
+              bool triangulateOnly = false, const std::vector<std::vector<unsigned>>& loops = {}) {
+  editMeshInterface from(source), to(target);
+  const bool ok = computeHoleFilling(from, maxSize, to, triangulateOnly, loops);
+  testMeshes::finishMesh(target);
+  return ok;
+}
+
+// The unit sphere without the faces whose centroid lies above height.
+void cappedSphere(editMesh& out, float height, unsigned rings = 24, unsigned segments = 48) {
+  editMesh sphere;
+  testMeshes::makeSphere(sphere, rings, segments);
+  sphere.triangulate();
+  std::vector<unsigned> keep;
+  for (unsigned f = 0; f < sphere.fn(); ++f) {
+    p3 c;
+    for (unsigned i = 0; i < 3; ++i) c += sphere.vPos(sphere.fV(f, i));
+    if (c.z / 3.f <= height) keep.push_back(f);
+  }
+  sphere.subset(&out, keep);
+}
+
+double rimMeanEdge(const editMesh& m) {
+  double sum = 0;
+  unsigned n = 0;
+  for (unsigned e = 0; e < m.en(); ++e)
+    if (m.isEdgeBorder(e)) sum += (m.vPos(m.eV(e, 0)) - m.vPos(m.eV(e, 1))).norm(), ++n;
+  return n ? sum / n : 0;
+}
+
+}  // namespace
+
+TEST(HoleFilling, AClosedMeshHasNoLoopsAndComesBackAsItWas) {
+  editMesh closed;
+  testMeshes::makeSphere(closed, 8, 12);
+  closed.triangulate();
+  testMeshes::finishMesh(closed);
+  editMeshInterface in(closed);
+  std::vector<unsigned> sizes{7};
+  EXPECT_TRUE(computeHoleFillingFindHoleDimension(in, sizes));
+  EXPECT_TRUE(sizes.empty());
+  editMesh out;
+  ASSERT_TRUE(fillInto(closed, out));
+  ASSERT_EQ(out.vn(), closed.vn());
+  ASSERT_EQ(out.fn(), closed.fn());
+  for (unsigned v = 0; v < out.vn(); ++v) EXPECT_EQ(out.vPos(v), closed.vPos(v));
+  for (unsigned f = 0; f < out.fn(); ++f)
+    for (unsigned i = 0; i < 3; ++i) EXPECT_EQ(out.fV(f, i), closed.fV(f, i));
+}
+
+TEST(HoleFilling, SizesAreSortedAndMaxSizeLeavesLongerLoopsOpen) {
+  editMesh grid;
+  // Holes of 4 and 8 corners (one cell, two cells), and the outer border of 24.
+  testMeshes::makeGrid(grid, 6, 6, true, {{1, 1}, {3, 3}, {4, 3}});
+  testMeshes::finishMesh(grid);
+  editMeshInterface in(grid);
+  std::vector<unsigned> sizes;
+  ASSERT_TRUE(computeHoleFillingFindHoleDimension(in, sizes));
+  EXPECT_EQ(sizes, (std::vector<unsigned>{4, 6, 24}));
+
+  editMesh some;
+  ASSERT_TRUE(fillInto(grid, some, 6));
+  EXPECT_EQ(some.checkInvariants(), "");
+  editMeshInterface filled(some);
+  ASSERT_TRUE(computeHoleFillingFindHoleDimension(filled, sizes));
+  EXPECT_EQ(sizes, (std::vector<unsigned>{24}));
+
+  editMesh all;
+  recordingCallBack progress;
+  editMeshInterface from(grid), to(all);
+  ASSERT_TRUE(computeHoleFilling(from, 0, to, true, &progress));
+  EXPECT_EQ(progress.values.front(), 0.f);
+  EXPECT_EQ(progress.values.back(), 100.f);
+  testMeshes::finishMesh(all);
+  EXPECT_EQ(testMeshes::borderEdges(all), 0u);
+  EXPECT_TRUE(consistentlyOriented(all));
+}
+
+TEST(HoleFilling, AMaskRestrictsTheLoopsAndNamesTheirEnds) {
+  editMesh grid;
+  testMeshes::makeGrid(grid, 4, 4, true, {{1, 1}});
+  testMeshes::finishMesh(grid);
+  editMeshInterface in(grid);
+  std::vector<std::vector<unsigned>> loops;
+  std::vector<std::pair<unsigned, unsigned>> ends;
+  ASSERT_TRUE(
+      computeHoleFillingFindHole(in, std::vector<unsigned char>(grid.vn(), 0), loops, ends));
+  ASSERT_EQ(loops.size(), 2u);
+  EXPECT_TRUE(ends.empty());
+  // Masking vertex (1, 1) of the hole drops it from that loop only.
+  std::vector<unsigned char> mask(grid.vn(), 0);
+  mask[1 * 5 + 1] = 1;
+  ASSERT_TRUE(computeHoleFillingFindHole(in, mask, loops, ends));
+  ASSERT_EQ(ends.size(), 2u);
+  size_t hole = loops[0].size() == 16 ? 1 : 0;
+  EXPECT_EQ(loops[hole].size(), 3u);
+  EXPECT_EQ(ends[hole].second, 6u);
+  EXPECT_EQ(ends[1 - hole], std::make_pair(0u, 0u));
+}
+
+TEST(HoleFilling, ATriangleHoleBecomesOneFace) {
+  editMesh m;
+  testMeshes::makeGrid(m, 3, 3, false);
+  // Drop one triangle of the middle cell, away from the outer border.
+  editMesh holed;
+  std::vector<unsigned> keep;
+  for (unsigned f = 0; f < m.fn(); ++f)
+    if (f != 8) keep.push_back(f);
+  m.subset(&holed, keep);
+  editMesh out;
+  ASSERT_TRUE(fillInto(holed, out, 3));
+  EXPECT_EQ(out.fn(), holed.fn() + 1);
+  EXPECT_EQ(out.vn(), holed.vn());
+  EXPECT_EQ(out.checkInvariants(), "");
+  EXPECT_TRUE(consistentlyOriented(out));
+}
+
+TEST(HoleFilling, ASphereWithItsCapCutAwayIsFilledBackCloseToTheSphere) {
+  editMesh capped;
+  cappedSphere(capped, 0.75f);
+  const double rim = rimMeanEdge(capped);
+  editMesh out;
+  ASSERT_TRUE(fillInto(capped, out));
+  EXPECT_EQ(out.checkInvariants(), "");
+  EXPECT_EQ(testMeshes::borderEdges(out), 0u);
+  EXPECT_TRUE(consistentlyOriented(out));
+  ASSERT_GT(out.vn(), capped.vn() + 10);
+  // The rim stays bit for bit.
+  for (unsigned v = 0; v < capped.vn(); ++v)
+    EXPECT_EQ(std::memcmp(&out.vPos(v), &capped.vPos(v), sizeof(p3)), 0);
+  // The cap reaches up to z = 1; a flat lid would sag by 0.25 at the pole. The fairing
+  // bends the patch up along the slope of the rim.
+  double worst = 0, mean = 0;
+  for (unsigned v = capped.vn(); v < out.vn(); ++v) {
+    const double d = std::fabs(double(out.vPos(v).norm()) - 1.0);
+    worst = std::max(worst, d);
+    mean += d / (out.vn() - capped.vn());
+  }
+  EXPECT_LT(worst, 0.15);
+  EXPECT_LT(mean, 0.06);
+  // New sides near the rim's length: refinement splits sides down to the feature size,
+  // so they end between half of it and the whole.
+  double sum = 0;
+  unsigned n = 0;
+  for (unsigned e = 0; e < out.en(); ++e) {
+    if (out.eV(e, 0) < capped.vn() && out.eV(e, 1) < capped.vn()) continue;
+    const double len = (out.vPos(out.eV(e, 0)) - out.vPos(out.eV(e, 1))).norm();
+    EXPECT_GT(len, 0.15 * rim);
+    EXPECT_LT(len, 1.5 * rim);
+    sum += len, ++n;
+  }
+  EXPECT_GT(sum / n, 0.45 * rim);
+  EXPECT_LT(sum / n, 1.1 * rim);
+}
+
+TEST(HoleFilling, TwoLoopsThroughOneVertexAndARimTouchingItselfCloseCleanly) {
+  // Two holes sharing the grid vertex (2, 2).
+  editMesh pinched;
+  testMeshes::makeGrid(pinched, 4, 4, false, {{1, 1}, {2, 2}});
+  testMeshes::finishMesh(pinched);
+  // A ring of holes round cell (2, 2) except its corner (1, 1): the hole's rim comes back
+  // to vertex (2, 2), which holds cell (2, 2) on to the rest.
+  editMesh touching;
+  testMeshes::makeGrid(touching, 5, 5, false,
+                       {{2, 1}, {3, 1}, {3, 2}, {3, 3}, {2, 3}, {1, 3}, {1, 2}});
+  testMeshes::finishMesh(touching);
+  for (editMesh* m : {&pinched, &touching}) {
+    for (bool triangulateOnly : {true, false}) {
+      editMesh out;
+      ASSERT_TRUE(fillInto(*m, out, 0, triangulateOnly));
+      EXPECT_EQ(out.checkInvariants(), "");
+      EXPECT_TRUE(consistentlyOriented(out));
+      // Every loop closes, the grid's outer border too.
+      EXPECT_EQ(testMeshes::borderEdges(out), 0u);
+    }
+  }
+}
+
+TEST(HoleFilling, FacesWoundAgainstEachOtherOnTheBorderFailWithTheTargetUntouched) {
+  editMesh bad;
+  for (int i = 0; i < 4; ++i) bad.addVertex(float(i & 1), float(i >> 1), 0.f);
+  bad.addTriFace(0, 1, 3);
+  bad.addTriFace(0, 2, 3);
+  testMeshes::finishMesh(bad);
+  editMesh target;
+  testMeshes::makeCube(target);
+  testMeshes::finishMesh(target);
+  editMeshInterface from(bad), to(target);
+  testing::internal::CaptureStdout();
+  EXPECT_FALSE(computeHoleFilling(from, 0, to, false));
+  EXPECT_FALSE(computeTessellateHole(from, to));
+  std::vector<unsigned> sizes;
+  EXPECT_FALSE(computeHoleFillingFindHoleDimension(from, sizes));
+  testing::internal::GetCapturedStdout();
+  EXPECT_EQ(target.vn(), 8u);
+  EXPECT_EQ(target.fn(), 6u);
+}
+
+TEST(HoleFilling, TheBunnysHolesCloseOneByOneIntoAnOrientedMeshWithoutBorder) {
+  JEV3D_REQUIRE_DATA("ply/stanford_bun_zipper.ply");
+  POSTPROCESSING::triMesh bunny;
+  ASSERT_TRUE(bunny.readPlyFromFile(dataFile("ply/stanford_bun_zipper.ply")));
+  editMesh mesh;
+  editMeshInterface meshIn(mesh);
+  bunny.copyTo(meshIn);
+  testMeshes::finishMesh(mesh);
+  ASSERT_EQ(mesh.checkInvariants(), "");
+  std::vector<std::vector<unsigned>> loops;
+  std::vector<std::pair<unsigned, unsigned>> ends;
+  ASSERT_TRUE(computeHoleFillingFindHole(meshIn, {}, loops, ends));
+  ASSERT_GE(loops.size(), 5u);
+  const unsigned oldVertices = mesh.vn();
+  std::vector<p3> rim;
+  for (unsigned v = 0; v < oldVertices; ++v) rim.push_back(mesh.vPos(v));
+  // One loop at a time; ids of old vertices stay, so the traced loops stay valid.
+  for (const auto& loop : loops) {
+    editMesh next;
+    ASSERT_TRUE(fillInto(mesh, next, 0, false, {loop}));
+    ASSERT_EQ(next.checkInvariants(), "");
+    ASSERT_TRUE(consistentlyOriented(next));
+    mesh = next;
+  }
+  EXPECT_EQ(testMeshes::borderEdges(mesh), 0u);
+  for (unsigned v = 0; v < oldVertices; ++v)
+    EXPECT_EQ(std::memcmp(&mesh.vPos(v), &rim[v], sizeof(p3)), 0);
+  editMeshInterface closed(mesh);
+  std::vector<unsigned> sizes;
+  ASSERT_TRUE(computeHoleFillingFindHoleDimension(closed, sizes));
+  EXPECT_TRUE(sizes.empty());
+}
+
+TEST(HoleFilling, TheFilterPeelsTheBorderAndFillsTheHolesInRange) {
+  editMesh capped;
+  cappedSphere(capped, 0.75f, 16, 32);
+  editMeshInterface in(capped);
+  computeHoleFillingFilter(in, 3, 1000, 1);
+  testMeshes::finishMesh(capped);
+  EXPECT_EQ(capped.checkInvariants(), "");
+  EXPECT_EQ(testMeshes::borderEdges(capped), 0u);
+  EXPECT_TRUE(consistentlyOriented(capped));
+}
