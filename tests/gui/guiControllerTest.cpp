@@ -403,6 +403,24 @@ TEST_F(guiControllerTest, theTooltipWaitsForItsTimerAndFollowsTheHoveredWidget) 
   });
 }
 
+TEST_F(guiControllerTest, withoutATooltipWidgetHoveringIsHarmless) {
+  run([&] {
+    gui->update();
+    ASSERT_TRUE(gui->eraseNow(gui->getToolTip()));
+    EXPECT_EQ(gui->getToolTip(), nullptr);
+    panel* a = addPanelAt(L"a", 10, 10);
+    a->setToolTip(L"tip");
+    moveTo(20, 20);
+    gui->update();
+    gui->showToolTip();
+    EXPECT_FALSE(gui->showToolTipNowFlag.cV()) << "nothing to show";
+    gui->render();
+    moveTo(300, 200);
+    gui->update();
+    EXPECT_EQ(gui->getHoverToolTipWidget(), nullptr);
+  });
+}
+
 TEST_F(guiControllerTest, theTooltipTimerShowsItAfterItsPeriod) {
   run([&] {
     gui->update();
