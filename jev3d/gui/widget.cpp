@@ -703,15 +703,17 @@ void widget::setCaption(int v, unsigned short radix, bool now) {
 
 void widget::setCaption(int v, bool now) { setCaption(v, 10, now); }
 
-void widget::setCaption(float v, bool now) {
-  if (valueType == WVT_INTEGER) {
-    setCaption(int(std::lround(v)), now);
-    return;
+std::wstring widget::formatValue(float v) const {
+  // Integer widgets show whole numbers; others the shortest form of the float.
+  if (valueType == WVT_INTEGER && std::isfinite(v)) {
+    return formatInRadix(int(std::clamp(std::round(double(v)), -2147483648.0, 2147483647.0)), 10);
   }
   wchar_t text[64];
   std::swprintf(text, 64, L"%g", double(v));
-  setCaption(std::wstring(text), now);
+  return text;
 }
+
+void widget::setCaption(float v, bool now) { setCaption(formatValue(v), now); }
 
 void widget::setCaption(const std::wstring& text, bool now) {
   caption = text;
@@ -731,11 +733,7 @@ void widget::setCaptionAutosize(int v, unsigned short radix, bool now) {
 
 void widget::setCaptionAutosize(int v, bool now) { setCaptionAutosize(v, 10, now); }
 
-void widget::setCaptionAutosize(float v, bool now) {
-  setCaption(v, now);
-  autosizeCaption = caption;
-  autosizePending = true;
-}
+void widget::setCaptionAutosize(float v, bool now) { setCaptionAutosize(formatValue(v), now); }
 
 void widget::setCaptionAutosize(const std::wstring& text, bool now) {
   setCaption(text, now);
@@ -791,10 +789,12 @@ void widget::renderText(RENDERING::renderingContext* rc) {
   int x = r[0];
   if (font.horizontalAlignment == TEXT_RIGHT) x = r[0] + r[2] - w;
   if (font.horizontalAlignment == TEXT_HCENTER) x = r[0] + (r[2] - w) / 2;
-  // The renderer places the baseline; the box's height stands for the ascent.
+  // The box's bottom, then the baseline above it: the renderer places text by its
+  // baseline, and descenders take about a fifth of a line in the faces we ship.
   int y = r[1] + r[3] - h;
   if (font.verticalAlignment == TEXT_BOTTOM) y = r[1];
   if (font.verticalAlignment == TEXT_VCENTER) y = r[1] + (r[3] - h) / 2;
+  y += h / 5;
   textPosition = point3f(float(x) + textOffset.x, float(y) + textOffset.y, position.z);
   target->renderText(font.font, font.text, int(textPosition.x), int(textPosition.y),
                      currentTextColor);
@@ -825,6 +825,18 @@ widget* widget::attached(widget* parent) {
 }
 
 void widget::disconnect(widget*) {}
+
+void widget::setPopUpMenu(const std::wstring& menuId, bool atCorner) {
+  popUpMenuName = menuId;
+  stateFlags.setFlag(WF_POPUP_AT_CORNER, atCorner);
+}
+
+const std::wstring& widget::getPopUpMenu() const { return popUpMenuName; }
+
+void widget::removePopUpMenu() {
+  popUpMenuName.clear();
+  stateFlags.clearFlag(WF_POPUP_AT_CORNER);
+}
 
 void widget::close() { visible = false; }
 

@@ -221,6 +221,11 @@ class widget : public SYSTEM::linkerBase<SYSTEM::dummyLinkerType> {
   using linker::disconnect;
   // Runs the uploads the state bits ask for; subclasses draw after it.
   virtual void render(RENDERING::renderingContext* rc);
+  // The popup menu by its widget id; with `atCorner` it opens at the widget's corner
+  // instead of at the mouse (bit 10). The menus themselves are the controller's.
+  virtual void setPopUpMenu(const std::wstring& menuId, bool atCorner);
+  virtual const std::wstring& getPopUpMenu() const;
+  virtual void removePopUpMenu();
   // Absolute position: the sum of the positions up to the root.
   virtual point3f getAbsolutePos() const;
   // Hides the widget.
@@ -373,6 +378,8 @@ class widget : public SYSTEM::linkerBase<SYSTEM::dummyLinkerType> {
   virtual void afterChildrenUpdate(RENDERING::renderingContext* rc, SYSTEM::updateContext* uc);
   // colorNormal, colorHighlighted, colorDisabled, colorDown by table index.
   CORE::color* stateColor(int index);
+  // The caption of a number by valueType.
+  std::wstring formatValue(float v) const;
   // The common end of the connect forms.
   widget* attached(widget* parent);
   void setClassIds(WIDGET_CLASS cls, WIDGET_CLASS_COLOR colorCls);

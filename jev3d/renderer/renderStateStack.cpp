@@ -133,6 +133,7 @@ bool renderStateStack::applySize(viewportstate& viewport) {
 }
 
 bool renderStateStack::beginTarget(INSTANCING::renderTargetInstance& target, bool clearTarget) {
+  target.cacheResource(device);
   if (!device->beginScene(target)) return false;
   return !clearTarget || device->clear(target);
 }

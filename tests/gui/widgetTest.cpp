@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "jev3d/gui/font.h"
 #include "jev3d/gui/guiColorTable.h"
 #include "jev3d/gui/label.h"
 #include "jev3d/gui/panel.h"
@@ -520,6 +521,12 @@ TEST_F(guiFixture, captionsFormatParseAndDrawInTheirRectangle) {
   EXPECT_EQ(w.getCaption(), L"2.5");
   EXPECT_EQ(w.getCaption2Int(0), 2);
   EXPECT_DOUBLE_EQ(w.getCaption2Double(0, 0), 3.0);
+  w.valueType = WVT_INTEGER;
+  w.setCaption(2.5f, true);
+  EXPECT_EQ(w.getCaption(), L"3");
+  w.setCaption(1e30f, true);
+  EXPECT_EQ(w.getCaption(), L"2147483647");
+  w.valueType = WVT_FLOAT;
   w.setCaption(std::wstring(L"3.14159"), true);
   EXPECT_DOUBLE_EQ(w.getCaption2Double(0, 2), 3.14);
   w.setCaption(std::wstring(L"12abc"), true);
@@ -533,15 +540,26 @@ TEST_F(guiFixture, captionsFormatParseAndDrawInTheirRectangle) {
   l.setCaption(std::wstring(L"abc"), true);
   frame(l);
   EXPECT_TRUE(device.only("renderText").empty());  // no font yet
-  l.getFontInstance().font = reinterpret_cast<GUI::font*>(&device);
+  GUI::font sans(L"DejaVuSans", 16);
+  l.getFontInstance().font = &sans;
   frame(l);
-  // 24 x 16 box in the 90 x 30 rectangle at (105, 105).
-  EXPECT_EQ(device.only("renderText"), strings({"renderText 3 138 112 0,0,0,255"}));
+  // 24 x 16 box in the 90 x 30 rectangle at (105, 105): bottom 112, baseline 3 above.
+  EXPECT_EQ(device.only("renderText"), strings({"renderText 3 138 115 0,0,0,255"}));
   // Autosize: the text box plus the margins.
   l.setCaptionAutosize(std::wstring(L"abcdef"), true);
   frame(l);
   EXPECT_EQ(l.getWidth(), 48 + 10);
   EXPECT_EQ(l.getHeight(), 16 + 10);
+}
+
+TEST(widgetTree, popUpMenuNameAndCornerBit) {
+  widget w(L"w", nullptr, nullptr);
+  w.setPopUpMenu(L"menuFile", true);
+  EXPECT_EQ(w.getPopUpMenu(), L"menuFile");
+  EXPECT_TRUE(w.getFlags().isFlagSet(WF_POPUP_AT_CORNER));
+  w.removePopUpMenu();
+  EXPECT_EQ(w.getPopUpMenu(), L"");
+  EXPECT_FALSE(w.getFlags().isFlagSet(WF_POPUP_AT_CORNER));
 }
 
 TEST(widgetIcons, iconsMapToTheirResourceIds) {

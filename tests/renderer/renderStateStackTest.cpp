@@ -16,6 +16,8 @@
 #include "jev3d/renderer/renderstate/scissorstate.h"
 #include "jev3d/renderer/renderstate/viewportstate.h"
 #include "jev3d/renderer/renderstate/zbufferstate.h"
+#include "jev3d/scene/sgController.h"
+#include "jev3d/system/delegate.h"
 #include "support/recordingRenderer.h"
 
 using namespace JEV::RENDERING;
@@ -119,6 +121,28 @@ TEST_F(stackFixture, statesNestAndRestoreAcrossThreeLevels) {
   EXPECT_EQ(stack.getDepth(alphastate::ALPHA_STATE), 1);
   EXPECT_EQ(stack.getDepth(alphastate::BLEND_STATE), 1);
   EXPECT_EQ(device.getCurrentAlphaState().function, alphastate::ALPHA_ALWAYS);
+}
+
+TEST_F(stackFixture, aStateErasedWhileItsSubtreeIsDrawnComesOffWithoutBeingApplied) {
+  JEV::SG::sgController scene(nullptr);
+  auto* outer = static_cast<alphastate*>(
+      scene.addNode(new alphastate(true, alphastate::ALPHA_GREATER, 0.5f), "outer"));
+  auto* inner = static_cast<alphastate*>(
+      scene.addNode(new alphastate(true, alphastate::ALPHA_LESS, 0.25f), "inner"));
+  ASSERT_TRUE(outer && inner);
+  probeNode leaf(device);
+  inner->connect(outer, false);
+  leaf.connect(inner, false);
+  struct eraser {
+    JEV::SG::sgController& scene;
+    void onRender(renderingContext*) { scene.erase("inner"); }
+  } erase{scene};
+  leaf.renderDelegate = JEV::SYSTEM::makeDelegate(&erase, &eraser::onRender);
+  outer->render(&rc);
+  EXPECT_EQ(device.calls, (strings{"setAlphaState 1 4 0.5", "setAlphaState 1 1 0.25", "probe 1",
+                                   "setAlphaState 0 7 0"}))
+      << "the erased state is taken off without an apply; the outer one restores the bottom";
+  EXPECT_EQ(stack.getDepth(alphastate::ALPHA_STATE), 1);
 }
 
 TEST_F(stackFixture, aRepeatedStateReachesTheRendererEveryTimeAndTheDeviceOnce) {

@@ -198,5 +198,30 @@ TEST(defaultTextures, aDamagedArchiveFailsAndAddsNothing) {
     EXPECT_EQ(s.getEntryCount(), 0) << i;
   }
   CORE::textureStorage s(nullptr);
+  testing::internal::CaptureStderr();
   EXPECT_FALSE(s.loadDefaultTexture(nullptr, 100));
+  EXPECT_FALSE(testing::internal::GetCapturedStderr().empty());
+}
+
+TEST(defaultTextures, anyDamagedByteEitherFailsCleanlyOrLoadsEveryPicture) {
+  const std::vector<unsigned char> whole = embeddedArchive();
+  // Every 61st byte, and the last 100 (the central directory's end), each in turn.
+  std::vector<size_t> positions;
+  for (size_t at = 0; at < whole.size(); at += 61) positions.push_back(at);
+  for (size_t at = whole.size() > 100 ? whole.size() - 100 : 0; at < whole.size(); ++at) {
+    positions.push_back(at);
+  }
+  int failed = 0;
+  for (size_t at : positions) {
+    std::vector<unsigned char> damaged = whole;
+    damaged[at] ^= 0xA5;
+    CORE::textureStorage s(nullptr);
+    testing::internal::CaptureStderr();
+    const bool loaded = s.loadDefaultTexture(damaged.data(), damaged.size());
+    testing::internal::GetCapturedStderr();
+    EXPECT_EQ(s.getEntryCount(), loaded ? int(expectedPictures().size()) + 1 : 0) << at;
+    failed += loaded ? 0 : 1;
+  }
+  // Most bytes are compressed picture data guarded by a CRC.
+  EXPECT_GT(failed, int(positions.size()) / 2);
 }

@@ -7,6 +7,8 @@
 
 namespace JEV {
 namespace RENDERING {
+class renderTarget;
+class renderer;
 namespace INSTANCING {
 
 // Where a subtree draws (stack slot 79): the window, or a target of its own. It brings
@@ -17,8 +19,13 @@ class renderTargetInstance : public RENDERSTATE::renderstate {
   renderTargetInstance() = default;
   void render(renderingContext* rc) override;
 
-  // The window is the target of an instance that holds no target resource.
-  bool isWindowTarget() const { return true; }
+  // The window is the target of an instance that holds no target.
+  bool isWindowTarget() const { return target == nullptr; }
+  renderTarget* getTarget() const { return target; }
+  // Draws into `value` from now on, or into the window for null. Not owned.
+  void setTarget(renderTarget* value) { target = value; }
+  // Puts an off-screen target on the device unless it is there; true for the window.
+  bool cacheResource(renderer* device);
 
   RENDERSTATE::scissorstate scissor;
   RENDERSTATE::viewportstate viewport;
@@ -26,6 +33,9 @@ class renderTargetInstance : public RENDERSTATE::renderstate {
   SYSTEM::fieldBase<bool> clearColorBuffer{true};
   SYSTEM::fieldBase<bool> clearDepthBuffer{true};
   SYSTEM::fieldBase<bool> clearStencilBuffer{false};
+
+ private:
+  renderTarget* target = nullptr;
 };
 
 }  // namespace INSTANCING

@@ -108,8 +108,10 @@ bool renderGL::readPixels(int x, int y, int w, int h, PIXELDATA_TYPE format, DAT
   }
   if (!makeCurrentContext(false)) return false;
   // The frame being drawn: front-buffer reads come back black on software rasterisers
-  // under X, and a swap may leave the back buffer undefined, so read before swapping.
-  glReadBuffer(GL_BACK);
+  // under X, and a swap may leave the back buffer undefined, so read before swapping. An
+  // off-screen target reads from its colour texture.
+  const bool offScreen = current.renderTarget && !current.renderTarget->isWindowTarget();
+  glReadBuffer(offScreen ? GL_COLOR_ATTACHMENT0 : GL_BACK);
   glPixelStorei(GL_PACK_ALIGNMENT, 1);
   glReadPixels(x, y, w, h, pixelFormats[format], dataTypes[type], data);
   return true;
@@ -201,6 +203,7 @@ bool renderGL::emptyDiscardList() {
   textureDiscardLock.wait(SYSTEM::INFINITE);
   for (unsigned n : textureDiscardList) {
     if (glIsTexture(n)) glDeleteTextures(1, &n);
+    unbookTexture(n);
   }
   textureDiscardList.clear();
   textureDiscardLock.release();

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <cstdint>
+#include <map>
 #include <string>
 #include <vector>
 
@@ -167,6 +169,10 @@ class renderGL : public renderer {
   bool loadMatrices();
   // Sends every state once, so that GL and the device copies agree.
   void sendDefaultStates();
+  // Texture memory is booked by name, so that names deleted through the discard list are
+  // taken off too.
+  void bookTexture(unsigned name, uint32_t bytes);
+  void unbookTexture(unsigned name);
   bool uploadIndices(indexBuffer* buffer, const void* indices, uint32_t bytes, unsigned count);
   bool isCachedStream(const vertexBuffer& buffer, unsigned stream) const;
   // Whether a state goes to GL: when it differs from the copy, or while all are sent.
@@ -191,6 +197,7 @@ class renderGL : public renderer {
   std::vector<unsigned> fontDiscardList;
   deviceStateCopies current;
   bool sendAll = false;
+  std::map<unsigned, uint32_t> textureBooking;
   MATH::point4<float> frustumPlanes[6];
   // Colour material has written into GL's material since the copy was last sent.
   bool materialTracked = false;

@@ -4,6 +4,7 @@
 
 #include "jev3d/renderer/instancing/renderTargetInstance.h"
 #include "jev3d/renderer/instancing/textureInstance.h"
+#include "jev3d/renderer/renderTarget.h"
 #include "jev3d/renderer/rendergl/renderGL.h"
 #include "jev3d/resources/texture.h"
 
@@ -425,7 +426,10 @@ MATH::point4<float> renderGL::getFrustumPlane(int index) const {
 bool renderGL::beginScene(INSTANCING::renderTargetInstance& target) {
   current.renderTarget = &target;
   if (!makeCurrentContext(false)) return false;
-  if (target.isWindowTarget() && glBindFramebuffer) glBindFramebuffer(GL_FRAMEBUFFER, 0);
+  if (glBindFramebuffer) {
+    glBindFramebuffer(GL_FRAMEBUFFER,
+                      target.isWindowTarget() ? 0 : target.getTarget()->getFramebuffer());
+  }
   setScissorState(target.scissor);
   setViewportState(target.viewport);
   return true;

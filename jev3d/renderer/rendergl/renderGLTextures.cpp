@@ -1,5 +1,6 @@
 #include <GL/glew.h>
 
+#include "jev3d/renderer/renderTarget.h"
 #include "jev3d/renderer/rendergl/renderGL.h"
 #include "jev3d/resources/texture.h"
 
@@ -56,19 +57,30 @@ bool renderGL::cacheTexture(TEXTURE::texture* t) {
   glTexParameterf(GL_TEXTURE_2D, GL_TEXTURE_PRIORITY, priority);
   glBindTexture(GL_TEXTURE_2D, 0);
   t->setDeviceNames({name});
-  textureMemoryUsed += bookedBytes(*t);
+  bookTexture(name, bookedBytes(*t));
   return true;
 }
 
 bool renderGL::discardTexture(TEXTURE::texture* t) {
   if (!t || !makeCurrentContext(false)) return false;
   for (unsigned name : t->getDeviceNames()) {
-    if (!glIsTexture(name)) continue;
-    glDeleteTextures(1, &name);
-    textureMemoryUsed -= bookedBytes(*t);
+    if (glIsTexture(name)) glDeleteTextures(1, &name);
+    unbookTexture(name);
   }
   t->setDeviceNames({});
   return true;
+}
+
+void renderGL::bookTexture(unsigned name, uint32_t bytes) {
+  textureBooking[name] = bytes;
+  textureMemoryUsed += bytes;
+}
+
+void renderGL::unbookTexture(unsigned name) {
+  const auto booked = textureBooking.find(name);
+  if (booked == textureBooking.end()) return;
+  textureMemoryUsed -= booked->second;
+  textureBooking.erase(booked);
 }
 
 bool renderGL::updateTexture(TEXTURE::texture* t, const void* pixels) {
@@ -85,6 +97,51 @@ bool renderGL::updateTexture(TEXTURE::texture* t, const void* pixels) {
 
 bool renderGL::updateTexture(TEXTURE::texture* t) {
   return t && updateTexture(t, t->getImage().pixels.data());
+}
+
+bool renderGL::isSupportRenderTargetOnTexture() {
+  if (!makeCurrentContext(false) || !glCheckFramebufferStatus) return false;
+  return glCheckFramebufferStatus(GL_FRAMEBUFFER) != GL_FRAMEBUFFER_UNSUPPORTED;
+}
+
+bool renderGL::cacheRenderTargetOnTexture(renderTarget* target) {
+  if (!target || !target->getTexture() || !makeCurrentContext(false)) return false;
+  if (!glGenFramebuffers) return false;
+  TEXTURE::texture& colour = *target->getTexture();
+  if (!colour.cache() || colour.getDeviceNames().empty()) return false;
+  discardRenderTargetOnTexture(target);
+  glGenFramebuffers(1, &target->framebuffer);
+  glGenRenderbuffers(1, &target->depthBuffer);
+  glBindRenderbuffer(GL_RENDERBUFFER, target->depthBuffer);
+  glRenderbufferStorage(GL_RENDERBUFFER, GL_DEPTH_COMPONENT24, colour.getWidth(),
+                        colour.getHeight());
+  glBindRenderbuffer(GL_RENDERBUFFER, 0);
+  glBindFramebuffer(GL_FRAMEBUFFER, target->framebuffer);
+  glFramebufferTexture2D(GL_FRAMEBUFFER, GL_COLOR_ATTACHMENT0, GL_TEXTURE_2D,
+                         colour.getDeviceNames().front(), 0);
+  glFramebufferRenderbuffer(GL_FRAMEBUFFER, GL_DEPTH_ATTACHMENT, GL_RENDERBUFFER,
+                            target->depthBuffer);
+  const bool complete = glCheckFramebufferStatus(GL_FRAMEBUFFER) == GL_FRAMEBUFFER_COMPLETE;
+  glBindFramebuffer(GL_FRAMEBUFFER, 0);
+  if (!complete) discardRenderTargetOnTexture(target);
+  return complete;
+}
+
+bool renderGL::isCachedRenderTargetOnTexture(const renderTarget* target) const {
+  return target && target->framebuffer != 0 && glIsFramebuffer(target->framebuffer);
+}
+
+bool renderGL::discardRenderTargetOnTexture(renderTarget* target) {
+  if (!target || !makeCurrentContext(false)) return false;
+  if (target->framebuffer && glIsFramebuffer(target->framebuffer)) {
+    glDeleteFramebuffers(1, &target->framebuffer);
+  }
+  if (target->depthBuffer && glIsRenderbuffer(target->depthBuffer)) {
+    glDeleteRenderbuffers(1, &target->depthBuffer);
+  }
+  target->framebuffer = 0;
+  target->depthBuffer = 0;
+  return true;
 }
 
 // Volumes have no resource class yet: nothing asks for them.

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "jev3d/renderer/renderstate/rectangleState.h"
 #include "jev3d/renderer/renderstate/renderstate.h"
 
 namespace JEV {
@@ -7,10 +8,10 @@ namespace RENDERING {
 class renderer;
 namespace RENDERSTATE {
 
-// The scissor rectangle in window pixels (origin bottom left). The requested rectangle is
-// what the owner asks for; the computed one is what the device gets, after clamping and,
-// with `intersectParent`, cutting to the scissor in force.
-class scissorstate : public renderstate {
+// The scissor rectangle. The requested rectangle is what the owner asks for; the computed
+// one is what the device gets, after clamping to the window and, with `intersectParent`,
+// cutting to the scissor in force.
+class scissorstate : public renderstate, public rectangleState {
  public:
   scissorstate() = default;
   scissorstate(int x, int y, int width, int height, bool enable, bool intersectParent);
@@ -23,15 +24,6 @@ class scissorstate : public renderstate {
   // height, or a rectangle beside its parent): the device is then not to be given it.
   bool computeSize(renderer* device);
 
-  SYSTEM::fieldBase<int> x{0};
-  SYSTEM::fieldBase<int> y{0};
-  SYSTEM::fieldBase<int> width{320};
-  SYSTEM::fieldBase<int> height{240};
-  SYSTEM::fieldBase<int> computedX{0};
-  SYSTEM::fieldBase<int> computedY{0};
-  SYSTEM::fieldBase<int> computedWidth{320};
-  SYSTEM::fieldBase<int> computedHeight{240};
-  SYSTEM::fieldBase<bool> intersectParent{false};
   SYSTEM::fieldBase<bool> enable{false};
 };
 

@@ -9,11 +9,14 @@
 #include <thread>
 #include <vector>
 
+#include "glWindow.h"
+#include "jev3d/gui/font.h"
 #include "jev3d/platform/messages.h"
 #include "jev3d/renderer/indexBuffer.h"
 #include "jev3d/renderer/instancing/renderTargetInstance.h"
 #include "jev3d/renderer/instancing/textureInstance.h"
 #include "jev3d/renderer/renderStateStack.h"
+#include "jev3d/renderer/renderTarget.h"
 #include "jev3d/renderer/rendergl/renderGL.h"
 #include "jev3d/renderer/renderingContext.h"
 #include "jev3d/renderer/renderstate/alphastate.h"
@@ -21,6 +24,7 @@
 #include "jev3d/renderer/renderstate/lightingstate.h"
 #include "jev3d/renderer/renderstate/lightstate.h"
 #include "jev3d/renderer/renderstate/scissorstate.h"
+#include "jev3d/renderer/renderstate/viewportstate.h"
 #include "jev3d/renderer/renderstate/wireframestate.h"
 #include "jev3d/renderer/transformState.h"
 #include "jev3d/renderer/vertexBuffer.h"
@@ -37,20 +41,6 @@ using VC = vertexDeclaration::VERTEX_COMPONENTS;
 namespace {
 
 constexpr int size = 128;
-
-std::int64_t ignore(windowHandle, unsigned, std::uint64_t, std::int64_t) { return 0; }
-
-bool waitExposed(platform& p) {
-  const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(10);
-  while (std::chrono::steady_clock::now() < end) {
-    message m;
-    while (p.peekMessage(m)) {
-      if (m.msg == WM_PAINT) return true;
-    }
-    std::this_thread::sleep_for(std::chrono::milliseconds(5));
-  }
-  return false;
-}
 
 // A node that draws through a callback.
 class drawNode : public JEV::SG::node {
@@ -69,8 +59,8 @@ struct pixel {
 
 struct glFixture : ::testing::Test {
   void SetUp() override {
-    window =
-        current().createWindow(windowDescriptor{L"pixels", rect{10, 10, size, size}, {}}, ignore);
+    window = current().createWindow(windowDescriptor{L"pixels", rect{10, 10, size, size}, {}},
+                                    ignoreMessages);
     ASSERT_NE(window, 0u);
     bool recreate = false;
     ASSERT_TRUE(gl.createContext(window, recreate));
@@ -255,6 +245,14 @@ TEST_F(glFixture, aTexturedQuadShowsItsTexturesColours) {
   EXPECT_EQ(blue.b, 255);
   EXPECT_EQ(blue.r + blue.g, 0);
   EXPECT_EQ(white.r + white.g + white.b, 765);
+
+  // A new picture hands the old device copy to the discard list: the next frame deletes
+  // it and takes its bytes off, and the picture is uploaded again at its next use.
+  picture->setImage(image);
+  EXPECT_FALSE(picture->isCached());
+  frame(unlit);
+  EXPECT_TRUE(picture->isCached());
+  EXPECT_EQ(gl.getTextureMemoryUsed(), 12u);
 }
 
 TEST_F(glFixture, scissorClipsAndAWireframeDrawsOverItsSurface) {
@@ -356,4 +354,98 @@ TEST_F(glFixture, frustumPlanesBoundWhatTheCameraSees) {
   EXPECT_FALSE(inside(point3f(0, 0, -10))) << "behind the camera";
   const JEV::MATH::point4<float> left = gl.getFrustumPlane(0);
   EXPECT_NEAR(left.x * left.x + left.y * left.y + left.z * left.z, 1.0f, 1e-5f);
+}
+
+TEST_F(glFixture, aRenderTargetsContentsReadBack) {
+  ASSERT_TRUE(gl.isSupportRenderTargetOnTexture());
+  JEV::IO::textureImage blank;
+  blank.width = 32;
+  blank.height = 32;
+  blank.components = 4;
+  blank.pixels.assign(32 * 32 * 4, 0);
+  auto* picture = new JEV::TEXTURE::texture(&gl);
+  picture->setImage(blank);
+  picture->setParameters(JEV::TEXTURE::textureDescriptor{0, 1.0f});
+  renderTarget offScreen{JEV::SYSTEM::sharedPointer<JEV::TEXTURE::texture>(picture)};
+  JEV::RENDERING::INSTANCING::renderTargetInstance target;
+  target.setTarget(&offScreen);
+  target.scissor.set(0, 0, 32, 32, false, false);
+  target.viewport.set(0, 0, 32, 32, false, viewportstate::VIEWPORT_FREE);
+  target.clearColour = JEV::CORE::color(0, 0, 255, 255);
+
+  vertexBuffer vb(VC::COLOR | VC::POS3);
+  indexBuffer ib;
+  makeQuad(vb, ib, -1, -1, 0, 1, 0, JEV::CORE::color(255, 0, 0, 255));
+  lightingstate unlit(false, false);
+  std::vector<std::uint8_t> inside(32 * 32 * 4, 0);
+  drawNode quad([&] {
+    gl.renderIndexedGeometry(renderer::DRAW_TRIANGLES, &vb, &ib, 0, ib.getIndexNumber());
+    gl.readPixels(0, 0, 32, 32, renderer::PIXELDATA_RGBA, renderer::DATA_UNSIGNED_BYTE,
+                  inside.data());
+  });
+  quad.connect(&target, false);
+  target.connect(&unlit, false);
+  frame(unlit);
+  EXPECT_TRUE(gl.isCachedRenderTargetOnTexture(&offScreen));
+
+  // The left half took the quad, the right half the target's clear colour.
+  const std::uint8_t* left = &inside[(16 * 32 + 4) * 4];
+  const std::uint8_t* right = &inside[(16 * 32 + 28) * 4];
+  EXPECT_EQ(left[0], 255);
+  EXPECT_EQ(left[2], 0);
+  EXPECT_EQ(right[0], 0);
+  EXPECT_EQ(right[2], 255);
+  // The window saw none of it; its viewport and scissor are back.
+  EXPECT_EQ(brightness(10, 64), 0);
+  EXPECT_EQ(gl.getCurrentViewportState().computedWidth.cV(), size);
+
+  // What was drawn is the texture's picture now.
+  gl.makeCurrentContext(false);
+  std::vector<std::uint8_t> texels(32 * 32 * 4, 0);
+  glBindTexture(GL_TEXTURE_2D, picture->getDeviceNames().front());
+  glGetTexImage(GL_TEXTURE_2D, 0, GL_RGBA, GL_UNSIGNED_BYTE, texels.data());
+  glBindTexture(GL_TEXTURE_2D, 0);
+  EXPECT_EQ(texels[(16 * 32 + 4) * 4], 255);
+  EXPECT_EQ(texels[(16 * 32 + 28) * 4 + 2], 255);
+  EXPECT_TRUE(gl.discardRenderTargetOnTexture(&offScreen));
+  EXPECT_FALSE(gl.isCachedRenderTargetOnTexture(&offScreen));
+}
+
+TEST_F(glFixture, textIsDrawnWithFreeTypeGlyphs) {
+  JEV::GUI::font missing(L"NoSuchFace", 16);
+  EXPECT_TRUE(gl.createFont(&missing));
+  EXPECT_FALSE(gl.cacheFont(&missing));
+  JEV::GUI::font path(L"../DejaVuSans", 16);
+  EXPECT_FALSE(gl.cacheFont(&path)) << "a face is a name, not a path";
+  JEV::GUI::font unsized(L"DejaVuSans", 0);
+  EXPECT_FALSE(gl.createFont(&unsized));
+
+  JEV::GUI::font sans(L"DejaVuSans", 20);
+  ASSERT_TRUE(gl.cacheFont(&sans));
+  EXPECT_TRUE(gl.isCachedFont(&sans));
+  int shortWidth = 0, longWidth = 0, height = 0;
+  ASSERT_TRUE(gl.getFontBox(&sans, L"Hi", shortWidth, height));
+  ASSERT_TRUE(gl.getFontBox(&sans, L"Hi there", longWidth, height));
+  EXPECT_GT(shortWidth, 10);
+  EXPECT_GT(longWidth, shortWidth);
+  EXPECT_GE(height, 20);
+  EXPECT_EQ(gl.getFontMaxHeight(&sans), height);
+
+  drawNode text([&] { gl.renderText(&sans, L"Hi", 20, 40, JEV::CORE::color(255, 255, 255, 255)); });
+  frame(text);
+  // Ink lies inside the box of the text above its baseline, and nowhere else.
+  int inside = 0, outside = 0;
+  for (int y = 0; y < size; ++y) {
+    for (int x = 0; x < size; ++x) {
+      const bool lit = brightness(x, y) > 300;
+      const bool inBox = x >= 20 && x < 20 + shortWidth && y >= 40 && y < 40 + height;
+      (inBox ? inside : outside) += lit ? 1 : 0;
+    }
+  }
+  EXPECT_GT(inside, 30);
+  EXPECT_EQ(outside, 0);
+
+  EXPECT_TRUE(gl.discardFont(&sans));
+  EXPECT_FALSE(gl.isCachedFont(&sans));
+  EXPECT_FALSE(gl.getFontBox(&sans, L"Hi", shortWidth, height));
 }

@@ -9,6 +9,7 @@
 #include <thread>
 #include <vector>
 
+#include "glWindow.h"
 #include "jev3d/platform/messages.h"
 
 using namespace JEV::PLATFORM;
@@ -16,8 +17,6 @@ using JEV::RENDERING::renderer;
 using JEV::RENDERING::renderGL;
 
 namespace {
-
-std::int64_t ignore(windowHandle, unsigned, std::uint64_t, std::int64_t) { return 0; }
 
 // Counts the pixels of an RGBA block that differ from the colour by more than one step.
 int pixelsOff(const std::vector<std::uint8_t>& px, std::uint8_t r, std::uint8_t g, std::uint8_t b) {
@@ -28,20 +27,6 @@ int pixelsOff(const std::vector<std::uint8_t>& px, std::uint8_t r, std::uint8_t 
     }
   }
   return off;
-}
-
-// A window's pixels exist once it is on the screen: wait for its first exposure. The bound
-// only keeps a broken display from hanging the suite.
-bool waitExposed(platform& p) {
-  const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(10);
-  while (std::chrono::steady_clock::now() < end) {
-    message m;
-    while (p.peekMessage(m)) {
-      if (m.msg == WM_PAINT) return true;
-    }
-    std::this_thread::sleep_for(std::chrono::milliseconds(5));
-  }
-  return false;
 }
 
 // Clears a frame, reads it back before showing it, shows it.
@@ -61,7 +46,7 @@ std::vector<std::uint8_t> clearReadAndShow(renderGL& gl, int w, int h, float r, 
 TEST(renderGL, contextIsMadeOnceAndTheClearColourReadsBack) {
   platform& p = current();
   const windowHandle w =
-      p.createWindow(windowDescriptor{L"gl", rect{20, 20, 160, 120}, {}}, ignore);
+      p.createWindow(windowDescriptor{L"gl", rect{20, 20, 160, 120}, {}}, ignoreMessages);
   ASSERT_NE(w, 0u);
   renderGL gl;
   EXPECT_EQ(gl.getRendererName(), L"RenderGL");
@@ -111,7 +96,8 @@ TEST(renderGL, contextIsMadeOnceAndTheClearColourReadsBack) {
 
 TEST(renderGL, namesGivenUpFromAnotherThreadAreDeletedAtTheNextFrame) {
   platform& p = current();
-  const windowHandle w = p.createWindow(windowDescriptor{L"gl", rect{0, 0, 64, 64}, {}}, ignore);
+  const windowHandle w =
+      p.createWindow(windowDescriptor{L"gl", rect{0, 0, 64, 64}, {}}, ignoreMessages);
   ASSERT_NE(w, 0u);
   renderGL gl;
   bool recreate = false;

@@ -5,13 +5,8 @@ namespace RENDERING {
 namespace RENDERSTATE {
 namespace INTERNAL {
 
-// A rectangle being sized, in 64-bit so that sums of huge int fields cannot wrap.
-struct rectangle {
-  long long x, y, width, height;
-};
-
-// Cuts `r` to `parent` along one axis as the sizing rules say: a start before the
-// parent's moves to it and the extent shrinks by the difference; a start past the
+// Cuts a rectangle to its parent along one axis as the sizing rules say: a start before
+// the parent's moves to it and the extent shrinks by the difference; a start past the
 // parent's far edge fails; an end past the parent's far edge is shrunk to it. `testStart`
 // is what the start is compared with first (the viewport compares with the parent's
 // requested position there). False only for a start past the far edge.
@@ -23,8 +18,9 @@ inline bool clipAxis(long long& start, long long& extent, long long testStart,
   } else if (start > parentStart + parentExtent) {
     return false;
   }
-  if (start + extent > parentStart + parentExtent)
+  if (start + extent > parentStart + parentExtent) {
     extent -= start + extent - parentStart - parentExtent;
+  }
   return true;
 }
 
