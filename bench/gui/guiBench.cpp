@@ -82,6 +82,18 @@ void frameJev3d(benchmark::State& state) {
   state.counters["widgets"] = scene.gui->getWidgetsCount();
 }
 
+// The two halves of a frame: the update pass runs at the update rate, the render pass at
+// the frame rate.
+void updateJev3d(benchmark::State& state) {
+  jev3dScene scene;
+  for (auto _ : state) scene.gui->update();
+}
+
+void renderJev3d(benchmark::State& state) {
+  jev3dScene scene;
+  for (auto _ : state) scene.gui->render();
+}
+
 void hitTestJev3d(benchmark::State& state) {
   jev3dScene scene;
   long hits = 0;
@@ -144,4 +156,6 @@ void frameImGui(benchmark::State& state) {
 
 BENCHMARK(frameJev3d)->Name("frame1000buttons/jev3d")->Unit(benchmark::kMicrosecond);
 BENCHMARK(frameImGui)->Name("frame1000buttons/imgui")->Unit(benchmark::kMicrosecond);
+BENCHMARK(updateJev3d)->Name("update1000buttons/jev3d")->Unit(benchmark::kMicrosecond);
+BENCHMARK(renderJev3d)->Name("render1000buttons/jev3d")->Unit(benchmark::kMicrosecond);
 BENCHMARK(hitTestJev3d)->Name("hitTest1000buttons/jev3d")->Unit(benchmark::kNanosecond);

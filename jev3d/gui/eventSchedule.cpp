@@ -166,7 +166,14 @@ void eventSchedule::showPopup(widget* menu, float x, float y) {
 void eventSchedule::openPopup(inputEvent& event) {
   for (widget* w = event.target; w; w = w->getRedirect()) {
     widget* menu = controller->getPopUpMenu(w);
-    if (menu && !w->getFlags().isFlagSet(WF_SKIP_NEXT_POPUP)) showPopup(menu, event.x, event.y);
+    if (menu && !w->getFlags().isFlagSet(WF_SKIP_NEXT_POPUP)) {
+      if (w->getFlags().isFlagSet(WF_POPUP_AT_CORNER)) {
+        const widget::point3f corner = w->getAbsolutePos();
+        showPopup(menu, corner.x, corner.y);
+      } else {
+        showPopup(menu, event.x, event.y);
+      }
+    }
     w->getFlags().clearFlag(WF_SKIP_NEXT_POPUP);
   }
 }

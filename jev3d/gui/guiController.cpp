@@ -451,25 +451,17 @@ void guiController::setTopMost(widget* w, bool on) {
   }
 }
 
-void guiController::setPopUpMenu(widget* w, const std::wstring& menuName) {
-  if (menuName.empty()) {
-    popUpMenus.erase(w);
-  } else {
-    popUpMenus[w] = menuName;
-  }
-}
-
 widget* guiController::getPopUpMenu(widget* w) const {
-  auto it = popUpMenus.find(w);
-  return it == popUpMenus.end() ? nullptr : getWidget(it->second);
+  const std::wstring& menuName = w->getPopUpMenu();
+  return menuName.empty() ? nullptr : getWidget(menuName);
 }
 
 void guiController::setPopUpMenu(const std::wstring& menuName) {
-  if (desktop) setPopUpMenu(desktop, menuName);
+  if (desktop) desktop->setPopUpMenu(menuName, false);
 }
 
 void guiController::removePopUpMenu() {
-  if (desktop) popUpMenus.erase(desktop);
+  if (desktop) desktop->removePopUpMenu();
 }
 
 void guiController::gotoInFirstPlaneNextRender(widget* w) { firstPlaneList.push_back(w); }
@@ -495,7 +487,6 @@ bool guiController::eraseNowMT(widget* w) {
 
 void guiController::forgetWidget(widget* w) {
   schedule.forget(w);
-  popUpMenus.erase(w);
   if (hoverToolTipWidget == w) hoverToolTipWidget = nullptr;
   if (toolTip == w) toolTip = nullptr;
   if (fullScreenTitleBar == w) fullScreenTitleBar = nullptr;

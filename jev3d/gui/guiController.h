@@ -2,7 +2,6 @@
 
 #include <atomic>
 #include <list>
-#include <map>
 #include <string>
 #include <unordered_set>
 #include <vector>
@@ -150,10 +149,9 @@ class guiController : public SYSTEM::windowGui {
 
   // Marks a widget top-most in its canvas's set, or takes it out.
   void setTopMost(widget* w, bool on);
-  // The menu a right click on `w` opens (by id; empty removes it), and that menu or null.
-  // The desktop's menu is the one for clicks on no widget.
-  void setPopUpMenu(widget* w, const std::wstring& menuName);
+  // The menu a right click on `w` opens, found by the id the widget holds, or null.
   widget* getPopUpMenu(widget* w) const;
+  // The desktop's menu.
   void setPopUpMenu(const std::wstring& menuName);
   void removePopUpMenu();
   // Brings the widget to the front at the next render.
@@ -213,7 +211,6 @@ class guiController : public SYSTEM::windowGui {
   eventSchedule schedule;
   guiColorTable colorTable;
   bool texteditWithFocusEnter = false;
-  std::map<widget*, std::wstring> popUpMenus;
   // The registry's widgets, for walks over all of them: the registry is keyed by id.
   std::unordered_set<widget*> live;
   bool discarding = false;

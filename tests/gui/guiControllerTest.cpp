@@ -291,8 +291,8 @@ TEST_F(guiControllerTest, focusMovesOnClicksAndKeysGoToTheFocusedWidget) {
     leftClickAt(220, 20);
     gui->update();
     EXPECT_EQ(gui->getFocusedWidget(), nullptr);
+    EXPECT_EQ(gui->getWidgetBelowMouse(220, 20), plain);
     EXPECT_EQ(log, (std::vector<std::string>{"b 29"}));
-    (void)plain;
   });
 }
 
@@ -304,7 +304,7 @@ TEST_F(guiControllerTest, aPopupOpensOnRightClickAndClosesOnAnOutsideClick) {
     panel* menu = addPanelAt(L"menu", 0, 0);
     panel* entry = addPanelAt(L"entry", 0, 0, menu);
     menu->visible = false;
-    gui->setPopUpMenu(owner, L"menu");
+    owner->setPopUpMenu(L"menu", false);
     listener onOther(&log, "other");
     listen(other, onOther, {SYSTEM::MOUSE_LEFT_DOWN});
 
@@ -347,13 +347,16 @@ TEST_F(guiControllerTest, aRedirectsMenuIsTheOneThatStaysOpen) {
     panel* controlMenu = addPanelAt(L"controlMenu", 0, 0);
     partMenu->visible = false;
     controlMenu->visible = false;
-    gui->setPopUpMenu(part, L"partMenu");
-    gui->setPopUpMenu(control, L"controlMenu");
+    part->setPopUpMenu(L"partMenu", false);
+    control->setPopUpMenu(L"controlMenu", true);
     rightClickAt(15, 15);
     gui->update();
     EXPECT_EQ(gui->getSchedule().getPopup(), controlMenu);
     EXPECT_FALSE(partMenu->isVisible());
     EXPECT_TRUE(controlMenu->isVisible());
+    // The control asked for its corner rather than the mouse.
+    EXPECT_EQ(controlMenu->getPositionX(), 10.0f);
+    EXPECT_EQ(controlMenu->getPositionY(), 10.0f - controlMenu->getHeight());
   });
 }
 
@@ -400,6 +403,24 @@ TEST_F(guiControllerTest, theTooltipWaitsForItsTimerAndFollowsTheHoveredWidget) 
     gui->showToolTip();
     gui->render();
     EXPECT_FALSE(tip->isVisible());
+  });
+}
+
+TEST_F(guiControllerTest, withoutATooltipWidgetHoveringIsHarmless) {
+  run([&] {
+    gui->update();
+    ASSERT_TRUE(gui->eraseNow(gui->getToolTip()));
+    EXPECT_EQ(gui->getToolTip(), nullptr);
+    panel* a = addPanelAt(L"a", 10, 10);
+    a->setToolTip(L"tip");
+    moveTo(20, 20);
+    gui->update();
+    gui->showToolTip();
+    EXPECT_FALSE(gui->showToolTipNowFlag.cV()) << "nothing to show";
+    gui->render();
+    moveTo(300, 200);
+    gui->update();
+    EXPECT_EQ(gui->getHoverToolTipWidget(), nullptr);
   });
 }
 
