@@ -524,7 +524,7 @@ TEST_F(controlsTest, menuOpensHighlightsAndFiresItsItemOnce) {
     listen(open, opens, SYSTEM::MOUSE_LEFT_CLICK);
     listen(save, saves, SYSTEM::MOUSE_LEFT_CLICK);
     listen(deep, deeps, SYSTEM::MOUSE_LEFT_CLICK);
-    gui->setPopUpMenu(target, L"m");
+    target->setPopUpMenu(L"m", false);
     auto rightClickAt = [&](float x, float y) {
       moveTo(x, y);
       press(WM_RBUTTONDOWN);
