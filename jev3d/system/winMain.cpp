@@ -1,5 +1,6 @@
 #include "jev3d/system/winMain.h"
 
+#include "jev3d/gui/guiController.h"
 #include "jev3d/io/xml/xmlElement.h"
 #include "jev3d/platform/messages.h"
 #include "jev3d/renderer/renderer.h"
@@ -19,7 +20,7 @@ winMain::winMain(application* a, RENDERING::renderer* d, RENDERING::audioRendere
     : winBase(a), device(d), audio(au), className(name), fullScreenWanted(wantFullScreen) {
   renderCtx = new RENDERING::renderingContext(device, audio);
   inputCtx = new inputContext;
-  // The GUI controller is made here once it exists; until then setGui supplies a layer.
+  gui = new GUI::guiController(this, a);
   renderCtx->windowWidth = 0;
   renderCtx->windowHeight = 0;
   preferredUPS.registerEventOnChangeValue(makeDelegate(this, &winMain::onPreferredUPSChange));

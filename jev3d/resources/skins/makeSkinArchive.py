@@ -166,7 +166,7 @@ def skin(style):
     s.line(3, 16 + 8, 6, 16 + 4, 2, style["mark"])
     s.line(6, 16 + 4, 12, 16 + 12, 2, style["mark"])
     # Radio buttons: unchecked and checked.
-    for u, v, dot in ((64, 16, False), (96, 0, True)):
+    for u, v, dot in ((64, 16, False), (96, 16, True)):
         s.disc(u + 8, v + 8, 7.5, style["outline"])
         s.disc(u + 8, v + 8, 6.5, style["centre"])
         if dot:

@@ -1,0 +1,230 @@
+#pragma once
+
+#include <atomic>
+#include <list>
+#include <map>
+#include <string>
+#include <vector>
+
+#include "jev3d/fields/fieldBase.h"
+#include "jev3d/fields/mtLinker.h"
+#include "jev3d/gui/eventSchedule.h"
+#include "jev3d/gui/guiColorTable.h"
+#include "jev3d/gui/guiEnums.h"
+#include "jev3d/renderer/instancing/textureInstance.h"
+#include "jev3d/renderer/renderstate/alphastate.h"
+#include "jev3d/renderer/renderstate/blendstate.h"
+#include "jev3d/resources/mtStorage.h"
+#include "jev3d/system/mutex.h"
+#include "jev3d/system/sharedPointer.h"
+#include "jev3d/system/threadTimer.h"
+#include "jev3d/system/windowGui.h"
+
+namespace JEV {
+namespace SYSTEM {
+class application;
+class inputContext;
+class updateContext;
+class winMain;
+}  // namespace SYSTEM
+namespace RENDERING {
+class renderingContext;
+}
+
+namespace GUI {
+
+class canvas;
+class label;
+class panel;
+class widget;
+
+enum GUI_SKIN {
+  GUI_DEFAULT_SKIN = 0,
+  GUI_XP_SKIN = 1,
+  GUI_PLASTIQUE_SKIN = 2,
+  GUI_RAG_SKIN = 3,
+  GUI_IBRID_SKIN = 4,
+  GUI_NO_SKIN = -1
+};
+
+enum GUI_COLOR_SCHEMA { GUI_COLOR_SCHEMA_0 = 0 };
+
+// Owns every widget of one main window: a registry by id and a factory by class, the
+// desktop that follows the window, the tooltip, the input schedule, the update and render
+// passes and the colour schema. The window drives it from its update tick and its draw
+// step; input reaches widgets only through the schedule, under the GUI lock.
+class guiController : public SYSTEM::windowGui {
+ public:
+  static constexpr const wchar_t* DESKTOP_ID = L"GUICONTROLLER_WIDGET_DESKTOP";
+  static constexpr const wchar_t* TITLE_BAR_ID = L"GUICONTROLLER_WIDGET_FULLSCREENTITLEBAR";
+  static constexpr const wchar_t* TOOLTIP_ID = L"GUICONTROLLER_WIDGET_TOOLTIPS";
+  // Widgets erased a frame at most: a big window falls apart over a few frames rather
+  // than blocking one.
+  static constexpr int ERASE_PER_FRAME = 32;
+  static constexpr long TOOLTIP_DELAY = 900;
+
+  // Takes the contexts from the window (which may be null, for a controller used alone).
+  guiController(SYSTEM::winMain* window, SYSTEM::application* app);
+  ~guiController() override;
+  guiController(const guiController&) = delete;
+  guiController& operator=(const guiController&) = delete;
+
+  bool init(bool withTitleBar, bool withToolTip, const std::wstring& name) override;
+  void update() override;
+  void render() override;
+  bool discard() override;
+  bool waitGuiMutex(unsigned long milliseconds) override;
+  void releaseGuiMutex() override;
+  widget* getWidgetBelowMouse(float x, float y) override;
+  widget* getFocusedWidget() override;
+  widget* getRootWidget() override;
+  int getSkin() override;
+  void setSkin(int skin) override;
+  void showFullScreenTitleBar(bool show) override;
+  void refreshFullScreenTitleBar() override;
+  void registerInputEventCallBack(SYSTEM::EVENT_TYPE type, SYSTEM::inputEventDelegate& d) override;
+  void unRegisterInputEventCallBack(SYSTEM::EVENT_TYPE type,
+                                    SYSTEM::inputEventDelegate& d) override;
+  void registerDropFileEventCallBack(SYSTEM::dropFileEventDelegate& d) override;
+  void unRegisterDropFileEventCallBack(SYSTEM::dropFileEventDelegate& d) override;
+
+  // The factory: a new widget of `cls` under `parent` (the desktop when null), or null for
+  // a name in use or a class this library does not build.
+  widget* add(WIDGET_CLASS cls, const std::wstring& name, widget* parent);
+  widget* addWidget(const std::wstring& name, widget* parent);
+  widget* addWidget(const std::string& name, widget* parent);
+  widget* addWidget(widget* parent);
+  panel* addPanel(const std::wstring& name, widget* parent);
+  panel* addPanel(const std::string& name, widget* parent);
+  panel* addPanel(widget* parent);
+  label* addLabel(const std::wstring& name, widget* parent);
+  label* addLabel(const std::string& name, widget* parent);
+  label* addLabel(widget* parent);
+  canvas* addCanvas(const std::wstring& name, widget* parent);
+  canvas* addCanvas(const std::string& name, widget* parent);
+  canvas* addCanvas(widget* parent);
+
+  // The widget with that id, or null; the typed forms also null for another class.
+  widget* getWidget(const std::wstring& name) const;
+  widget* getWidget(const std::string& name) const;
+  panel* getPanel(const std::wstring& name) const;
+  panel* getPanel(const std::string& name) const;
+  label* getLabel(const std::wstring& name) const;
+  label* getLabel(const std::string& name) const;
+  canvas* getCanvas(const std::wstring& name) const;
+  canvas* getCanvas(const std::string& name) const;
+  bool isValid(const std::wstring& name) const;
+  virtual int getWidgetsCount() const;
+  // A name not in use.
+  std::wstring getUniqueName();
+
+  canvas* getDesktop() const { return desktop; }
+  // Canvases drawn and updated in this order; the first is the desktop.
+  const std::vector<canvas*>& getCanvases() const { return canvases; }
+  // Adds a canvas of kind 1 to the passes and the hit test, after the others.
+  void attachCanvas(canvas* c);
+
+  CORE::color getColor(WIDGET_CLASS_COLOR cls, int index) const;
+  // Stores the colour and recolours every widget that takes the schema's colours.
+  void setColor(WIDGET_CLASS_COLOR cls, const CORE::color& c, int index);
+  void setColorSchema(GUI_COLOR_SCHEMA schema);
+  GUI_COLOR_SCHEMA getColorSchema() const;
+  const guiColorTable& getColorTable() const { return colorTable; }
+  // The desktop's enabled field.
+  void setEnable(bool on);
+  bool getEnable() const;
+  // Asks the window for a new update and frame.
+  void refresh();
+
+  SYSTEM::mutex* getGuiMutexHandle() { return &guiMutex; }
+  // Queues an event as if the window procedure had; the caller holds the GUI lock.
+  void simulateInputEvent(SYSTEM::EVENT_TYPE type,
+                          const SYSTEM::sharedPointer<SYSTEM::inputEvent>& e);
+  int getLastEvaluateEventype() const { return schedule.getLastEvaluateEventype(); }
+  int getSecondLastEvaluateEventype() const { return schedule.getSecondLastEvaluateEventype(); }
+  // The desktop's widget below (x, y); never a private one.
+  widget* getWidgetAt(float x, float y);
+  bool thereIsTexteditWithFocusEnter() const { return texteditWithFocusEnter; }
+  eventSchedule& getSchedule() { return schedule; }
+
+  // Marks a widget top-most in its canvas's set, or takes it out.
+  void setTopMost(widget* w, bool on);
+  // The menu a right click on `w` opens (by id; empty removes it), and that menu or null.
+  // The desktop's menu is the one for clicks on no widget.
+  void setPopUpMenu(widget* w, const std::wstring& menuName);
+  widget* getPopUpMenu(widget* w) const;
+  void setPopUpMenu(const std::wstring& menuName);
+  void removePopUpMenu();
+  // Brings the widget to the front at the next render.
+  void gotoInFirstPlaneNextRender(widget* w);
+  // Erases at a later render, at most ERASE_PER_FRAME a frame; the widget stays drawn
+  // in the frame that queued it.
+  void eraseAfter(widget* w);
+  // Erases at once; the MT form takes the GUI lock.
+  bool eraseNow(widget* w);
+  bool eraseNowMT(widget* w);
+
+  // The tooltip: the widget entered, and the widget left (with their redirect chains).
+  void toolTipEnter(widget* w);
+  void toolTipLeave(widget* w);
+  // What the tooltip timer runs once the delay is over: asks the next render to show it.
+  void showToolTip();
+  widget* getToolTip() const { return toolTip; }
+  widget* getHoverToolTipWidget() const { return hoverToolTipWidget; }
+
+  SYSTEM::inputContext* getInputContext() const { return inputContext; }
+  SYSTEM::winMain* getWinMain() const { return window; }
+  RENDERING::renderingContext* getRenderingContext() const { return renderingContext; }
+  const std::wstring& getName() const { return name; }
+
+  RENDERING::RENDERSTATE::alphastate alphaState;
+  RENDERING::RENDERSTATE::blendstate blendState;
+  SYSTEM::fieldBase<bool> showTextureNameTips{false};
+  SYSTEM::fieldBase<bool, SYSTEM::dummyLinkerType, SYSTEM::mtLinker> showToolTipNowFlag{false};
+
+ protected:
+  // Puts a made widget in the registry and under its parent; null (and the widget gone)
+  // when the id is in use.
+  widget* registerWidget(widget* w, widget* parent);
+  // Drops every pointer the controller and the schedule hold to `w`.
+  void forgetWidget(widget* w);
+  void showToolTipNow();
+  canvas* canvasOf(widget* w) const;
+
+  RENDERING::renderingContext* renderingContext;
+  SYSTEM::updateContext* updateContext;
+  SYSTEM::inputContext* inputContext;
+  SYSTEM::mutex guiMutex;
+  GUI_COLOR_SCHEMA colorSchema = GUI_COLOR_SCHEMA_0;
+  CORE::mtStorage<SYSTEM::sharedPointer<widget>> widgets;
+  canvas* desktop = nullptr;
+  widget* fullScreenTitleBar = nullptr;
+  widget* toolTip = nullptr;
+  std::vector<canvas*> canvases;
+  SYSTEM::winMain* window;
+  SYSTEM::threadTimer toolTipTimer;
+  RENDERING::INSTANCING::textureInstance skinTexture;
+  std::list<widget*> eraseList;
+  SYSTEM::application* application;
+  widget* hoverToolTipWidget = nullptr;
+  std::list<widget*> firstPlaneList;
+  eventSchedule schedule;
+  guiColorTable colorTable;
+  bool texteditWithFocusEnter = false;
+  std::map<widget*, std::wstring> popUpMenus;
+  std::wstring name;
+
+ private:
+  void onToolTipTick();
+  template <class W>
+  W* make(const std::wstring& name, widget* parent);
+  template <class W>
+  W* typed(const std::wstring& name, WIDGET_CLASS cls) const;
+  // Set by the first timer tick after an enter; the tick after it shows the tooltip.
+  std::atomic<bool> toolTipArmed{false};
+  unsigned uniqueCounter = 0;
+  int requestedSkin = GUI_XP_SKIN;
+};
+
+}  // namespace GUI
+}  // namespace JEV

@@ -1,0 +1,37 @@
+#include "jev3d/gui/picturebox.h"
+
+namespace JEV {
+namespace GUI {
+
+picturebox::picturebox(const std::wstring& widgetId, guiController* owner, SYSTEM::winBase* win)
+    : panel(widgetId, owner, win), idTexture(iconToIdTexture(ICON_NULL)) {
+  setClassIds(WC_PICTUREBOX, WCC_ICON);
+  setMargin(0, 0, 0, 0);
+  shadow = WS_NO_BACKGROUND;
+}
+
+picturebox::~picturebox() = default;
+
+void picturebox::setIcon(GUI_ICON value) {
+  icon = value;
+  idTexture = iconToIdTexture(value);
+  refresh();
+}
+
+void picturebox::setIcon(const std::wstring& texture) {
+  icon = ICON_NULL;
+  idTexture = texture;
+  refresh();
+}
+
+void picturebox::setIcon(const std::string& texture) {
+  setIcon(std::wstring(texture.begin(), texture.end()));
+}
+
+void picturebox::setTile(float u, float v) {
+  setShadow(WS_NONE);
+  adjustUV(u, v);
+}
+
+}  // namespace GUI
+}  // namespace JEV

@@ -1,0 +1,213 @@
+// One of each standard control on a panel in a real window, in the default skin: chosen
+// pixels of the frame read back show each control's tiles, marks, cursor and bar.
+#include <GL/glew.h>
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <chrono>
+#include <cstdint>
+#include <cstdlib>
+#include <thread>
+#include <vector>
+
+#include "jev3d/gui/button.h"
+#include "jev3d/gui/checkbox.h"
+#include "jev3d/gui/guiController.h"
+#include "jev3d/gui/panel.h"
+#include "jev3d/gui/progressbar.h"
+#include "jev3d/gui/radiobutton.h"
+#include "jev3d/gui/scrollbar.h"
+#include "jev3d/gui/separator.h"
+#include "jev3d/gui/slider.h"
+#include "jev3d/platform/messages.h"
+#include "jev3d/renderer/rendergl/renderGL.h"
+#include "jev3d/renderer/renderingContext.h"
+#include "jev3d/resources/textureStorage.h"
+#include "jev3d/system/application.h"
+#include "jev3d/system/winMain.h"
+
+using namespace JEV;
+using namespace JEV::GUI;
+using namespace JEV::PLATFORM;
+using JEV::RENDERING::renderer;
+
+namespace {
+
+constexpr int W = 320;
+constexpr int H = 240;
+// Frames drawn before the one read back, so that uploads and the skin have settled.
+constexpr int settleFrames = 3;
+
+struct rgb {
+  int r, g, b;
+};
+
+class controlsWindow : public SYSTEM::winMain {
+ public:
+  controlsWindow(SYSTEM::application* app, renderer* device)
+      : winMain(app, device, nullptr, false, true, L"") {
+    setCaption(L"jev3d standard controls");
+    setSize(W, H);
+    renderGui = false;
+  }
+
+  bool init() override {
+    handle = getHWnd();
+    return getRenderingContext()->getTextureStorage()->loadDefaultTexture();
+  }
+
+  void draw() override {
+    auto* gui = dynamic_cast<guiController*>(getGui());
+    if (!gui) return;
+    if (!board) build(*gui);
+    glViewport(0, 0, W, H);
+    glClearColor(0, 0, 0, 1);
+    glClear(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT);
+    gui->render();
+    if (++frames < settleFrames) {
+      renderNeeded = true;
+      updateNeeded = true;
+      return;
+    }
+    pixels.assign(size_t(W) * H * 4, 0);
+    getRenderer()->readPixels(0, 0, W, H, renderer::PIXELDATA_RGBA, renderer::DATA_UNSIGNED_BYTE,
+                              pixels.data());
+    buttonColor = push->getCurrentColor();
+    boardColor = board->getCurrentColor();
+    drawn = true;
+    closeWindow();
+  }
+
+  rgb at(int x, int y) const {
+    const std::uint8_t* p = pixels.data() + (size_t(y) * W + size_t(x)) * 4;
+    return rgb{p[0], p[1], p[2]};
+  }
+
+  std::atomic<windowHandle> handle{0};
+  std::atomic<bool> drawn{false};
+  std::vector<std::uint8_t> pixels;
+  CORE::color buttonColor, boardColor;
+
+ private:
+  template <class C>
+  C* add(guiController& gui, WIDGET_CLASS cls, const wchar_t* id, float x, float y, float w,
+         float h) {
+    auto* c = static_cast<C*>(gui.add(cls, id, board));
+    c->setRect2D(x, y, w, h);
+    return c;
+  }
+
+  void build(guiController& gui) {
+    gui.setSkin(GUI_DEFAULT_SKIN);
+    board = gui.addPanel(std::wstring(L"board"), nullptr);
+    board->setMargin(0, 0, 0, 0);
+    board->setRect2D(0, 0, W, H);
+    push = add<button>(gui, WC_BUTTON, L"push", 10, 200, 80, 24);
+    add<checkbox>(gui, WC_CHECKBOX, L"on", 100, 200, 100, 20)->checked = true;
+    add<checkbox>(gui, WC_CHECKBOX, L"off", 100, 170, 100, 20);
+    add<radiobutton>(gui, WC_RADIOBUTTON, L"radioOn", 210, 200, 100, 20)->checked = true;
+    add<radiobutton>(gui, WC_RADIOBUTTON, L"radioOff", 210, 170, 100, 20);
+    add<slider>(gui, WC_SLIDER, L"slider", 10, 130, 120, 20)->setValues(50, 0, 100);
+    auto* bar = add<scrollbar>(gui, WC_SCROLLBAR, L"scroll", 10, 90, 200, 16);
+    bar->setValues(0, 0, 100);
+    bar->setScrollbarRatio(0.25f);
+    add<progressbar>(gui, WC_PROGRESSBAR, L"progress", 10, 50, 200, 20)->setValues(50, 0, 100);
+    add<separator>(gui, WC_SEPARATOR, L"line", 10, 30, 300, 10);
+  }
+
+  panel* board = nullptr;
+  button* push = nullptr;
+  int frames = 0;
+};
+
+// A tile's centre grey as the widget's colour tints it.
+int tinted(int grey, unsigned char channel) { return grey * channel / 255; }
+
+// How many pixels of the rectangle are dark in all three channels.
+int darkPixels(const controlsWindow& win, int x0, int y0, int x1, int y1) {
+  int n = 0;
+  for (int y = y0; y < y1; ++y) {
+    for (int x = x0; x < x1; ++x) {
+      const rgb p = win.at(x, y);
+      if (p.r < 110 && p.g < 110 && p.b < 110) ++n;
+    }
+  }
+  return n;
+}
+
+bool blueish(const rgb& p) { return p.b > p.r + 40 && p.b > p.g + 40; }
+
+}  // namespace
+
+TEST(controlsOnDisplay, eachControlShowsItsSkinTilesAtChosenPixels) {
+  SYSTEM::application app(L"", L"");
+  RENDERING::renderGL device;
+  controlsWindow win(&app, &device);
+  app.addWin(&win);
+  std::atomic<bool> done{false};
+  // Closes the window if the frames never come, so that a broken display fails.
+  std::thread watchdog([&] {
+    for (int i = 0; i < 300 && !done; ++i)
+      std::this_thread::sleep_for(std::chrono::milliseconds(100));
+    if (!done && win.handle.load()) current().postMessage(win.handle.load(), WM_CLOSE, 0, 0);
+  });
+  app.mainLoop();
+  done = true;
+  watchdog.join();
+  ASSERT_TRUE(win.drawn.load());
+  {
+    FILE* f = fopen("/tmp/controls_shot.ppm", "wb");
+    fprintf(f, "P6 %d %d 255\n", W, H);
+    for (int y = H - 1; y >= 0; --y)
+      for (int x = 0; x < W; ++x) {
+        rgb p = win.at(x, y);
+        fputc(p.r, f);
+        fputc(p.g, f);
+        fputc(p.b, f);
+      }
+    fclose(f);
+  }
+
+  // The board: the button tile's centre grey (235) in the panel colour.
+  const rgb board = win.at(300, 150);
+  EXPECT_NEAR(board.r, tinted(235, win.boardColor.r), 6);
+  EXPECT_NEAR(board.g, tinted(235, win.boardColor.g), 6);
+  // The button, right of its caption, away from the borders.
+  const rgb push = win.at(80, 212);
+  EXPECT_NEAR(push.r, tinted(235, win.buttonColor.r), 6);
+  EXPECT_NEAR(push.b, tinted(235, win.buttonColor.b), 6);
+
+  // Check marks: a tick in the checked box, none in the unchecked one.
+  EXPECT_GT(darkPixels(win, 100, 202, 116, 218), 6);
+  EXPECT_EQ(darkPixels(win, 100, 172, 116, 188), 0);
+  // Radio buttons: a dot in the middle of the checked one only; both have their ring.
+  const rgb dot = win.at(218, 210);
+  EXPECT_LT(dot.r, 110);
+  const rgb hollow = win.at(218, 180);
+  EXPECT_GT(hollow.r, 150);
+  EXPECT_GT(darkPixels(win, 210, 172, 226, 188), 6) << "the ring";
+
+  // The slider's cursor, in the cursor colour, sits in the middle at 50.
+  EXPECT_TRUE(blueish(win.at(70, 140)));
+  EXPECT_FALSE(blueish(win.at(30, 140)));
+  EXPECT_FALSE(blueish(win.at(110, 140)));
+
+  // The scroll bar's cursor is a quarter of the bar (168 pixels) long, from its start.
+  int cursorPixels = 0;
+  for (int x = 10; x < 210; ++x) cursorPixels += blueish(win.at(x, 98)) ? 1 : 0;
+  EXPECT_NEAR(cursorPixels, 42, 3);
+  EXPECT_TRUE(blueish(win.at(10 + 16 + 2 + 21, 98)));
+
+  // The progress bar's fill covers the first half of its inside, in the accent colour.
+  const rgb filled = win.at(40, 60);
+  EXPECT_GT(filled.b, filled.r + 60);
+  const rgb empty = win.at(180, 60);
+  EXPECT_NEAR(empty.r, empty.b, 10);
+  EXPECT_GT(empty.r, 150);
+
+  // The separator is a thin line: its pixels differ from the board's just beside it.
+  const rgb line = win.at(150, 30);
+  const rgb beside = win.at(150, 36);
+  EXPECT_GT(std::abs(line.r - beside.r) + std::abs(line.g - beside.g), 20);
+  EXPECT_EQ(win.at(150, 33).r, beside.r) << "two pixels thick";
+}

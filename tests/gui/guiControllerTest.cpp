@@ -1,0 +1,577 @@
+#include "jev3d/gui/guiController.h"
+
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "jev3d/gui/canvas.h"
+#include "jev3d/gui/label.h"
+#include "jev3d/gui/panel.h"
+#include "jev3d/gui/widget.h"
+#include "jev3d/renderer/cameraStack.h"
+#include "jev3d/resources/textureStorage.h"
+#include "system/windowTestSupport.h"
+
+using namespace JEV;
+using namespace JEV::GUI;
+using namespace JEV::PLATFORM;
+using JEV::SYSTEM::EVENT_TYPE;
+using JEV::SYSTEM::inputEvent;
+using JEV::SYSTEM::inputEventDelegate;
+
+namespace {
+
+// Writes "<name> <type>" for each event heard into a log shared by several listeners,
+// so that a test reads the order in which they were called.
+struct listener {
+  listener(std::vector<std::string>* log, std::string name) : log(log), name(std::move(name)) {}
+  void onEvent(const inputEvent* e) {
+    log->push_back(name + " " + std::to_string(int(e->type)));
+    lastPrevious = e->previous;
+    lastTarget = e->target;
+  }
+  std::vector<std::string>* log;
+  std::string name;
+  widget* lastPrevious = nullptr;
+  widget* lastTarget = nullptr;
+};
+
+// A window of 320 x 240 with the GUI controller, on the scripted platform. The window's
+// own loop builds the desktop; each test body runs on the loop's thread and drives input
+// through the window procedure, then runs the controller's update and render as the
+// loop's ticks would.
+class guiControllerTest : public scriptedPlatformTest {
+ protected:
+  void SetUp() override {
+    scriptedPlatformTest::SetUp();
+    // Every main window comes with its controller.
+    gui = dynamic_cast<guiController*>(win.getGui());
+    ASSERT_NE(gui, nullptr);
+  }
+  std::int64_t send(unsigned msg, std::uint64_t w = 0, std::int64_t l = 0) {
+    return platform.send(win.getHWnd(), msg, w, l);
+  }
+  // Window coordinates, origin at the bottom left, as the GUI sees them.
+  void moveTo(int x, int y) {
+    lastX = x;
+    lastY = 240 - y;
+    send(WM_MOUSEMOVE, 0, makeLParam(lastX, lastY));
+  }
+  void press(unsigned msg) { send(msg, 0, makeLParam(lastX, lastY)); }
+  void leftClickAt(int x, int y) {
+    moveTo(x, y);
+    press(WM_LBUTTONDOWN);
+    press(WM_LBUTTONUP);
+  }
+  void rightClickAt(int x, int y) {
+    moveTo(x, y);
+    press(WM_RBUTTONDOWN);
+    press(WM_RBUTTONUP);
+  }
+  void run(const std::function<void()>& body) { runWithWindow(app, platform, win, body); }
+  // A panel at (x, y) of 60 x 40 under `parent` (the desktop when null), placed freely.
+  panel* addPanelAt(const std::wstring& id, float x, float y, widget* parent = nullptr) {
+    panel* p = gui->addPanel(id, parent);
+    EXPECT_NE(p, nullptr);
+    p->layout.setHorizontal(HA_FREE);
+    p->layout.setVertical(VA_FREE);
+    p->setRect2D(x, y, 60, 40);
+    return p;
+  }
+  void listen(widget* w, listener& l, std::initializer_list<EVENT_TYPE> types) {
+    delegates.emplace_back(&l, &listener::onEvent);
+    for (EVENT_TYPE t : types) w->registerInputEventCallBack(t, delegates.back());
+  }
+
+  SYSTEM::application app{L"", L""};
+  probeWindow win{&app, &device};
+  guiController* gui = nullptr;
+  std::list<inputEventDelegate> delegates;
+  std::vector<std::string> log;
+  int lastX = 0;
+  int lastY = 0;
+};
+
+}  // namespace
+
+TEST_F(guiControllerTest, initBuildsADesktopThatFollowsTheWindow) {
+  run([&] {
+    canvas* desktop = gui->getDesktop();
+    ASSERT_NE(desktop, nullptr);
+    EXPECT_EQ(desktop->getId(), L"GUICONTROLLER_WIDGET_DESKTOP");
+    EXPECT_EQ(gui->getRootWidget(), desktop);
+    ASSERT_EQ(gui->getCanvases().size(), 1u);
+    EXPECT_EQ(gui->getCanvases()[0], desktop);
+    gui->update();
+    EXPECT_EQ(desktop->getWidth(), 320.0f);
+    EXPECT_EQ(desktop->getHeight(), 240.0f);
+    win.getRenderingContext()->windowWidth = 500;
+    gui->update();
+    EXPECT_EQ(desktop->getWidth(), 500.0f);
+
+    // The tooltip is a hidden, top-most, private widget of the desktop.
+    widget* tip = gui->getToolTip();
+    ASSERT_NE(tip, nullptr);
+    EXPECT_EQ(tip->getId(), L"GUICONTROLLER_WIDGET_TOOLTIPS");
+    EXPECT_FALSE(tip->isVisible());
+    EXPECT_TRUE(tip->isTopMost());
+    EXPECT_EQ(desktop->getTopMost().size(), 1u);
+  });
+}
+
+TEST_F(guiControllerTest, registryAndFactoryByName) {
+  run([&] {
+    panel* p = gui->addPanel(std::string("P"), nullptr);
+    ASSERT_NE(p, nullptr);
+    EXPECT_EQ(p->getParent(), gui->getDesktop());
+    EXPECT_EQ(gui->addPanel(std::wstring(L"P"), nullptr), nullptr) << "a name in use";
+    label* l = gui->addLabel(p);
+    ASSERT_NE(l, nullptr);
+    EXPECT_EQ(l->getParent(), p);
+    EXPECT_NE(l->getId(), L"");
+    EXPECT_EQ(gui->getLabel(l->getId()), l);
+    EXPECT_EQ(gui->getPanel(l->getId()), nullptr) << "a label is no panel";
+    EXPECT_EQ(gui->getPanel("P"), p);
+    EXPECT_EQ(gui->getWidget(L"P"), p);
+    EXPECT_TRUE(gui->isValid(L"P"));
+    EXPECT_EQ(gui->add(WC_LABEL, L"L2", p)->getClass(), WC_LABEL);
+    EXPECT_EQ(gui->add(WC_WIDGET, L"W", p)->getClass(), WC_WIDGET);
+    EXPECT_EQ(gui->add(WIDGET_CLASS(24), L"X", p), nullptr);
+    // Desktop, tooltip, P, its label, L2, W.
+    EXPECT_EQ(gui->getWidgetsCount(), 6);
+
+    EXPECT_TRUE(gui->eraseNow(p));
+    EXPECT_FALSE(gui->isValid(L"P"));
+    EXPECT_EQ(l->getParent(), nullptr) << "the erased parent lets go of its children";
+    EXPECT_FALSE(gui->eraseNow(p)) << "not twice";
+    EXPECT_TRUE(gui->discard());
+    EXPECT_EQ(gui->getWidgetsCount(), 0);
+    EXPECT_TRUE(gui->getCanvases().empty());
+    EXPECT_EQ(gui->getToolTip(), nullptr);
+  });
+}
+
+TEST_F(guiControllerTest, hitTestFindsTheFrontMostPickableWidget) {
+  run([&] {
+    gui->update();
+    panel* back = addPanelAt(L"back", 10, 10);
+    panel* front = addPanelAt(L"front", 40, 20);
+    panel* child = addPanelAt(L"child", 5, 5, back);
+    EXPECT_EQ(gui->getWidgetBelowMouse(15, 15), child);
+    EXPECT_EQ(gui->getWidgetBelowMouse(60, 30), front) << "the later sibling is on top";
+    EXPECT_EQ(gui->getWidgetBelowMouse(300, 200), nullptr) << "the desktop itself is no answer";
+
+    // A child reaching out of its parent is hit only inside the parent.
+    child->setRect2D(50, 5, 60, 40);
+    EXPECT_EQ(gui->getWidgetBelowMouse(10 + 50 + 55, 20), nullptr);
+
+    // A top-most widget wins over a later sibling.
+    gui->setTopMost(back, true);
+    EXPECT_EQ(gui->getWidgetBelowMouse(45, 25), back);
+    gui->setTopMost(back, false);
+    EXPECT_EQ(gui->getWidgetBelowMouse(45, 25), front);
+
+    // Disabled widgets block nothing unless they let hits through.
+    front->enabled = false;
+    EXPECT_EQ(gui->getWidgetBelowMouse(90, 50), nullptr);
+    front->setFlagSkipDisabled(true);
+    EXPECT_EQ(gui->getWidgetBelowMouse(90, 50), front);
+
+    // A private widget is hit but never handed out by getWidgetAt.
+    front->getFlags().setFlag(WF_PRIVATE);
+    EXPECT_EQ(gui->getWidgetBelowMouse(90, 50), front);
+    EXPECT_EQ(gui->getWidgetAt(90, 50), nullptr);
+  });
+}
+
+TEST_F(guiControllerTest, clickReachesAbsoluteDelegatesThenTheWidgetThenItsRedirects) {
+  run([&] {
+    gui->update();
+    panel* control = addPanelAt(L"control", 10, 10);
+    panel* part = addPanelAt(L"part", 0, 0, control);
+    part->setRedirect(control);
+    listener window(&log, "window"), onPart(&log, "part"), onControl(&log, "control");
+    for (EVENT_TYPE t :
+         {SYSTEM::MOUSE_LEFT_DOWN, SYSTEM::MOUSE_LEFT_UP, SYSTEM::MOUSE_LEFT_CLICK}) {
+      delegates.emplace_back(&window, &listener::onEvent);
+      win.registerAbsoluteInputEventCallBack(t, delegates.back());
+    }
+    const auto clicks = {SYSTEM::MOUSE_LEFT_DOWN, SYSTEM::MOUSE_LEFT_UP, SYSTEM::MOUSE_LEFT_CLICK};
+    listen(part, onPart, clicks);
+    listen(control, onControl, clicks);
+
+    leftClickAt(20, 20);
+    EXPECT_TRUE(log.empty()) << "input waits for the update tick";
+    gui->update();
+    EXPECT_EQ(
+        log, (std::vector<std::string>{"window 15", "part 15", "control 15", "window 16", "part 16",
+                                       "control 16", "window 17", "part 17", "control 17"}));
+    EXPECT_EQ(onControl.lastPrevious, part);
+    EXPECT_EQ(onControl.lastTarget, control);
+    EXPECT_EQ(gui->getLastEvaluateEventype(), SYSTEM::MOUSE_LEFT_CLICK);
+    EXPECT_EQ(gui->getSecondLastEvaluateEventype(), SYSTEM::MOUSE_LEFT_UP);
+
+    // A click on the bare desktop reaches the window's delegates alone.
+    log.clear();
+    leftClickAt(300, 200);
+    gui->update();
+    EXPECT_EQ(log, (std::vector<std::string>{"window 15", "window 16", "window 17"}));
+
+    // A disabled control hears nothing through its part.
+    log.clear();
+    control->enabled = false;
+    leftClickAt(20, 20);
+    gui->update();
+    EXPECT_EQ(log, (std::vector<std::string>{"window 15", "window 16", "window 17"}));
+  });
+}
+
+TEST_F(guiControllerTest, clickStatesFollowDownAndUp) {
+  run([&] {
+    gui->update();
+    panel* p = addPanelAt(L"p", 10, 10);
+    p->getFlags().setFlag(WF_FADE_DOWN);
+    p->setColorNormal(CORE::color(10, 20, 30, 255));
+    p->setColorDown(CORE::color(200, 100, 50, 255));
+    moveTo(20, 20);
+    press(WM_LBUTTONDOWN);
+    gui->update();
+    EXPECT_TRUE(p->getFlags().isFlagSet(WF_FADE)) << "a fade to the down colour runs";
+    press(WM_LBUTTONUP);
+    gui->update();
+    EXPECT_TRUE(p->getFlags().isFlagSet(WF_FADE)) << "and back to normal";
+  });
+}
+
+TEST_F(guiControllerTest, focusMovesOnClicksAndKeysGoToTheFocusedWidget) {
+  run([&] {
+    gui->update();
+    panel* a = addPanelAt(L"a", 10, 10);
+    panel* b = addPanelAt(L"b", 100, 10);
+    panel* inA = addPanelAt(L"inA", 5, 5, a);
+    inA->setRect2D(5, 5, 10, 10);
+    panel* plain = addPanelAt(L"plain", 200, 10);
+    a->setOnFocusOnClick(true);
+    b->setOnFocusOnClick(true);
+    listener onA(&log, "a"), onB(&log, "b");
+    const auto heard = {SYSTEM::FOCUS_GAINED, SYSTEM::FOCUS_LOST, SYSTEM::KEY_DOWN};
+    listen(a, onA, heard);
+    listen(b, onB, heard);
+
+    leftClickAt(50, 40);
+    gui->update();
+    EXPECT_EQ(gui->getFocusedWidget(), a);
+    EXPECT_EQ(log, (std::vector<std::string>{"a 28"}));
+
+    // Keys go to the focused widget, wherever the mouse is.
+    log.clear();
+    moveTo(120, 20);
+    send(WM_KEYDOWN, 'Q', 0x100001);
+    send(WM_KEYUP, 'Q', 0xC0100001);
+    gui->update();
+    EXPECT_EQ(log, (std::vector<std::string>{"a 30"}));
+
+    // A click on a child of the focused widget keeps the focus.
+    log.clear();
+    leftClickAt(20, 20);
+    EXPECT_EQ(gui->getWidgetBelowMouse(20, 20), inA);
+    gui->update();
+    EXPECT_EQ(gui->getFocusedWidget(), a);
+    EXPECT_TRUE(log.empty());
+
+    leftClickAt(120, 20);
+    gui->update();
+    EXPECT_EQ(gui->getFocusedWidget(), b);
+    EXPECT_EQ(log, (std::vector<std::string>{"a 29", "b 28"}));
+
+    // A widget that takes no focus on click leaves none.
+    log.clear();
+    leftClickAt(220, 20);
+    gui->update();
+    EXPECT_EQ(gui->getFocusedWidget(), nullptr);
+    EXPECT_EQ(log, (std::vector<std::string>{"b 29"}));
+    (void)plain;
+  });
+}
+
+TEST_F(guiControllerTest, aPopupOpensOnRightClickAndClosesOnAnOutsideClick) {
+  run([&] {
+    gui->update();
+    panel* owner = addPanelAt(L"owner", 10, 10);
+    panel* other = addPanelAt(L"other", 200, 10);
+    panel* menu = addPanelAt(L"menu", 0, 0);
+    panel* entry = addPanelAt(L"entry", 0, 0, menu);
+    menu->visible = false;
+    gui->setPopUpMenu(owner, L"menu");
+    listener onOther(&log, "other");
+    listen(other, onOther, {SYSTEM::MOUSE_LEFT_DOWN});
+
+    rightClickAt(30, 30);
+    gui->update();
+    EXPECT_EQ(gui->getSchedule().getPopup(), menu);
+    EXPECT_TRUE(menu->isVisible());
+    EXPECT_EQ(menu->getPositionX(), 30.0f);
+    EXPECT_EQ(menu->getPositionY(), 30.0f - menu->getHeight());
+
+    // A click inside the menu keeps it open.
+    const widget::point3f inside = entry->getAbsolutePos();
+    leftClickAt(int(inside.x) + 2, int(inside.y) + 2);
+    gui->update();
+    EXPECT_TRUE(menu->isVisible());
+
+    // Outside, it closes, and the click still reaches the widget below.
+    leftClickAt(220, 20);
+    gui->update();
+    EXPECT_FALSE(menu->isVisible());
+    EXPECT_EQ(gui->getSchedule().getPopup(), nullptr);
+    EXPECT_EQ(log, (std::vector<std::string>{"other 15"}));
+
+    // The suppress bit skips one opening.
+    owner->getFlags().setFlag(WF_SKIP_NEXT_POPUP);
+    rightClickAt(30, 30);
+    gui->update();
+    EXPECT_FALSE(menu->isVisible());
+    EXPECT_FALSE(owner->getFlags().isFlagSet(WF_SKIP_NEXT_POPUP));
+  });
+}
+
+TEST_F(guiControllerTest, aRedirectsMenuIsTheOneThatStaysOpen) {
+  run([&] {
+    gui->update();
+    panel* control = addPanelAt(L"control", 10, 10);
+    panel* part = addPanelAt(L"part", 0, 0, control);
+    part->setRedirect(control);
+    panel* partMenu = addPanelAt(L"partMenu", 0, 0);
+    panel* controlMenu = addPanelAt(L"controlMenu", 0, 0);
+    partMenu->visible = false;
+    controlMenu->visible = false;
+    gui->setPopUpMenu(part, L"partMenu");
+    gui->setPopUpMenu(control, L"controlMenu");
+    rightClickAt(15, 15);
+    gui->update();
+    EXPECT_EQ(gui->getSchedule().getPopup(), controlMenu);
+    EXPECT_FALSE(partMenu->isVisible());
+    EXPECT_TRUE(controlMenu->isVisible());
+  });
+}
+
+TEST_F(guiControllerTest, theTooltipWaitsForItsTimerAndFollowsTheHoveredWidget) {
+  run([&] {
+    gui->update();
+    panel* a = addPanelAt(L"a", 10, 10);
+    panel* b = addPanelAt(L"b", 200, 150);
+    a->setToolTip(L"first tip");
+    b->setToolTip(L"second");
+    widget* tip = gui->getToolTip();
+    ASSERT_NE(tip, nullptr);
+
+    moveTo(20, 20);
+    gui->update();
+    EXPECT_EQ(gui->getHoverToolTipWidget(), a);
+    gui->render();
+    EXPECT_FALSE(tip->isVisible()) << "not before the timer";
+
+    gui->showToolTip();  // what the timer runs when the delay is over
+    gui->render();
+    EXPECT_TRUE(tip->isVisible());
+    EXPECT_EQ(tip->getCaption(), L"first tip");
+    EXPECT_EQ(tip->getPositionX(), 20.0f + 16);
+    EXPECT_EQ(tip->getPositionY(), std::max(0.0f, 20.0f - 16 - tip->getHeight()));
+    EXPECT_EQ(gui->getHoverToolTipWidget(), nullptr);
+
+    // Over the other widget, near the top right corner: hidden again, then shown with
+    // its text, flipped to stay in the window.
+    moveTo(250, 180);
+    gui->update();
+    EXPECT_FALSE(tip->isVisible());
+    gui->showToolTip();
+    gui->render();
+    EXPECT_TRUE(tip->isVisible());
+    EXPECT_EQ(tip->getCaption(), L"second");
+    const float x = 250.0f + 16;
+    EXPECT_EQ(tip->getPositionX(), x + tip->getWidth() > 320 ? x - tip->getWidth() : x);
+
+    // Leaving clears the due tooltip: a late timer shows nothing.
+    moveTo(300, 100);
+    gui->update();
+    EXPECT_FALSE(tip->isVisible());
+    gui->showToolTip();
+    gui->render();
+    EXPECT_FALSE(tip->isVisible());
+  });
+}
+
+TEST_F(guiControllerTest, theTooltipTimerShowsItAfterItsPeriod) {
+  run([&] {
+    gui->update();
+    panel* a = addPanelAt(L"a", 10, 10);
+    a->setToolTip(L"tip");
+    moveTo(20, 20);
+    gui->update();
+    // The timer thread raises the flag; no assertion on how long that takes.
+    for (int i = 0; i < 1000 && !gui->showToolTipNowFlag.cV(); ++i) {
+      std::this_thread::sleep_for(std::chrono::milliseconds(10));
+    }
+    ASSERT_TRUE(gui->showToolTipNowFlag.cV());
+    gui->render();
+    EXPECT_TRUE(gui->getToolTip()->isVisible());
+    EXPECT_FALSE(gui->showToolTipNowFlag.cV());
+  });
+}
+
+TEST_F(guiControllerTest, widgetsErasedDuringAScheduleAreNotTouchedAfterwards) {
+  run([&] {
+    gui->update();
+    panel* killer = addPanelAt(L"killer", 10, 10);
+    panel* victim = addPanelAt(L"victim", 100, 10);
+    panel* part = addPanelAt(L"part", 0, 0, victim);
+    part->setRect2D(0, 0, 10, 10);
+    part->setRedirect(victim);
+    listener onVictim(&log, "victim");
+    listen(victim, onVictim, {SYSTEM::MOUSE_LEFT_CLICK, SYSTEM::KEY_DOWN});
+    struct eraser {
+      guiController* gui;
+      widget* victim;
+      widget* self;
+      void onDown(const inputEvent*) {
+        gui->eraseNow(victim);
+        gui->eraseNow(self);
+      }
+    } e{gui, victim, killer};
+    inputEventDelegate d(&e, &eraser::onDown);
+    killer->registerInputEventCallBack(SYSTEM::MOUSE_LEFT_DOWN, d);
+    victim->setOnFocusOnClick(true);
+
+    // The victim has focus, and events for it and its part wait behind the killer's.
+    leftClickAt(150, 40);
+    gui->update();
+    ASSERT_EQ(gui->getFocusedWidget(), victim);
+    log.clear();
+    leftClickAt(20, 20);
+    gui->simulateInputEvent(SYSTEM::MOUSE_LEFT_CLICK,
+                            SYSTEM::sharedPointer<inputEvent>(
+                                new inputEvent(SYSTEM::MOUSE_LEFT_CLICK, victim, nullptr)));
+    gui->simulateInputEvent(
+        SYSTEM::MOUSE_LEFT_CLICK,
+        SYSTEM::sharedPointer<inputEvent>(new inputEvent(SYSTEM::MOUSE_LEFT_CLICK, part, nullptr)));
+    gui->update();
+    EXPECT_FALSE(gui->isValid(L"victim"));
+    EXPECT_FALSE(gui->isValid(L"killer"));
+    EXPECT_TRUE(log.empty());
+    EXPECT_EQ(gui->getFocusedWidget(), nullptr);
+    EXPECT_EQ(part->getRedirect(), nullptr);
+    // Leave, enter, down, up, click, and the two queued: every event counted.
+    EXPECT_EQ(gui->getSchedule().getEvaluated().size(), 7u);
+    // The window procedure no longer knows them either.
+    EXPECT_EQ(win.getInputContext()->widgetBelowMouse, nullptr);
+    moveTo(25, 25);
+    send(WM_KEYDOWN, 'Q', 0x100001);
+    gui->update();
+    gui->render();
+    EXPECT_TRUE(log.empty());
+  });
+}
+
+TEST_F(guiControllerTest, erasuresQueuedForRenderTakeAtMostThirtyTwoAFrame) {
+  run([&] {
+    gui->update();
+    std::vector<widget*> many;
+    for (int i = 0; i < 33; ++i) many.push_back(addPanelAt(L"p" + std::to_wstring(i), 1, 1));
+    const int before = gui->getWidgetsCount();
+    for (widget* w : many) gui->eraseAfter(w);
+    device.calls.clear();
+    gui->render();
+    EXPECT_EQ(gui->getWidgetsCount(), before - 32);
+    // They were drawn in the frame that erased them.
+    int patches = 0;
+    for (const std::string& c : device.calls) patches += c.rfind("renderIndexedGeometry", 0) == 0;
+    EXPECT_GE(patches, 33);
+    gui->render();
+    EXPECT_EQ(gui->getWidgetsCount(), before - 33);
+  });
+}
+
+TEST_F(guiControllerTest, renderBracketsTheWidgetsInTheGuiStates) {
+  run([&] {
+    gui->update();
+    addPanelAt(L"p", 10, 10);
+    device.calls.clear();
+    gui->render();
+    // The first call of each kind, in order: the controller's skin and blending, then the
+    // desktop's pixel camera, unlit and without depth test, then the patches.
+    std::vector<std::string> order;
+    for (const std::string& c : device.calls) {
+      for (const char* key : {"setTextureState", "setAlphaState", "setBlendState", "setCameraState",
+                              "setLightingState 0", "setZbufferState 0", "renderIndexedGeometry"}) {
+        if (c.rfind(key, 0) == 0 && std::find(order.begin(), order.end(), key) == order.end())
+          order.push_back(key);
+      }
+    }
+    EXPECT_EQ(order, (std::vector<std::string>{"setTextureState", "setAlphaState", "setBlendState",
+                                               "setCameraState", "setLightingState 0",
+                                               "setZbufferState 0", "renderIndexedGeometry"}));
+    // After the frame the stacks are as the scene left them.
+    EXPECT_EQ(win.getRenderingContext()->getCameraStack()->getDepth(), 1);
+  });
+}
+
+TEST_F(guiControllerTest, colourSchemaRecoloursWidgetsThatUseIt) {
+  run([&] {
+    panel* p = gui->addPanel(std::wstring(L"p"), nullptr);
+    p->setUseSchemaColor(true);
+    p->setjustColor(WCC_PANEL);
+    EXPECT_EQ(gui->getColor(WCC_PANEL, 0).r, 0xD2);
+    gui->setColor(WCC_PANEL, CORE::color(1, 2, 3, 255), 0);
+    EXPECT_EQ(gui->getColor(WCC_PANEL, 0).g, 2);
+    EXPECT_EQ(p->getColorNormal().b, 3);
+    panel* own = gui->addPanel(std::wstring(L"own"), nullptr);
+    own->setUseSchemaColor(false);
+    own->setColorNormal(CORE::color(9, 9, 9, 255));
+    gui->setColor(WCC_CUSTOM_WIDGET, CORE::color(1, 1, 1, 255), 0);
+    EXPECT_EQ(own->getColorNormal().r, 9);
+  });
+}
+
+TEST_F(guiControllerTest, skinsByName) {
+  run([&] {
+    // Without its sheets in the storage, no skin holds.
+    EXPECT_EQ(gui->getSkin(), GUI_NO_SKIN);
+    ASSERT_TRUE(win.getRenderingContext()->getTextureStorage()->loadDefaultTexture());
+    gui->setSkin(GUI_XP_SKIN);
+    EXPECT_EQ(gui->getSkin(), GUI_XP_SKIN);
+    gui->setSkin(GUI_RAG_SKIN);
+    EXPECT_EQ(gui->getSkin(), GUI_RAG_SKIN);
+    gui->setSkin(7);
+    EXPECT_EQ(gui->getSkin(), GUI_NO_SKIN);
+  });
+}
+
+TEST(eventScheduleTable, actionsByEventType) {
+  using S = eventSchedule;
+  EXPECT_EQ(S::actionsFor(SYSTEM::MOUSE_MOVE_ENTER), S::ACT_ENTER | S::ACT_HIGHLIGHTED);
+  EXPECT_EQ(S::actionsFor(SYSTEM::MOUSE_DRAG_OVER_LEAVE), S::ACT_LEAVE | S::ACT_NORMAL);
+  EXPECT_EQ(S::actionsFor(SYSTEM::MOUSE_LEFT_DRAG_LEAVE), S::ACT_INPUT | S::ACT_CLOSE_AFTER);
+  EXPECT_EQ(S::actionsFor(SYSTEM::MOUSE_LEFT_DOWN),
+            S::ACT_FOCUS | S::ACT_CLOSE_BEFORE | S::ACT_DOWN);
+  EXPECT_EQ(S::actionsFor(SYSTEM::MOUSE_LEFT_UP), S::ACT_NORMAL);
+  EXPECT_EQ(S::actionsFor(SYSTEM::MOUSE_RIGHT_CLICK),
+            S::ACT_FOCUS | S::ACT_CLOSE_BEFORE | S::ACT_INPUT | S::ACT_OPEN);
+  for (EVENT_TYPE t :
+       {SYSTEM::MOUSE_LEFT_CLICK, SYSTEM::MOUSE_LEFT_DOUBLE_CLICK, SYSTEM::MOUSE_RIGHT_DOWN,
+        SYSTEM::MOUSE_RIGHT_DOUBLE_CLICK, SYSTEM::MOUSE_MIDDLE_DOWN, SYSTEM::MOUSE_MIDDLE_CLICK,
+        SYSTEM::MOUSE_MIDDLE_DOUBLE_CLICK}) {
+    EXPECT_EQ(S::actionsFor(t), S::ACT_FOCUS | S::ACT_CLOSE_BEFORE | S::ACT_INPUT) << t;
+  }
+  for (EVENT_TYPE t : {SYSTEM::MOUSE_MOVE, SYSTEM::MOUSE_DRAG_MOVE, SYSTEM::MOUSE_LEFT_DRAG_ENTER,
+                       SYSTEM::MOUSE_LEFT_DRAG, SYSTEM::MOUSE_RIGHT_UP, SYSTEM::MOUSE_MIDDLE_UP,
+                       SYSTEM::MOUSE_WHEEL, SYSTEM::KEY_DOWN, SYSTEM::KEY_CHAR, SYSTEM::KEY_UP}) {
+    EXPECT_EQ(S::actionsFor(t), unsigned(S::ACT_INPUT)) << t;
+  }
+  for (int t = SYSTEM::FOCUS_GAINED; t <= SYSTEM::EVENT_TYPE_COUNT; ++t) {
+    if (t >= SYSTEM::KEY_DOWN && t <= SYSTEM::KEY_UP) continue;
+    EXPECT_EQ(S::actionsFor(EVENT_TYPE(t)), unsigned(S::ACT_NONE)) << t;
+  }
+}

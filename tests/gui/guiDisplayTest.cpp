@@ -1,0 +1,188 @@
+// A real window on the display: widgets drawn over a 3D scene, and a click posted to the
+// window that changes a widget and, at the next frame, its pixels.
+#include <GL/glew.h>
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <chrono>
+#include <cstdint>
+#include <thread>
+#include <vector>
+
+#include "jev3d/gui/guiController.h"
+#include "jev3d/gui/label.h"
+#include "jev3d/gui/panel.h"
+#include "jev3d/platform/messages.h"
+#include "jev3d/renderer/rendergl/renderGL.h"
+#include "jev3d/renderer/renderingContext.h"
+#include "jev3d/resources/textureStorage.h"
+#include "jev3d/system/application.h"
+#include "jev3d/system/winMain.h"
+
+using namespace JEV;
+using namespace JEV::PLATFORM;
+using JEV::RENDERING::renderer;
+
+namespace {
+
+constexpr int W = 240;
+constexpr int H = 180;
+
+struct rgb {
+  int r, g, b;
+};
+
+// Draws a lit-free red quad in perspective as its scene, then the GUI itself so that the
+// frame can be read back before the swap. The first frame posts a click on the button;
+// the frame after the click closes the window.
+class sceneWindow : public SYSTEM::winMain {
+ public:
+  sceneWindow(SYSTEM::application* app, renderer* device)
+      : winMain(app, device, nullptr, false, true, L"") {
+    setCaption(L"jev3d widgets over a scene");
+    setSize(W, H);
+    // The window draws its GUI itself, between the scene and the read-back.
+    renderGui = false;
+  }
+
+  bool init() override {
+    handle = getHWnd();
+    return getRenderingContext()->getTextureStorage()->loadDefaultTexture();
+  }
+
+  void draw() override {
+    auto* gui = dynamic_cast<GUI::guiController*>(getGui());
+    if (!gui) return;
+    if (!button) build(*gui);
+    drawScene();
+    gui->render();
+    std::vector<std::uint8_t>& target = clicked ? after : before;
+    target.assign(size_t(W) * H * 4, 0);
+    getRenderer()->readPixels(0, 0, W, H, renderer::PIXELDATA_RGBA, renderer::DATA_UNSIGNED_BYTE,
+                              target.data());
+    if (clicked) {
+      checkedAfter = button->checked.cV();
+      closeWindow();
+    } else if (!clickPosted) {
+      clickPosted = true;
+      // Native coordinates: origin at the top left.
+      const std::int64_t at = makeLParam(60, H - 50);
+      current().postMessage(getHWnd(), WM_MOUSEMOVE, 0, at);
+      current().postMessage(getHWnd(), WM_LBUTTONDOWN, 0, at);
+      current().postMessage(getHWnd(), WM_LBUTTONUP, 0, at);
+    }
+  }
+
+  void onClick(const SYSTEM::inputEvent*) {
+    button->checked = true;
+    button->setColorNormal(CORE::color(255, 40, 40, 255));
+    clicked = true;
+  }
+
+  static rgb at(const std::vector<std::uint8_t>& px, int x, int y) {
+    const std::uint8_t* p = px.data() + (size_t(y) * W + size_t(x)) * 4;
+    return rgb{p[0], p[1], p[2]};
+  }
+
+  std::atomic<windowHandle> handle{0};
+  GUI::panel* button = nullptr;
+  std::atomic<bool> clicked{false};
+  bool clickPosted = false;
+  // Read in the frame after the click: the widgets are gone with the window.
+  bool checkedAfter = false;
+  std::vector<std::uint8_t> before, after;
+
+ private:
+  void build(GUI::guiController& gui) {
+    GUI::panel* bar = gui.addPanel(std::wstring(L"bar"), nullptr);
+    bar->setRect2D(10, 10, 220, 80);
+    button = gui.addPanel(std::wstring(L"button"), bar);
+    button->setUseSchemaColor(false);
+    button->setColorNormal(CORE::color(40, 220, 40, 255));
+    button->setRect2D(20, 10, 60, 50);
+    GUI::label* caption = gui.addLabel(std::wstring(L"caption"), bar);
+    caption->setRect2D(120, 10, 80, 30);
+    onClickDelegate = SYSTEM::inputEventDelegate(this, &sceneWindow::onClick);
+    button->registerInputEventCallBack(SYSTEM::MOUSE_LEFT_CLICK, onClickDelegate);
+  }
+
+  // A blue background and a red quad in perspective over the upper part of the window,
+  // drawn with the GL state saved and restored around it, so that the device's copies of
+  // the state stay true.
+  void drawScene() {
+    glViewport(0, 0, W, H);
+    glClearColor(0.1f, 0.1f, 0.5f, 1.0f);
+    glClear(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT);
+    glPushAttrib(GL_ALL_ATTRIB_BITS);
+    glMatrixMode(GL_PROJECTION);
+    glPushMatrix();
+    glLoadIdentity();
+    glFrustum(-1, 1, -0.75, 0.75, 1, 10);
+    glMatrixMode(GL_MODELVIEW);
+    glPushMatrix();
+    glLoadIdentity();
+    glDisable(GL_LIGHTING);
+    glDisable(GL_TEXTURE_2D);
+    glDisable(GL_BLEND);
+    glDisable(GL_SCISSOR_TEST);
+    glEnable(GL_DEPTH_TEST);
+    glColor3f(0.9f, 0.1f, 0.1f);
+    glBegin(GL_QUADS);
+    glVertex3f(-2.0f, 0.2f, -2.0f);
+    glVertex3f(2.0f, 0.2f, -2.0f);
+    glVertex3f(2.0f, 1.5f, -3.0f);
+    glVertex3f(-2.0f, 1.5f, -3.0f);
+    glEnd();
+    glPopMatrix();
+    glMatrixMode(GL_PROJECTION);
+    glPopMatrix();
+    glMatrixMode(GL_MODELVIEW);
+    glPopAttrib();
+  }
+
+  SYSTEM::inputEventDelegate onClickDelegate;
+};
+
+}  // namespace
+
+TEST(guiOnDisplay, widgetsOverASceneChangeTheirPixelsAfterAClick) {
+  SYSTEM::application app(L"", L"");
+  RENDERING::renderGL device;
+  sceneWindow win(&app, &device);
+  app.addWin(&win);
+  std::atomic<bool> done{false};
+  // Closes the window if the frames never come, so that a broken display fails.
+  std::thread watchdog([&] {
+    for (int i = 0; i < 300 && !done; ++i)
+      std::this_thread::sleep_for(std::chrono::milliseconds(100));
+    if (!done && win.handle.load()) current().postMessage(win.handle.load(), WM_CLOSE, 0, 0);
+  });
+  EXPECT_EQ(app.mainLoop(), 1);
+  done = true;
+  watchdog.join();
+  ASSERT_TRUE(win.clicked.load()) << "the click reached the widget";
+  ASSERT_FALSE(win.before.empty());
+  ASSERT_FALSE(win.after.empty());
+  EXPECT_TRUE(win.checkedAfter);
+
+  // The scene shows where no widget is: red quad above, blue background at the top edge
+  // corners, and the bar's panel below.
+  const rgb scene = sceneWindow::at(win.before, W / 2, H - 40);
+  EXPECT_GT(scene.r, 150);
+  EXPECT_LT(scene.g, 80);
+  const rgb sky = sceneWindow::at(win.before, 5, H - 3);
+  EXPECT_GT(sky.b, sky.r);
+  const rgb bar = sceneWindow::at(win.before, 210, 80);
+  EXPECT_GT(bar.g, 100) << "the panel covers the scene";
+  EXPECT_GT(bar.b, 100);
+
+  // The button, green before the click, red at the next frame; the rest is unchanged.
+  const rgb green = sceneWindow::at(win.before, 60, 45);
+  const rgb red = sceneWindow::at(win.after, 60, 45);
+  EXPECT_GT(green.g, green.r + 60);
+  EXPECT_GT(red.r, red.g + 60);
+  const rgb barAfter = sceneWindow::at(win.after, 210, 80);
+  EXPECT_EQ(barAfter.r, bar.r);
+  EXPECT_EQ(barAfter.g, bar.g);
+  EXPECT_EQ(barAfter.b, bar.b);
+}
