@@ -79,11 +79,19 @@ void buildProject(guiController& gc) {
   label* l = gc.addLabel(L"label", p);
   l->setPosition(5, 6, 0);
   l->visible = false;
-  gc.add(WC_BUTTON, L"button", p);
+  auto* b = static_cast<button*>(gc.add(WC_BUTTON, L"button", p));
+  b->setCheckable(true);
+  b->setFlat(true);
+  b->setIcon(widget::ICON_HELP);
+  b->setSizeIcon(24);
+  b->setButtonStyle(BS_ICON_ABOVE);
+  auto* plainButton = static_cast<button*>(gc.add(WC_BUTTON, L"button2", p));
+  plainButton->setIcon(std::wstring(L"MY_OWN_TEXTURE"));
   widget* cb = gc.add(WC_CHECKBOX, L"checkbox", p);
   cb->checked = true;
   gc.add(WC_RADIOBUTTON, L"radio", p);
-  gc.add(WC_PICTUREBOX, L"picture", nullptr);
+  static_cast<picturebox*>(gc.add(WC_PICTUREBOX, L"picture", nullptr))
+      ->setIcon(widget::ICON_ARROW_UP);
   widget* s = gc.add(WC_SLIDER, L"slider", nullptr);
   s->valueType = WVT_INTEGER;
   s->setValues(42.7f, -10, 300);
@@ -139,9 +147,9 @@ void expectSameFields(const widget& a, const widget& b) {
   EXPECT_EQ(parentA->getId(), parentB->getId());
 }
 
-const wchar_t* const projectIds[] = {L"plain",    L"panel",     L"label",    L"button",
-                                     L"checkbox", L"radio",     L"picture",  L"slider",
-                                     L"scroll",   L"separator", L"progress", L"canvas"};
+const wchar_t* const projectIds[] = {L"plain",     L"panel",    L"label",   L"button", L"button2",
+                                     L"checkbox",  L"radio",    L"picture", L"slider", L"scroll",
+                                     L"separator", L"progress", L"canvas"};
 
 const char* const smallProject =
     "<?xml version=\"1.0\" ?>\n"
@@ -190,7 +198,7 @@ TEST(guiProject, RoundTripGivesTheSameBytesAndFields) {
   for (size_t at = bytes.find("Alpha="); at != std::string::npos; at = bytes.find("Alpha=", at + 1))
     ++colorEntries;
   // 80 table entries, the eight own colours of "plain", and one font colour a widget.
-  EXPECT_EQ(colorEntries, 80u + 8u + 12u);
+  EXPECT_EQ(colorEntries, 80u + 8u + 13u);
 
   EXPECT_EQ(a->getWidgetsCount(), b->getWidgetsCount());
   for (const wchar_t* id : projectIds) {
@@ -206,6 +214,32 @@ TEST(guiProject, RoundTripGivesTheSameBytesAndFields) {
   EXPECT_TRUE(b->getWidget(std::wstring(L"plain"))->getToolTip().empty());
   EXPECT_EQ(b->getColor(WCC_BUTTON, WCI_DOWN), CORE::color(1, 2, 3, 4));
   EXPECT_EQ(b->getColor(WCC_TEXT, WCI_NORMAL), CORE::color(5, 6, 7, 8));
+  // The controls' own attributes.
+  for (const wchar_t* id : {L"button", L"button2"}) {
+    const auto* ba = static_cast<const button*>(a->getWidget(std::wstring(id)));
+    const auto* bb = static_cast<const button*>(b->getWidget(std::wstring(id)));
+    EXPECT_EQ(ba->getCheckable(), bb->getCheckable());
+    EXPECT_EQ(ba->getFlat(), bb->getFlat());
+    EXPECT_EQ(ba->getIcon(), bb->getIcon());
+    EXPECT_EQ(ba->getIconPart()->getIdTexture(), bb->getIconPart()->getIdTexture());
+    EXPECT_EQ(ba->getSizeIcon(), bb->getSizeIcon());
+    EXPECT_EQ(ba->getButtonStyle(), bb->getButtonStyle());
+  }
+  const auto* readButton = static_cast<const button*>(b->getWidget(std::wstring(L"button")));
+  EXPECT_TRUE(readButton->getCheckable());
+  EXPECT_EQ(readButton->getIcon(), widget::ICON_HELP);
+  EXPECT_EQ(readButton->getButtonStyle(), BS_ICON_ABOVE);
+  EXPECT_EQ(readButton->getSizeIcon(), 24);
+  EXPECT_EQ(static_cast<const button*>(b->getWidget(std::wstring(L"button2")))
+                ->getIconPart()
+                ->getIdTexture(),
+            L"MY_OWN_TEXTURE");
+  EXPECT_EQ(static_cast<const picturebox*>(b->getWidget(std::wstring(L"picture")))->getIcon(),
+            widget::ICON_ARROW_UP);
+  EXPECT_NE(bytes.find("BUTTON_STYLE=\"2\""), std::string::npos);
+  // Check boxes and radio buttons write the button attributes too.
+  EXPECT_NE(bytes.find("BUTTON_CHECKABLE=\"1\" BUTTON_FLAT=\"0\" BUTTON_STYLE=\"0\""),
+            std::string::npos);
   // Children keep their order.
   const widget* panelB = b->getWidget(std::wstring(L"panel"));
   EXPECT_EQ(panelB->getChildAt(0)->getId(), L"label");

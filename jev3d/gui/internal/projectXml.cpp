@@ -1,5 +1,6 @@
 #include "jev3d/gui/internal/projectXml.h"
 
+#include "jev3d/gui/picturebox.h"
 #include "jev3d/io/xml/xmlComment.h"
 #include "jev3d/io/xml/xmlDeclaration.h"
 #include "jev3d/io/xml/xmlDocument.h"
@@ -41,6 +42,26 @@ void openColor(const xmlElement& e, CORE::color& c) {
   readChannel(e, L"Green", c.g);
   readChannel(e, L"Blue", c.b);
   readChannel(e, L"Alpha", c.a);
+}
+
+void saveButtonAttributes(xmlElement& e, bool checkable, bool flat, const std::wstring& iconTexture,
+                          int iconSize, int style) {
+  e.setAttribute(L"BUTTON_CHECKABLE", checkable ? 1 : 0);
+  e.setAttribute(L"BUTTON_FLAT", flat ? 1 : 0);
+  e.setAttribute(L"ICON_TEXTURE", iconTexture);
+  e.setAttribute(L"ICON_TEXTURE_SQUARE_SIZE", iconSize);
+  e.setAttribute(L"BUTTON_STYLE", style);
+}
+
+void setIconFromProject(picturebox& target, const std::wstring& idTexture) {
+  for (int i = widget::ICON_AXIS; i <= widget::ICON_NULL; ++i) {
+    const auto icon = static_cast<widget::GUI_ICON>(i);
+    if (widget::iconToIdTexture(icon) == idTexture) {
+      target.setIcon(icon);
+      return;
+    }
+  }
+  target.setIcon(idTexture);
 }
 
 }  // namespace PROJECT
