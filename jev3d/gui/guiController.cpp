@@ -3,9 +3,13 @@
 #include <algorithm>
 
 #include "jev3d/gui/button.h"
+#include "jev3d/gui/buttongroup.h"
 #include "jev3d/gui/canvas.h"
 #include "jev3d/gui/checkbox.h"
+#include "jev3d/gui/combobox.h"
+#include "jev3d/gui/item.h"
 #include "jev3d/gui/label.h"
+#include "jev3d/gui/menu.h"
 #include "jev3d/gui/panel.h"
 #include "jev3d/gui/picturebox.h"
 #include "jev3d/gui/progressbar.h"
@@ -13,6 +17,7 @@
 #include "jev3d/gui/scrollbar.h"
 #include "jev3d/gui/separator.h"
 #include "jev3d/gui/slider.h"
+#include "jev3d/gui/tab.h"
 #include "jev3d/gui/widget.h"
 #include "jev3d/io/xml/stringConversion.h"
 #include "jev3d/renderer/renderStateStack.h"
@@ -157,11 +162,12 @@ void guiController::render() {
 
 bool guiController::discard() {
   guiMutex.wait(SYSTEM::INFINITE);
-  // Children first, so that no destructor reaches a parent already gone.
-  while (widgets.getEntryCount() > 0) {
-    widget* w = widgets.getEntry(widgets.getEntryCount() - 1).get();
-    eraseNow(w);
-  }
+  // Everything goes: no widget needs its redirects cleared. A destructor lets go of the
+  // widget's parent and children, so the order does not matter.
+  discarding = true;
+  const std::vector<widget*> all(live.begin(), live.end());
+  for (widget* w : all) eraseNow(w);
+  discarding = false;
   canvases.clear();
   hoverToolTipWidget = nullptr;
   toolTip = nullptr;
@@ -248,6 +254,7 @@ void guiController::unRegisterDropFileEventCallBack(SYSTEM::dropFileEventDelegat
 widget* guiController::registerWidget(widget* w, widget* parent) {
   SYSTEM::sharedPointer<widget> owned(w);
   if (!widgets.addEntry(w->getId(), owned)) return nullptr;  // `owned` deletes it
+  live.insert(w);
   w->setColorTable(&colorTable);
   if (w->getUseSchemaColor()) w->setjustColor(w->getClassColor());
   if (!parent) parent = desktop;
@@ -294,6 +301,16 @@ widget* guiController::add(WIDGET_CLASS cls, const std::wstring& widgetName, wid
       return make<separator>(widgetName, parent);
     case WC_PROGRESSBAR:
       return make<progressbar>(widgetName, parent);
+    case WC_ITEM:
+      return make<item>(widgetName, parent);
+    case WC_MENU:
+      return make<menu>(widgetName, parent);
+    case WC_TAB:
+      return make<tab>(widgetName, parent);
+    case WC_COMBOBOX:
+      return make<combobox>(widgetName, parent);
+    case WC_BUTTONGROUP:
+      return make<buttongroup>(widgetName, parent);
     default:
       // Classes this library does not build yet: a project naming them gets null.
       return nullptr;
@@ -338,6 +355,7 @@ canvas* guiController::addCanvas(const std::wstring& n, widget* parent) {
   canvas* c = new canvas(n, this, window);
   SYSTEM::sharedPointer<widget> owned(c);
   if (!widgets.addEntry(n, owned)) return nullptr;
+  live.insert(c);
   c->setColorTable(&colorTable);
   if (parent) c->connect(parent, true);
   c->config();
@@ -385,9 +403,8 @@ CORE::color guiController::getColor(WIDGET_CLASS_COLOR cls, int index) const {
 
 void guiController::setColor(WIDGET_CLASS_COLOR cls, const CORE::color& c, int index) {
   colorTable.setColor(cls, c, index);
-  for (int i = 0; i < widgets.getEntryCount(); ++i) {
-    widget* w = widgets.getEntry(i).get();
-    if (w && w->getUseSchemaColor()) w->setjustColor(w->getClassColor());
+  for (widget* w : live) {
+    if (w->getUseSchemaColor()) w->setjustColor(w->getClassColor());
   }
   refresh();
 }
@@ -461,10 +478,11 @@ void guiController::eraseAfter(widget* w) { eraseList.push_back(w); }
 
 bool guiController::eraseNow(widget* w) {
   if (!w) return false;
-  // Take a reference, so that the id stays readable while the entry goes.
+  // A copy: the widget, and its id with it, goes with the entry.
   const std::wstring id = w->getId();
   if (widgets.getEntry(id).get() != w) return false;
   forgetWidget(w);
+  live.erase(w);
   return widgets.erase(id);
 }
 
@@ -486,9 +504,10 @@ void guiController::forgetWidget(widget* w) {
   firstPlaneList.remove(w);
   canvases.erase(std::remove(canvases.begin(), canvases.end(), w), canvases.end());
   for (canvas* c : canvases) c->removeTopMost(w);
-  for (int i = 0; i < widgets.getEntryCount(); ++i) {
-    widget* other = widgets.getEntry(i).get();
-    if (other && other->getRedirect() == w) other->setRedirect(nullptr);
+  if (!discarding) {
+    for (widget* other : live) {
+      if (other->getRedirect() == w) other->setRedirect(nullptr);
+    }
   }
   if (inputContext) {
     if (inputContext->widgetBelowMouse == w) inputContext->widgetBelowMouse = nullptr;

@@ -5,6 +5,7 @@
 #include <utility>
 #include <map>
 #include <string>
+#include <unordered_set>
 #include <vector>
 
 #include "jev3d/fields/fieldBase.h"
@@ -208,7 +209,8 @@ class guiController : public SYSTEM::windowGui {
   // Erases at a later render, at most ERASE_PER_FRAME a frame; the widget stays drawn
   // in the frame that queued it.
   void eraseAfter(widget* w);
-  // Erases at once; the MT form takes the GUI lock.
+  // Erases a live widget at once: its children stay, unparented. The MT form takes the
+  // GUI lock.
   bool eraseNow(widget* w);
   bool eraseNowMT(widget* w);
 
@@ -260,6 +262,9 @@ class guiController : public SYSTEM::windowGui {
   guiColorTable colorTable;
   bool texteditWithFocusEnter = false;
   std::map<widget*, std::wstring> popUpMenus;
+  // The registry's widgets, for walks over all of them: the registry is keyed by id.
+  std::unordered_set<widget*> live;
+  bool discarding = false;
   std::wstring name;
 
  private:

@@ -10,9 +10,13 @@
 #include <vector>
 
 #include "jev3d/gui/button.h"
+#include "jev3d/gui/buttongroup.h"
 #include "jev3d/gui/checkbox.h"
+#include "jev3d/gui/combobox.h"
 #include "jev3d/gui/guiController.h"
+#include "jev3d/gui/item.h"
 #include "jev3d/gui/label.h"
+#include "jev3d/gui/menu.h"
 #include "jev3d/gui/panel.h"
 #include "jev3d/gui/picturebox.h"
 #include "jev3d/gui/progressbar.h"
@@ -20,6 +24,7 @@
 #include "jev3d/gui/scrollbar.h"
 #include "jev3d/gui/separator.h"
 #include "jev3d/gui/slider.h"
+#include "jev3d/gui/tab.h"
 #include "system/windowTestSupport.h"
 
 using namespace JEV;
@@ -473,5 +478,276 @@ TEST_F(controlsTest, disabledControlsIgnoreInput) {
     EXPECT_TRUE(box->checked.cV());
     EXPECT_FLOAT_EQ(s->value.cV(), 32.0f);
     EXPECT_FLOAT_EQ(sb->value.cV(), 50.0f);
+  });
+}
+
+TEST_F(controlsTest, menuOpensHighlightsAndFiresItsItemOnce) {
+  run([&] {
+    gui->update();
+    panel* target = addAt<panel>(WC_PANEL, L"target", 10, 150, 100, 60);
+    auto* m = static_cast<menu*>(gui->add(WC_MENU, L"m", nullptr));
+    ASSERT_NE(m, nullptr);
+    EXPECT_EQ(m->getClass(), WC_MENU);
+    EXPECT_FALSE(m->isVisible()) << "hidden until shown";
+    EXPECT_TRUE(m->isTopMost());
+    item* open = m->addItem(widget::ICON_FILE_OPEN, L"Open");
+    item* save = m->addItem(widget::ICON_FILE_SAVE, L"Save");
+    menu* more = m->addSubMenu(widget::ICON_NULL, L"More");
+    ASSERT_NE(more, nullptr);
+    item* deep = more->addItem(widget::ICON_NULL, L"Deep");
+    item* opener = m->getItems()[2];
+    EXPECT_EQ(more->getOpener(), opener);
+    EXPECT_EQ(opener->getSubMenu(), more);
+    EXPECT_TRUE(opener->getFlags().isFlagSet(WF_SUB_MENU));
+    EXPECT_TRUE(opener->getExpanderPart()->isVisible());
+    EXPECT_FALSE(open->getExpanderPart()->isVisible());
+    EXPECT_EQ(deep->treeLevel, 1);
+    EXPECT_EQ(deep->treeParent, opener);
+    for (item* i : {open, save, opener}) {
+      EXPECT_EQ(i->getClass(), WC_ITEM);
+      EXPECT_EQ(i->getClassColor(), WCC_ITEM);
+      EXPECT_EQ(i->getRedirect(), m);
+      for (const wchar_t* suffix : {L"_ICON", L"_CAPTION", L"_EXPANDER"}) partOf(i, suffix);
+    }
+    EXPECT_EQ(open->getCaptionPart()->getCaption(), L"Open");
+    EXPECT_EQ(open->getIconPart()->getIdTexture(), L"GUI_FILE_OPEN_ICON");
+    EXPECT_FLOAT_EQ(m->getHeight(), 4.0f + 3 * item::itemHeight);
+
+    counter opens, saves, deeps;
+    listen(open, opens, SYSTEM::MOUSE_LEFT_CLICK);
+    listen(save, saves, SYSTEM::MOUSE_LEFT_CLICK);
+    listen(deep, deeps, SYSTEM::MOUSE_LEFT_CLICK);
+    gui->setPopUpMenu(target, L"m");
+    auto rightClickAt = [&](float x, float y) {
+      moveTo(x, y);
+      press(WM_RBUTTONDOWN);
+      press(WM_RBUTTONUP);
+      gui->update();
+    };
+    // A right click on the target opens the menu there, items from the top down.
+    rightClickAt(50, 180);
+    EXPECT_TRUE(m->isVisible());
+    EXPECT_EQ(gui->getSchedule().getPopup(), m);
+    EXPECT_FLOAT_EQ(m->getAbsolutePos().x, 50.0f);
+    EXPECT_FLOAT_EQ(m->getAbsolutePos().y + m->getHeight(), 180.0f);
+    EXPECT_GT(open->getAbsolutePos().y, save->getAbsolutePos().y);
+    EXPECT_EQ(m->getHighlighted(), nullptr);
+
+    // The mouse over an item highlights it; the click runs its delegate once and closes.
+    auto middle = [](widget* w) { return w->getAbsolutePos() + widget::point3f(60, 10, 0); };
+    const auto onSave = middle(save);
+    moveTo(onSave.x, onSave.y);
+    gui->update();
+    EXPECT_EQ(m->getHighlighted(), save);
+    EXPECT_EQ(gui->getWidgetBelowMouse(onSave.x, onSave.y), save);
+    clickAt(onSave.x, onSave.y);
+    EXPECT_EQ(saves.count, 1);
+    EXPECT_EQ(opens.count, 0);
+    EXPECT_FALSE(m->isVisible());
+    EXPECT_EQ(gui->getSchedule().getPopup(), nullptr);
+    EXPECT_EQ(m->getHighlighted(), nullptr);
+    moveTo(300, 20);
+    clickAt(onSave.x, onSave.y);
+    EXPECT_EQ(saves.count, 1) << "a closed menu hears nothing";
+
+    // Entering the opener shows the sub-menu at its right; a click deep in it closes both.
+    rightClickAt(50, 180);
+    const auto onMore = middle(opener);
+    moveTo(onMore.x, onMore.y);
+    gui->update();
+    EXPECT_TRUE(more->isVisible());
+    EXPECT_FLOAT_EQ(more->getAbsolutePos().x, m->getAbsolutePos().x + m->getWidth() - 2.0f);
+    const auto onDeep = middle(deep);
+    moveTo(onDeep.x, onDeep.y);
+    gui->update();
+    EXPECT_EQ(more->getHighlighted(), deep);
+    EXPECT_TRUE(m->isVisible()) << "the chain stays open while the mouse is in it";
+    clickAt(onDeep.x, onDeep.y);
+    EXPECT_EQ(deeps.count, 1);
+    EXPECT_FALSE(more->isVisible());
+    EXPECT_FALSE(m->isVisible());
+
+    // The keys move the highlight and click; a click outside closes the menu.
+    rightClickAt(50, 180);
+    const auto onOpen = middle(open);
+    moveTo(onOpen.x, onOpen.y);
+    gui->update();
+    key(VK_DOWN);
+    EXPECT_EQ(m->getHighlighted(), save);
+    key(VK_UP);
+    key(VK_UP);
+    EXPECT_EQ(m->getHighlighted(), opener) << "round from the top";
+    key(VK_DOWN);
+    key(VK_RETURN);
+    EXPECT_EQ(opens.count, 1);
+    EXPECT_FALSE(m->isVisible());
+    rightClickAt(50, 180);
+    EXPECT_TRUE(m->isVisible());
+    clickAt(20, 160);
+    EXPECT_FALSE(m->isVisible());
+
+    // A menu that is not closable stays open after a click on an item.
+    m->notClosable = true;
+    rightClickAt(50, 180);
+    clickAt(onSave.x, onSave.y);
+    EXPECT_EQ(saves.count, 2);
+    EXPECT_TRUE(m->isVisible());
+  });
+}
+
+TEST_F(controlsTest, tabHeadsSelectTheirPages) {
+  run([&] {
+    gui->update();
+    auto* t = addAt<tab>(WC_TAB, L"t", 10, 10, 300, 200);
+    EXPECT_EQ(t->getClass(), WC_TAB);
+    EXPECT_EQ(t->getClassColor(), WCC_ITEM);
+    EXPECT_EQ(t->addTab(L"Mesh"), 0);
+    EXPECT_EQ(t->addTab(L"Scan"), 1);
+    EXPECT_EQ(t->addTab(L"View"), 2);
+    ASSERT_EQ(t->getTabCount(), 3u);
+    for (unsigned i = 0; i < 3; ++i) {
+      EXPECT_EQ(partOf(t, L"_HEAD" + std::to_wstring(i)), t->getItemTab(i));
+      EXPECT_EQ(partOf(t, L"_BODY" + std::to_wstring(i)), t->getPanelTab(i));
+    }
+    EXPECT_EQ(t->getItemTab(1)->getCaption(), L"Scan");
+    EXPECT_EQ(t->getItemTab(3), nullptr);
+    // The heads lie in a row along the top; the first page shows.
+    EXPECT_LT(t->getItemTab(0)->getAbsolutePos().x, t->getItemTab(1)->getAbsolutePos().x);
+    EXPECT_FLOAT_EQ(t->getItemTab(1)->getAbsolutePos().y, 10 + 200 - tab::headHeight);
+    EXPECT_TRUE(t->getPanelTab(0)->isVisible());
+    EXPECT_FALSE(t->getPanelTab(1)->isVisible());
+
+    panel* content = gui->addPanel(std::wstring(L"content"), nullptr);
+    EXPECT_TRUE(t->addWidgetToTab(2, content));
+    EXPECT_EQ(content->getParent(), t->getPanelTab(2));
+
+    counter changes;
+    listen(t, changes, SYSTEM::TAB_CHANGE);
+    const auto head = t->getItemTab(2)->getAbsolutePos() + widget::point3f(40, 11, 0);
+    clickAt(head.x, head.y);
+    EXPECT_EQ(t->getSelectedTab(), 2u);
+    EXPECT_EQ(changes.count, 1);
+    for (unsigned i = 0; i < 3; ++i) EXPECT_EQ(t->getPanelTab(i)->isVisible(), i == 2);
+    EXPECT_EQ(t->getItemTab(2)->getU(), 80.0f) << "the selected head's tile";
+    EXPECT_EQ(t->getItemTab(0)->getU(), 48.0f);
+    // A press on the page itself changes nothing.
+    clickAt(150, 50);
+    EXPECT_EQ(t->getSelectedTab(), 2u);
+    EXPECT_EQ(changes.count, 1);
+
+    // A hidden head leaves its place to the next.
+    const float third = t->getItemTab(2)->getAbsolutePos().x;
+    t->hideItemTab(1, true);
+    EXPECT_FALSE(t->getItemTab(1)->isVisible());
+    EXPECT_LT(t->getItemTab(2)->getAbsolutePos().x, third);
+    t->setHeadShadowNormal(WS_NO_BACKGROUND);
+    EXPECT_EQ(t->getItemTab(0)->getShadow(), WS_NO_BACKGROUND);
+    EXPECT_EQ(t->getItemTab(2)->getShadow(), WS_NONE);
+    t->removeTabMargin(0);
+    EXPECT_EQ(t->getPanelTab(0)->getMargin()[0], 0.0f);
+  });
+}
+
+TEST_F(controlsTest, comboBoxShowsItsListAndSelectsAnItem) {
+  run([&] {
+    gui->update();
+    auto* c = addAt<combobox>(WC_COMBOBOX, L"c", 20, 180, 120, 22);
+    EXPECT_EQ(c->getClass(), WC_COMBOBOX);
+    EXPECT_EQ(partOf(c, L"_CAPTION"), static_cast<widget*>(c->getCaptionPart()));
+    EXPECT_EQ(partOf(c, L"_ARROW"), static_cast<widget*>(c->getArrow()));
+    panel* list = c->getFocusPanel();
+    ASSERT_NE(list, nullptr);
+    EXPECT_EQ(gui->getWidget(L"c_LIST"), list);
+    EXPECT_TRUE(list->isPrivate());
+    EXPECT_EQ(list->getRedirect(), c);
+    EXPECT_FALSE(list->isVisible());
+    for (const wchar_t* text : {L"PLY", L"STL", L"OBJ"}) c->addItem(text);
+    EXPECT_EQ(c->getItemCount(), 3);
+    EXPECT_EQ(c->getItemSelect(), -1);
+    counter selects;
+    listen(c, selects, SYSTEM::ITEM_SELECT);
+
+    // The arrow shows the list under the box; an item click selects it and hides the list.
+    clickAt(20 + 120 - 8, 190);
+    EXPECT_TRUE(c->isOpen());
+    EXPECT_FLOAT_EQ(list->getAbsolutePos().y + list->getHeight(), 180.0f);
+    const auto stl = c->getItem(1)->getAbsolutePos() + widget::point3f(30, 10, 0);
+    EXPECT_EQ(gui->getWidgetBelowMouse(stl.x, stl.y), c->getItem(1));
+    clickAt(stl.x, stl.y);
+    EXPECT_EQ(c->getItemSelect(), 1);
+    EXPECT_EQ(c->getCaption(), L"STL");
+    EXPECT_EQ(selects.count, 1);
+    EXPECT_FALSE(c->isOpen());
+
+    // The caption toggles it too; a press elsewhere hides it.
+    clickAt(40, 190);
+    EXPECT_TRUE(c->isOpen());
+    clickAt(40, 190);
+    EXPECT_FALSE(c->isOpen());
+    c->open();
+    c->open();
+    EXPECT_TRUE(c->isOpen()) << "open on an open list keeps it";
+    clickAt(300, 20);
+    EXPECT_FALSE(c->isOpen());
+
+    // The wheel over the closed box and the keys step the selection.
+    wheelAt(40, 190, -1);
+    EXPECT_EQ(c->getItemSelect(), 2);
+    wheelAt(40, 190, -1);
+    EXPECT_EQ(c->getItemSelect(), 2) << "no wrap";
+    key(VK_UP);
+    EXPECT_EQ(c->getItemSelect(), 1);
+    EXPECT_EQ(selects.count, 3);
+    EXPECT_TRUE(c->setItemSelect(std::wstring(L"PLY"), false));
+    EXPECT_EQ(c->getCaption(), L"PLY");
+    EXPECT_FALSE(c->setItemSelect(7, true));
+    EXPECT_EQ(selects.count, 3);
+    c->clear();
+    EXPECT_EQ(c->getItemCount(), 0);
+    EXPECT_EQ(c->getItemSelect(), -1);
+    EXPECT_FALSE(gui->isValid(L"c_ITEM0"));
+  });
+}
+
+TEST_F(controlsTest, buttonGroupSelectsOneItemAndScrollsByItsArrows) {
+  run([&] {
+    gui->update();
+    // Room for two items of 80 between the 24-pixel arrows.
+    auto* g = addAt<buttongroup>(WC_BUTTONGROUP, L"g", 10, 100, 2 * 24 + 160, 24);
+    EXPECT_EQ(g->getClass(), WC_BUTTONGROUP);
+    partOf(g, L"_PANEL");
+    partOf(g, L"_ARROW_LEFT");
+    partOf(g, L"_ARROW_RIGHT");
+    for (const wchar_t* text : {L"Move", L"Rotate", L"Scale"}) g->addItem(text, widget::ICON_NULL);
+    EXPECT_EQ(g->getItemCount(), 3);
+    EXPECT_EQ(g->getItemSelect(), -1);
+    counter selects;
+    listen(g, selects, SYSTEM::ITEM_SELECT);
+
+    // A click on an item selects it, and only it.
+    clickAt(10 + 24 + 80 + 40, 112);
+    EXPECT_EQ(g->getItemSelect(), 1);
+    EXPECT_EQ(selects.count, 1);
+    EXPECT_EQ(g->getItem(1)->getU(), 80.0f);
+    EXPECT_EQ(g->getItem(0)->getU(), 48.0f);
+    // The third is out of view until the right arrow brings it.
+    EXPECT_NE(gui->getWidgetBelowMouse(10 + 24 + 2 * 80 + 10, 112), g->getItem(2));
+    clickAt(10 + 24 + 160 + 12, 112);
+    EXPECT_EQ(g->getFirstVisible(), 1);
+    clickAt(10 + 24 + 80 + 40, 112);
+    EXPECT_EQ(g->getItemSelect(), 2);
+    clickAt(10 + 24 + 160 + 12, 112);
+    EXPECT_EQ(g->getFirstVisible(), 1) << "not past the last";
+    clickAt(10 + 12, 112);
+    EXPECT_EQ(g->getFirstVisible(), 0);
+    EXPECT_EQ(selects.count, 2);
+    // Selecting by code brings the item into view; setLastItemSelect picks the last.
+    EXPECT_TRUE(g->setLastItemSelect(false));
+    EXPECT_EQ(g->getFirstVisible(), 1);
+    EXPECT_EQ(selects.count, 2);
+    EXPECT_FALSE(g->setItemSelect(5, true));
+    g->setSkinAsItem(true);
+    EXPECT_TRUE(g->getItem(2)->getFlags().isFlagSet(WF_LOCK_DOWN));
+    EXPECT_FALSE(g->getItem(1)->getFlags().isFlagSet(WF_LOCK_DOWN));
   });
 }

@@ -146,7 +146,6 @@ TEST_F(guiControllerTest, registryAndFactoryByName) {
     EXPECT_TRUE(gui->eraseNow(p));
     EXPECT_FALSE(gui->isValid(L"P"));
     EXPECT_EQ(l->getParent(), nullptr) << "the erased parent lets go of its children";
-    EXPECT_FALSE(gui->eraseNow(p)) << "not twice";
     EXPECT_TRUE(gui->discard());
     EXPECT_EQ(gui->getWidgetsCount(), 0);
     EXPECT_TRUE(gui->getCanvases().empty());
