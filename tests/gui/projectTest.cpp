@@ -344,12 +344,12 @@ TEST(guiProject, BadInputFailsAndChangesNothing) {
   const std::string lastClose = "</JEV_GUI_PROJECT>";
   unknown.insert(unknown.rfind(lastClose),
                  "<WIDGET WIDGET_ID=\"deep\" WIDGET_CLASS=\"4\">"
-                 "<WIDGET WIDGET_ID=\"tab\" WIDGET_CLASS=\"23\"/></WIDGET>");
+                 "<WIDGET WIDGET_ID=\"odd\" WIDGET_CLASS=\"99\"/></WIDGET>");
   // Colours changed by the same file must come back too.
   const size_t red = unknown.find("<WCC_BUTTON_0 ");
   ASSERT_NE(red, std::string::npos);
   unknown.insert(red, "<WCC_PANEL_1 Red=\"1\" Green=\"1\" Blue=\"1\" Alpha=\"1\" />");
-  expectFails("unknown class", wide(unknown), "unknown widget class 23");
+  expectFails("unknown class", wide(unknown), "unknown widget class 99");
   std::string notNumber = good;
   notNumber.insert(notNumber.rfind(lastClose), "<WIDGET WIDGET_ID=\"n\" WIDGET_CLASS=\"panel\"/>");
   expectFails("class not a number", wide(notNumber), "is not a number");
