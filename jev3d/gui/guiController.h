@@ -269,9 +269,6 @@ class guiController : public SYSTEM::windowGui {
 
  private:
   bool failProject(const std::wstring& message);
-  // Widgets made by the read under way, in the order made, so a failed read can take
-  // them back; null outside a read.
-  std::vector<widget*>* projectMade = nullptr;
   std::wstring projectError;
   void onToolTipTick();
   template <class W>

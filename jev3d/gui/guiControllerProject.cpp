@@ -1,6 +1,7 @@
 // The controller's project files: the colour table and the widget tree in XML.
 #include <fstream>
 #include <iterator>
+#include <unordered_set>
 
 #include "jev3d/gui/canvas.h"
 #include "jev3d/gui/guiController.h"
@@ -34,14 +35,6 @@ xmlElement* findRoot(xmlDocument& doc) {
     if (e && e->getValueW() == PROJECT::ROOT_NAME) return e;
   }
   return nullptr;
-}
-
-// Erases `w` with everything below it, the private parts of controls too, children first.
-void eraseTree(guiController& gc, widget* w) {
-  std::vector<widget*> children;
-  for (int i = 0; widget* child = w->getChildAt(i); ++i) children.push_back(child);
-  for (widget* child : children) eraseTree(gc, child);
-  gc.eraseNow(w);
 }
 
 int depthOf(const widget* w) {
@@ -181,7 +174,6 @@ bool guiController::openWidgetFromXML(xmlElement& e, widget* parent, widget::pen
   if (!w) {
     return failProject(L"widget \"" + id + L"\": unknown widget class " + std::to_wstring(cls));
   }
-  if (projectMade) projectMade->push_back(w);
   return w->openFromXML(this, e, pending, prefix);
 }
 
@@ -197,8 +189,8 @@ bool guiController::openFromString(const std::wstring& text, widget* parent,
 
   // Kept so that a failed read can put everything back.
   const guiColorTable colorsBefore = colorTable;
-  std::vector<widget*> made;
-  projectMade = &made;
+  std::unordered_set<const widget*> before;
+  for (int i = 0; i < widgets.getEntryCount(); ++i) before.insert(widgets.getEntry(i).get());
   widget::pendingList pending;
   bool ok = true;
   for (int n = 0; ok && n < root->getChildCount(); ++n) {
@@ -212,11 +204,12 @@ bool guiController::openFromString(const std::wstring& text, widget* parent,
     }
     // "MAIN_WINDOW" of older files, and anything else, is passed over.
   }
-  projectMade = nullptr;
   if (!ok) {
-    // Children were made after their parents: take them back newest first.
-    for (auto it = made.rbegin(); it != made.rend(); ++it) {
-      if (isValid((*it)->getId()) && getWidget((*it)->getId()) == *it) eraseTree(*this, *it);
+    // Everything the read made, the parts controls made for themselves (some of them on
+    // the desktop) too; newest first, as children come after their parents.
+    for (int i = widgets.getEntryCount() - 1; i >= 0; --i) {
+      widget* w = widgets.getEntry(i).get();
+      if (!before.count(w)) eraseNow(w);
     }
     for (int cls = 0; cls < WCC_COUNT; ++cls) {
       for (int i = 0; i < 4; ++i) {
