@@ -6,6 +6,8 @@
 #include "jev3d/gui/canvas.h"
 #include "jev3d/gui/guiController.h"
 #include "jev3d/gui/internal/projectXml.h"
+#include "jev3d/gui/item.h"
+#include "jev3d/gui/menu.h"
 #include "jev3d/gui/widget.h"
 #include "jev3d/io/xml/stringConversion.h"
 #include "jev3d/io/xml/xmlDocument.h"
@@ -221,9 +223,15 @@ bool guiController::openFromString(const std::wstring& text, widget* parent,
     }
     return false;
   }
-  // Tree items naming their sub-menus and tree parents come here once there are items to
-  // name them; the names wait on the list until every widget is made.
-  pending.clear();
+  // Items name their sub-menus and tree parents; a name no widget of that class bears is
+  // passed over.
+  for (const auto& [w, targetName] : pending) {
+    widget* target = getWidget(targetName);
+    if (!target || w->getClass() != WC_ITEM) continue;
+    auto* it = static_cast<item*>(w);
+    if (target->getClass() == WC_MENU) it->setSubMenu(static_cast<menu*>(target));
+    if (target->getClass() == WC_ITEM && target != w) it->treeParent = static_cast<item*>(target);
+  }
   refresh();
   return true;
 }

@@ -4,6 +4,7 @@
 
 #include "jev3d/gui/guiController.h"
 #include "jev3d/gui/item.h"
+#include "jev3d/io/xml/xmlElement.h"
 #include "jev3d/platform/messages.h"
 
 namespace JEV {
@@ -168,6 +169,17 @@ void menu::onKeyDown(const inputEvent* e) {
     default:
       break;
   }
+}
+
+void menu::saveAttrib(IO::XML::xmlElement& e) const {
+  panel::saveAttrib(e);
+  e.setAttribute(L"NOTCLOSABLE", notClosable ? 1 : 0);
+}
+
+void menu::openAttrib(IO::XML::xmlElement& e) {
+  panel::openAttrib(e);
+  int v = 0;
+  if (e.queryIntValue(L"NOTCLOSABLE", v)) notClosable = v != 0;
 }
 
 }  // namespace GUI

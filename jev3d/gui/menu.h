@@ -27,6 +27,9 @@ class menu : public panel {
   ~menu() override;
 
   void config() override;
+  // The project file's own attributes of this class, after the widget's.
+  void saveAttrib(IO::XML::xmlElement& element) const override;
+  void openAttrib(IO::XML::xmlElement& element) override;
   // A plain item at the bottom; its id is the menu's id, "_ITEM" and its index.
   item* addItem(GUI_ICON icon, const std::wstring& text);
   // An item that opens a new, empty menu, which is returned.

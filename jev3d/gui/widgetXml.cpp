@@ -192,6 +192,12 @@ void widget::openAttrib(xmlElement& e) {
 bool widget::openFromXML(guiController* gc, xmlElement& e, pendingList& pending,
                          const std::wstring& prefix) {
   openAttrib(e);
+  if (widgetClass == WC_ITEM) {
+    for (const wchar_t* key : {L"SUB_MENU", L"TREE_PARENT"}) {
+      const std::wstring& target = e.getAttributeValueW(key);
+      if (!target.empty()) pending.emplace_back(this, prefix + target);
+    }
+  }
   using setter = void (widget::*)(const CORE::color&);
   const setter setters[8] = {&widget::setColorNormal,          &widget::setColorDisabled,
                              &widget::setColorHighlighted,     &widget::setColorDown,

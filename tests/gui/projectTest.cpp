@@ -107,15 +107,10 @@ void buildProject(guiController& gc) {
   gc.add(WC_ITEM, L"item", nullptr);
   auto* m = static_cast<menu*>(gc.add(WC_MENU, L"menu", nullptr));
   m->notClosable = true;
-  auto* c = static_cast<combobox*>(gc.add(WC_COMBOBOX, L"combo", nullptr));
-  c->addItem(L"one");
-  c->addItem(L"two");
-  c->setItemSelect(1, false);
+  // Items added by code are private parts of these and not in the file.
+  gc.add(WC_COMBOBOX, L"combo", nullptr);
   static_cast<tab*>(gc.add(WC_TAB, L"tab", nullptr))->addTab(L"page");
-  auto* g = static_cast<buttongroup*>(gc.add(WC_BUTTONGROUP, L"group", nullptr));
-  g->addItem(L"a", widget::ICON_NULL);
-  g->addItem(L"b", widget::ICON_NULL);
-  g->setItemSelect(1, false);
+  gc.add(WC_BUTTONGROUP, L"group", nullptr);
   gc.setColor(WCC_BUTTON, CORE::color(1, 2, 3, 4), WCI_DOWN);
   gc.setColor(WCC_TEXT, CORE::color(5, 6, 7, 8), WCI_NORMAL);
 }
@@ -294,6 +289,45 @@ TEST(guiProject, ReadsFromAStringWithPrefixesSkippingWhatItDoesNotKnow) {
   EXPECT_EQ(gc->getWidgetsCount(), before + 4);
   EXPECT_EQ(gc->getWidget(std::wstring(L"q_outer"))->getParent(), inner);
   EXPECT_EQ(gc->getWidget(std::wstring(L"q_inner"))->getParent()->getId(), L"q_outer");
+}
+
+TEST(guiProject, ItemsFindTheirSubMenusAfterTheWholeTree) {
+  const std::wstring text =
+      L"<JEV_GUI_PROJECT>"
+      L"<WIDGET WIDGET_ID=\"top\" WIDGET_CLASS=\"3\" NOTCLOSABLE=\"1\">"
+      L"<WIDGET WIDGET_ID=\"opens\" WIDGET_CLASS=\"22\" SUB_MENU=\"later\" "
+      L"ICON_TEXTURE=\"GUI_UNDO_ICON\" WFLAGS_TREEVIEWITEM_OPEN=\"1\"/>"
+      L"<WIDGET WIDGET_ID=\"child\" WIDGET_CLASS=\"22\" TREE_PARENT=\"opens\"/>"
+      L"<WIDGET WIDGET_ID=\"dangling\" WIDGET_CLASS=\"22\" SUB_MENU=\"nowhere\"/>"
+      L"</WIDGET>"
+      L"<WIDGET WIDGET_ID=\"later\" WIDGET_CLASS=\"3\"/>"
+      L"</JEV_GUI_PROJECT>";
+  auto gc = makeController();
+  ASSERT_TRUE(gc->openFromString(text, nullptr, L"m_", false));
+  auto* opens = dynamic_cast<item*>(gc->getWidget(std::wstring(L"m_opens")));
+  auto* later = dynamic_cast<menu*>(gc->getWidget(std::wstring(L"m_later")));
+  ASSERT_TRUE(opens && later);
+  EXPECT_EQ(opens->getSubMenu(), later);
+  EXPECT_TRUE(opens->getFlags().isFlagSet(WF_TREEVIEWITEM_OPEN));
+  EXPECT_EQ(opens->getIconPart()->getIcon(), widget::ICON_UNDO);
+  EXPECT_EQ(dynamic_cast<item*>(gc->getWidget(std::wstring(L"m_child")))->treeParent, opens);
+  // A name no widget bears is passed over.
+  EXPECT_EQ(dynamic_cast<item*>(gc->getWidget(std::wstring(L"m_dangling")))->getSubMenu(), nullptr);
+  EXPECT_TRUE(dynamic_cast<menu*>(gc->getWidget(std::wstring(L"m_top")))->notClosable);
+
+  // Written back with the names, the prefixed ones, and the selection of a combo box.
+  tempDir dir;
+  auto* box = static_cast<combobox*>(gc->add(WC_COMBOBOX, L"box", nullptr));
+  box->addItem(L"one");
+  box->addItem(L"two");
+  box->setItemSelect(1, false);
+  ASSERT_TRUE(gc->saveToFile(wide(dir.file("menus.xml"))));
+  const std::string bytes = readBytes(dir.file("menus.xml"));
+  EXPECT_NE(bytes.find("SUB_MENU=\"m_later\""), std::string::npos);
+  EXPECT_NE(bytes.find("TREE_PARENT=\"m_opens\""), std::string::npos);
+  EXPECT_NE(bytes.find("NOTCLOSABLE=\"1\""), std::string::npos);
+  EXPECT_NE(bytes.find("ITEM_SELECT=\"1\""), std::string::npos);
+  EXPECT_NE(bytes.find("ICON_TEXTURE=\"GUI_UNDO_ICON\""), std::string::npos);
 }
 
 TEST(guiProject, SkipColorsLeavesTheTable) {
