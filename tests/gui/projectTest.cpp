@@ -438,3 +438,35 @@ TEST(guiProject, BadInputFailsAndChangesNothing) {
   ASSERT_TRUE(gc->saveToFile(wide(dir.file("after.xml"))));
   EXPECT_EQ(readBytes(dir.file("after.xml")), good);
 }
+
+// A saved project cut short anywhere, or with a byte broken, is refused or read whole:
+// never half a tree.
+TEST(guiProject, DamagedProjectsAreAllOrNothing) {
+  tempDir dir;
+  auto source = makeController();
+  buildProject(*source);
+  ASSERT_TRUE(source->saveToFile(wide(dir.file("whole.xml"))));
+  const std::string good = readBytes(dir.file("whole.xml"));
+  auto gc = makeController();
+  const int count = gc->getWidgetsCount();
+  int refused = 0;
+  for (size_t cut = 0; cut + 1 < good.size(); cut += 131) {
+    EXPECT_FALSE(gc->openFromString(wide(good.substr(0, cut)), nullptr, L"", false)) << cut;
+    EXPECT_FALSE(gc->getProjectError().empty());
+    EXPECT_EQ(gc->getWidgetsCount(), count);
+    ++refused;
+  }
+  EXPECT_GT(refused, 50);
+  for (size_t at = 0; at < good.size(); at += 89) {
+    for (char bad : {'<', '"', '9', '\0'}) {
+      std::string broken = good;
+      broken[at] = bad;
+      auto fresh = makeController();
+      const int before = fresh->getWidgetsCount();
+      if (!fresh->openFromString(wide(broken), nullptr, L"", false)) {
+        EXPECT_EQ(fresh->getWidgetsCount(), before) << at;
+        EXPECT_FALSE(fresh->getProjectError().empty());
+      }
+    }
+  }
+}
