@@ -176,6 +176,10 @@ bool guiController::openWidgetFromXML(xmlElement& e, widget* parent, widget::pen
   if (!w) {
     return failProject(L"widget \"" + id + L"\": unknown widget class " + std::to_wstring(cls));
   }
+  // An item under a menu is one of its items, laid out and heard by it.
+  if (cls == WC_ITEM && parent && parent->getClass() == WC_MENU) {
+    static_cast<menu*>(parent)->addItem(static_cast<item*>(w));
+  }
   return w->openFromXML(this, e, pending, prefix);
 }
 

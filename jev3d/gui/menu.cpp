@@ -36,6 +36,12 @@ item* menu::appendItem(GUI_ICON icon, const std::wstring& text) {
   if (!made) return nullptr;
   made->setIcon(icon);
   made->setCaption(text, false);
+  adoptItem(made);
+  return made;
+}
+
+void menu::adoptItem(item* made) {
+  if (made->getParent() != this) made->connect(this, false);
   made->setRedirect(this);
   made->setOnFocusOnClick(true);
   made->getFlags().clearFlag(WF_FIRST_PLANE);
@@ -45,16 +51,23 @@ item* menu::appendItem(GUI_ICON icon, const std::wstring& text) {
   made->registerInputEventCallBack(SYSTEM::MOUSE_MOVE_ENTER, enter);
   items.push_back(made);
   layoutItems();
-  return made;
 }
 
 item* menu::addItem(GUI_ICON icon, const std::wstring& text) {
   item* made = appendItem(icon, text);
-  if (made) {
-    SYSTEM::inputEventDelegate click(this, &menu::onSimpleTextClick);
-    made->registerInputEventCallBack(SYSTEM::MOUSE_LEFT_CLICK, click);
-  }
+  if (made) registerItemClick(made);
   return made;
+}
+
+void menu::addItem(item* read) {
+  if (!read) return;
+  adoptItem(read);
+  registerItemClick(read);
+}
+
+void menu::registerItemClick(item* made) {
+  SYSTEM::inputEventDelegate click(this, &menu::onSimpleTextClick);
+  made->registerInputEventCallBack(SYSTEM::MOUSE_LEFT_CLICK, click);
 }
 
 menu* menu::addSubMenu(GUI_ICON icon, const std::wstring& text) {

@@ -107,6 +107,8 @@ void buildProject(guiController& gc) {
   gc.add(WC_ITEM, L"item", nullptr);
   auto* m = static_cast<menu*>(gc.add(WC_MENU, L"menu", nullptr));
   m->notClosable = true;
+  m->addItem(widget::ICON_COPY, L"copy");
+  m->addSubMenu(widget::ICON_TOOLS, L"more")->addItem(widget::ICON_UNDO, L"undo");
   // Items added by code are private parts of these and not in the file.
   gc.add(WC_COMBOBOX, L"combo", nullptr);
   static_cast<tab*>(gc.add(WC_TAB, L"tab", nullptr))->addTab(L"page");
@@ -211,7 +213,7 @@ TEST(guiProject, RoundTripGivesTheSameBytesAndFields) {
   for (size_t at = bytes.find("Alpha="); at != std::string::npos; at = bytes.find("Alpha=", at + 1))
     ++colorEntries;
   // 80 table entries, the eight own colours of "plain", and one font colour a widget.
-  EXPECT_EQ(colorEntries, 80u + 8u + 18u);
+  EXPECT_EQ(colorEntries, 80u + 8u + 22u);
 
   // Items added by code to combo boxes, tabs and button groups are private parts: not
   // in the file. What was read reads back to as many widgets.
@@ -257,6 +259,16 @@ TEST(guiProject, RoundTripGivesTheSameBytesAndFields) {
   // Check boxes and radio buttons write the button attributes too.
   EXPECT_NE(bytes.find("BUTTON_CHECKABLE=\"1\" BUTTON_FLAT=\"0\" BUTTON_STYLE=\"0\""),
             std::string::npos);
+  // Menu items read back are the menu's items, and the sub-menu is found again.
+  const auto* menuB = static_cast<const menu*>(b->getWidget(std::wstring(L"menu")));
+  ASSERT_EQ(menuB->getItems().size(), 2u);
+  EXPECT_EQ(menuB->getItems()[0]->getId(), L"menu_ITEM0");
+  const menu* subB = menuB->getItems()[1]->getSubMenu();
+  ASSERT_NE(subB, nullptr);
+  EXPECT_EQ(subB->getId(), L"menu_ITEM1_MENU");
+  ASSERT_EQ(subB->getItems().size(), 1u);
+  EXPECT_EQ(subB->getItems()[0]->treeParent, menuB->getItems()[1]);
+  EXPECT_EQ(menuB->getItems()[0]->getIconPart()->getIcon(), widget::ICON_COPY);
   // Children keep their order.
   const widget* panelB = b->getWidget(std::wstring(L"panel"));
   EXPECT_EQ(panelB->getChildAt(0)->getId(), L"label");
