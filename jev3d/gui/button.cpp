@@ -51,17 +51,12 @@ void button::config() {
   }
   if (captionPart) captionPart->setIdFont(std::wstring(L"ID_FONT1"));
   setCaption(std::wstring(L"button"), false);
-  const std::pair<SYSTEM::EVENT_TYPE, void (button::*)(const inputEvent*)> handlers[] = {
-      {SYSTEM::MOUSE_MOVE_ENTER, &button::onMouseEnter},
-      {SYSTEM::MOUSE_MOVE_LEAVE, &button::onMouseLeave},
-      {SYSTEM::MOUSE_LEFT_DOWN, &button::onMouseLeftButtonDown},
-      {SYSTEM::MOUSE_LEFT_UP, &button::onMouseLeftButtonUp},
-      {SYSTEM::MOUSE_LEFT_CLICK, &button::onMouseLeftButtonClick},
-      {SYSTEM::MOUSE_LEFT_DRAG_LEAVE, &button::onMouseLeftButtonUp}};
-  for (const auto& [type, method] : handlers) {
-    inputEventDelegate d(this, method);
-    registerInputEventCallBack(type, d);
-  }
+  INTERNAL::listenTo<button>(this, {{SYSTEM::MOUSE_MOVE_ENTER, &button::onMouseEnter},
+                                    {SYSTEM::MOUSE_MOVE_LEAVE, &button::onMouseLeave},
+                                    {SYSTEM::MOUSE_LEFT_DOWN, &button::onMouseLeftButtonDown},
+                                    {SYSTEM::MOUSE_LEFT_UP, &button::onMouseLeftButtonUp},
+                                    {SYSTEM::MOUSE_LEFT_CLICK, &button::onMouseLeftButtonClick},
+                                    {SYSTEM::MOUSE_LEFT_DRAG_LEAVE, &button::onMouseLeftButtonUp}});
   applyStyle();
 }
 
@@ -173,6 +168,8 @@ void button::setSkinAsItem() {
 void button::setSkinAsWinButtonClose() {
   setjustColor(WCC_BUTTON_CLOSE);
   setTiles(0, 48, 0, 64, 0, 80);
+  // The cross of the window's close button, over the tile.
+  addLayer(64, 160, WCC_ARROW);
 }
 
 void button::setSkinAsToolTip() {

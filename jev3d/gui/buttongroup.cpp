@@ -5,6 +5,7 @@
 #include "jev3d/gui/button.h"
 #include "jev3d/gui/guiController.h"
 #include "jev3d/gui/internal/controlParts.h"
+#include "jev3d/gui/internal/iconButton.h"
 #include "jev3d/gui/item.h"
 #include "jev3d/gui/panel.h"
 #include "jev3d/io/xml/xmlElement.h"
@@ -24,16 +25,9 @@ buttongroup::~buttongroup() = default;
 
 void buttongroup::config() {
   setSize(300, 24);
-  arrowLeft = INTERNAL::addPart<button>(this, WC_BUTTON, L"_ARROW_LEFT");
+  arrowLeft = INTERNAL::addIconButton(this, L"_ARROW_LEFT", ICON_ARROW_LEFT, WCC_BUTTON_ARROW);
   row = INTERNAL::addPart<panel>(this, WC_PANEL, L"_PANEL");
-  arrowRight = INTERNAL::addPart<button>(this, WC_BUTTON, L"_ARROW_RIGHT");
-  for (button* b : {arrowLeft, arrowRight}) {
-    if (!b) continue;
-    b->setCaption(std::wstring(), false);
-    b->setButtonStyle(BS_ICON_ONLY);
-    b->setIcon(b == arrowLeft ? ICON_ARROW_LEFT : ICON_ARROW_RIGHT);
-    b->setjustColor(WCC_BUTTON_ARROW);
-  }
+  arrowRight = INTERNAL::addIconButton(this, L"_ARROW_RIGHT", ICON_ARROW_RIGHT, WCC_BUTTON_ARROW);
   if (row) row->setMargin(0, 0, 0, 0);
   SYSTEM::inputEventDelegate d(this, &buttongroup::onClick);
   registerInputEventCallBack(SYSTEM::MOUSE_LEFT_CLICK, d);

@@ -5,6 +5,7 @@
 #include "jev3d/gui/button.h"
 #include "jev3d/gui/guiController.h"
 #include "jev3d/gui/internal/controlParts.h"
+#include "jev3d/gui/internal/iconButton.h"
 #include "jev3d/gui/item.h"
 #include "jev3d/gui/label.h"
 #include "jev3d/gui/panel.h"
@@ -37,13 +38,7 @@ void combobox::config() {
     captionPart->setCaption(std::wstring(), false);
     captionPart->setTextHorizontalAlign(TEXT_LEFT);
   }
-  arrow = INTERNAL::addPart<button>(this, WC_BUTTON, L"_ARROW");
-  if (arrow) {
-    arrow->setCaption(std::wstring(), false);
-    arrow->setButtonStyle(BS_ICON_ONLY);
-    arrow->setIcon(ICON_ARROW_DOWN);
-    arrow->setjustColor(WCC_BUTTON_ARROW);
-  }
+  arrow = INTERNAL::addIconButton(this, L"_ARROW", ICON_ARROW_DOWN, WCC_BUTTON_ARROW);
   if (controller) {
     // The list hangs off the desktop, out of the box's clip.
     list = controller->addPanel(id + L"_LIST", nullptr);
@@ -61,14 +56,9 @@ void combobox::config() {
     }
   }
   INTERNAL::focusOnClick(this);
-  const std::pair<SYSTEM::EVENT_TYPE, void (combobox::*)(const inputEvent*)> handlers[] = {
-      {SYSTEM::MOUSE_LEFT_CLICK, &combobox::onClick},
-      {SYSTEM::MOUSE_WHEEL, &combobox::onMouseWheel},
-      {SYSTEM::KEY_DOWN, &combobox::onKeyDown}};
-  for (const auto& [type, method] : handlers) {
-    SYSTEM::inputEventDelegate d(this, method);
-    registerInputEventCallBack(type, d);
-  }
+  INTERNAL::listenTo<combobox>(this, {{SYSTEM::MOUSE_LEFT_CLICK, &combobox::onClick},
+                                      {SYSTEM::MOUSE_WHEEL, &combobox::onMouseWheel},
+                                      {SYSTEM::KEY_DOWN, &combobox::onKeyDown}});
   sizePositionChanged();
 }
 

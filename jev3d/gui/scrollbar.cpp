@@ -4,7 +4,7 @@
 
 #include "jev3d/gui/button.h"
 #include "jev3d/gui/internal/controlParts.h"
-#include "jev3d/platform/messages.h"
+#include "jev3d/gui/internal/iconButton.h"
 
 namespace JEV {
 namespace GUI {
@@ -28,30 +28,19 @@ scrollbar::~scrollbar() = default;
 
 void scrollbar::config() {
   setSize(120, 16);
-  arrowLow = INTERNAL::addPart<button>(this, WC_BUTTON, L"_ARROW_LOW");
-  arrowHigh = INTERNAL::addPart<button>(this, WC_BUTTON, L"_ARROW_HIGH");
+  arrowLow = INTERNAL::addIconButton(this, L"_ARROW_LOW", ICON_ARROW_LEFT, WCC_BUTTON_ARROW);
+  arrowHigh = INTERNAL::addIconButton(this, L"_ARROW_HIGH", ICON_ARROW_RIGHT, WCC_BUTTON_ARROW);
   bar = INTERNAL::addPart<widget>(this, WC_PANEL, L"_BAR");
-  cursor = INTERNAL::addPart<button>(this, WC_BUTTON, L"_CURSOR");
-  for (button* b : {arrowLow, arrowHigh, cursor}) {
-    if (!b) continue;
-    b->setCaption(std::wstring(), false);
-    b->setButtonStyle(BS_ICON_ONLY);
-    b->setjustColor(b == cursor ? WCC_CURSOR_SLIDER : WCC_BUTTON_ARROW);
-  }
+  cursor = INTERNAL::addIconButton(this, L"_CURSOR", ICON_NULL, WCC_CURSOR_SLIDER);
   if (bar) {
     bar->setjustColor(WCC_BAR);
     bar->adjustUV(112, 160);
   }
   INTERNAL::focusOnClick(this);
-  const std::pair<SYSTEM::EVENT_TYPE, void (scrollbar::*)(const inputEvent*)> handlers[] = {
-      {SYSTEM::KEY_DOWN, &scrollbar::onKeyDown},
-      {SYSTEM::MOUSE_WHEEL, &scrollbar::onMouseWheel},
-      {SYSTEM::MOUSE_LEFT_DOWN, &scrollbar::onMouseLeftDown},
-      {SYSTEM::MOUSE_LEFT_DRAG, &scrollbar::onMouseLeftDrag}};
-  for (const auto& [type, method] : handlers) {
-    SYSTEM::inputEventDelegate d(this, method);
-    registerInputEventCallBack(type, d);
-  }
+  INTERNAL::listenTo<scrollbar>(this, {{SYSTEM::KEY_DOWN, &scrollbar::onKeyDown},
+                                       {SYSTEM::MOUSE_WHEEL, &scrollbar::onMouseWheel},
+                                       {SYSTEM::MOUSE_LEFT_DOWN, &scrollbar::onMouseLeftDown},
+                                       {SYSTEM::MOUSE_LEFT_DRAG, &scrollbar::onMouseLeftDrag}});
   setOrientation(orientation);
   vChange();
 }
@@ -141,26 +130,8 @@ void scrollbar::wheelBy(float wheel) {
 void scrollbar::onMouseWheel(const inputEvent* e) { wheelBy(e->wheel); }
 
 void scrollbar::onKeyDown(const inputEvent* e) {
-  switch (static_cast<unsigned>(e->keyCode)) {
-    case PLATFORM::VK_LEFT:
-    case PLATFORM::VK_DOWN:
-    case PLATFORM::VK_NEXT:
-      wheelBy(-1);
-      break;
-    case PLATFORM::VK_RIGHT:
-    case PLATFORM::VK_UP:
-    case PLATFORM::VK_PRIOR:
-      wheelBy(1);
-      break;
-    case PLATFORM::VK_HOME:
-      value = valueMin.cV();
-      break;
-    case PLATFORM::VK_END:
-      value = valueMax.cV();
-      break;
-    default:
-      break;
-  }
+  float steps = 0;
+  if (INTERNAL::keyToValue(*this, e->keyCode, 1, steps) && steps != 0) wheelBy(steps);
 }
 
 void scrollbar::onMouseLeftDown(const inputEvent* e) {

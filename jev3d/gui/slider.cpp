@@ -2,7 +2,7 @@
 
 #include "jev3d/gui/button.h"
 #include "jev3d/gui/internal/controlParts.h"
-#include "jev3d/platform/messages.h"
+#include "jev3d/gui/internal/iconButton.h"
 
 namespace JEV {
 namespace GUI {
@@ -24,22 +24,12 @@ void slider::config() {
     bar->setjustColor(WCC_BAR);
     bar->adjustUV(112, 160);
   }
-  cursor = INTERNAL::addPart<button>(this, WC_BUTTON, L"_CURSOR");
-  if (cursor) {
-    cursor->setjustColor(WCC_CURSOR_SLIDER);
-    cursor->setCaption(std::wstring(), false);
-    cursor->setButtonStyle(BS_ICON_ONLY);
-  }
+  cursor = INTERNAL::addIconButton(this, L"_CURSOR", ICON_NULL, WCC_CURSOR_SLIDER);
   INTERNAL::focusOnClick(this);
-  const std::pair<SYSTEM::EVENT_TYPE, void (slider::*)(const inputEvent*)> handlers[] = {
-      {SYSTEM::KEY_DOWN, &slider::onKeyDown},
-      {SYSTEM::MOUSE_WHEEL, &slider::onMouseWheel},
-      {SYSTEM::MOUSE_LEFT_DOWN, &slider::onMouseLeftDown},
-      {SYSTEM::MOUSE_LEFT_DRAG, &slider::onMouseLeftDrag}};
-  for (const auto& [type, method] : handlers) {
-    SYSTEM::inputEventDelegate d(this, method);
-    registerInputEventCallBack(type, d);
-  }
+  INTERNAL::listenTo<slider>(this, {{SYSTEM::KEY_DOWN, &slider::onKeyDown},
+                                    {SYSTEM::MOUSE_WHEEL, &slider::onMouseWheel},
+                                    {SYSTEM::MOUSE_LEFT_DOWN, &slider::onMouseLeftDown},
+                                    {SYSTEM::MOUSE_LEFT_DRAG, &slider::onMouseLeftDrag}});
   vChange();
   sizePositionChanged();
 }
@@ -114,30 +104,8 @@ float slider::step() const {
 void slider::stepBy(float steps) { value = value.cV() + step() * steps; }
 
 void slider::onKeyDown(const inputEvent* e) {
-  switch (static_cast<unsigned>(e->keyCode)) {
-    case PLATFORM::VK_LEFT:
-    case PLATFORM::VK_DOWN:
-      stepBy(-1);
-      break;
-    case PLATFORM::VK_RIGHT:
-    case PLATFORM::VK_UP:
-      stepBy(1);
-      break;
-    case PLATFORM::VK_NEXT:
-      stepBy(-10);
-      break;
-    case PLATFORM::VK_PRIOR:
-      stepBy(10);
-      break;
-    case PLATFORM::VK_HOME:
-      value = valueMin.cV();
-      break;
-    case PLATFORM::VK_END:
-      value = valueMax.cV();
-      break;
-    default:
-      break;
-  }
+  float steps = 0;
+  if (INTERNAL::keyToValue(*this, e->keyCode, 10, steps) && steps != 0) stepBy(steps);
 }
 
 void slider::onMouseWheel(const inputEvent* e) { stepBy(e->wheel); }

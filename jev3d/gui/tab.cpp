@@ -28,7 +28,12 @@ int tab::addTab(const std::wstring& title) {
   auto* body = INTERNAL::addPart<panel>(this, WC_PANEL, (L"_BODY" + index).c_str());
   if (!body) return -1;
   head->setCaption(title, false);
-  head->setUseSchemaColor(false);
+  // Heads show their tiles as they are: the item class's normal colour is transparent.
+  const CORE::color plain(255, 255, 255, 255);
+  head->setColorNormal(plain);
+  head->setColorHighlighted(plain);
+  head->setColorDown(plain);
+  head->setjustColor(WCC_OWN);
   heads.push_back(head);
   bodies.push_back(body);
   layoutPages();

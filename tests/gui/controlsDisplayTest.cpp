@@ -12,6 +12,7 @@
 
 #include "jev3d/gui/button.h"
 #include "jev3d/gui/checkbox.h"
+#include "jev3d/gui/combobox.h"
 #include "jev3d/gui/guiController.h"
 #include "jev3d/gui/panel.h"
 #include "jev3d/gui/progressbar.h"
@@ -19,6 +20,7 @@
 #include "jev3d/gui/scrollbar.h"
 #include "jev3d/gui/separator.h"
 #include "jev3d/gui/slider.h"
+#include "jev3d/gui/tab.h"
 #include "jev3d/platform/messages.h"
 #include "jev3d/renderer/rendergl/renderGL.h"
 #include "jev3d/renderer/renderingContext.h"
@@ -113,6 +115,8 @@ class controlsWindow : public SYSTEM::winMain {
     bar->setScrollbarRatio(0.25f);
     add<progressbar>(gui, WC_PROGRESSBAR, L"progress", 10, 50, 200, 20)->setValues(50, 0, 100);
     add<separator>(gui, WC_SEPARATOR, L"line", 10, 30, 300, 10);
+    add<tab>(gui, WC_TAB, L"pages", 220, 100, 90, 60)->addTab(L"Mesh");
+    add<combobox>(gui, WC_COMBOBOX, L"choice", 220, 60, 90, 22)->addItem(L"PLY");
   }
 
   panel* board = nullptr;
@@ -204,6 +208,16 @@ TEST(controlsOnDisplay, eachControlShowsItsSkinTilesAtChosenPixels) {
   const rgb empty = win.at(180, 60);
   EXPECT_NEAR(empty.r, empty.b, 10);
   EXPECT_GT(empty.r, 150);
+
+  // The selected tab head wears the checked tile (a bluish grey); its page is a panel.
+  const rgb head = win.at(260, 149);
+  EXPECT_GT(head.b, head.r + 12);
+  const rgb page = win.at(265, 120);
+  EXPECT_NEAR(page.r, board.r, 6);
+  // The combo box shows its input area, lighter than the board, with the arrow at the right.
+  const rgb choice = win.at(240, 71);
+  EXPECT_GT(choice.r, board.r + 20);
+  EXPECT_NE(win.at(300, 71).r, choice.r);
 
   // The separator is a thin line: its pixels differ from the board's just beside it.
   const rgb line = win.at(150, 30);

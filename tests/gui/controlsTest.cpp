@@ -390,6 +390,13 @@ TEST_F(controlsTest, scrollbarThumbFollowsItsRatioAndPagesByIt) {
     EXPECT_FLOAT_EQ(sb->value.cV(), 100.0f);
     wheelAt(120, 58, -1);
     EXPECT_FLOAT_EQ(sb->value.cV(), 0.0f);
+    // The keys: End to the maximum, an arrow a page back (here to the bound).
+    EXPECT_TRUE(sb->isMeOrMyChild(gui->getFocusedWidget()));
+    key(VK_END);
+    EXPECT_FLOAT_EQ(sb->value.cV(), 100.0f);
+    sb->setScrollbarRatio(0.25f);
+    key(VK_LEFT);
+    EXPECT_FLOAT_EQ(sb->value.cV(), 75.0f);
   });
 }
 

@@ -1,9 +1,12 @@
 #pragma once
 
+#include <initializer_list>
 #include <string>
+#include <utility>
 
 #include "jev3d/gui/guiController.h"
 #include "jev3d/gui/widget.h"
+#include "jev3d/platform/messages.h"
 
 namespace JEV {
 namespace GUI {
@@ -24,6 +27,18 @@ W* addPart(widget* owner, WIDGET_CLASS cls, const wchar_t* suffix) {
   part->layout.setHorizontal(HA_FREE);
   part->layout.setVertical(VA_FREE);
   return static_cast<W*>(part);
+}
+
+// Registers the control's own handlers on itself, one an event type.
+template <class C>
+void listenTo(
+    C* control,
+    std::initializer_list<std::pair<SYSTEM::EVENT_TYPE, void (C::*)(const SYSTEM::inputEvent*)>>
+        handlers) {
+  for (const auto& [type, method] : handlers) {
+    SYSTEM::inputEventDelegate d(control, method);
+    control->registerInputEventCallBack(type, d);
+  }
 }
 
 // Places a part inside its control, in the control's local pixels.
@@ -76,6 +91,36 @@ inline float settleValue(widget& w) {
   }
   w.widget::onValueChange();
   return percent;
+}
+
+// What a key does to a value control: steps down or up (a page is `pageSteps` steps), or
+// goes to a bound. False for a key it does not take.
+inline bool keyToValue(widget& w, int keyCode, float pageSteps, float& steps) {
+  steps = 0;
+  switch (static_cast<unsigned>(keyCode)) {
+    case PLATFORM::VK_LEFT:
+    case PLATFORM::VK_DOWN:
+      steps = -1;
+      return true;
+    case PLATFORM::VK_RIGHT:
+    case PLATFORM::VK_UP:
+      steps = 1;
+      return true;
+    case PLATFORM::VK_NEXT:
+      steps = -pageSteps;
+      return true;
+    case PLATFORM::VK_PRIOR:
+      steps = pageSteps;
+      return true;
+    case PLATFORM::VK_HOME:
+      w.value = w.valueMin.cV();
+      return true;
+    case PLATFORM::VK_END:
+      w.value = w.valueMax.cV();
+      return true;
+    default:
+      return false;
+  }
 }
 
 // The control's position along its orientation, of an absolute mouse position.
