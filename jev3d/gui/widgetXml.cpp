@@ -49,20 +49,19 @@ void readEnum(const xmlElement& e, const wchar_t* name, int count, E& target) {
   if (e.queryIntValue(name, v) && v >= 0 && v < count) target = static_cast<E>(v);
 }
 
+// One rule of the layout: its kind, "<name>_OFFSET" and "<name>_PERC".
+void saveRule(xmlElement& e, const std::wstring& name, int kind, float offset, bool perc) {
+  e.setAttribute(name, kind);
+  e.setAttribute(name + L"_OFFSET", truncated(offset));
+  e.setAttribute(name + L"_PERC", perc ? 1 : 0);
+}
+
 void saveLayout(const GUI::layout& l, xmlElement& parent) {
   xmlElement e(L"LAYOUT");
-  e.setAttribute(L"HORIZONTAL", static_cast<int>(l.horizontal));
-  e.setAttribute(L"HORIZONTAL_OFFSET", truncated(l.horizontalOffset));
-  e.setAttribute(L"HORIZONTAL_PERC", l.horizontalPerc ? 1 : 0);
-  e.setAttribute(L"VERTICAL", static_cast<int>(l.vertical));
-  e.setAttribute(L"VERTICAL_OFFSET", truncated(l.verticalOffset));
-  e.setAttribute(L"VERTICAL_PERC", l.verticalPerc ? 1 : 0);
-  e.setAttribute(L"WIDTH", static_cast<int>(l.width));
-  e.setAttribute(L"WIDTH_OFFSET", truncated(l.widthOffset));
-  e.setAttribute(L"WIDTH_PERC", l.widthPerc ? 1 : 0);
-  e.setAttribute(L"HEIGHT", static_cast<int>(l.height));
-  e.setAttribute(L"HEIGHT_OFFSET", truncated(l.heightOffset));
-  e.setAttribute(L"HEIGHT_PERC", l.heightPerc ? 1 : 0);
+  saveRule(e, L"HORIZONTAL", l.horizontal, l.horizontalOffset, l.horizontalPerc);
+  saveRule(e, L"VERTICAL", l.vertical, l.verticalOffset, l.verticalPerc);
+  saveRule(e, L"WIDTH", l.width, l.widthOffset, l.widthPerc);
+  saveRule(e, L"HEIGHT", l.height, l.heightOffset, l.heightPerc);
   e.connect(&parent);
 }
 
