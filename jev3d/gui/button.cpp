@@ -1,8 +1,10 @@
 #include "jev3d/gui/button.h"
 
 #include "jev3d/gui/internal/controlParts.h"
+#include "jev3d/gui/internal/projectXml.h"
 #include "jev3d/gui/label.h"
 #include "jev3d/gui/picturebox.h"
+#include "jev3d/io/xml/xmlElement.h"
 
 namespace JEV {
 namespace GUI {
@@ -242,6 +244,27 @@ void button::onMouseLeftButtonUp(const inputEvent*) { restTile(); }
 
 void button::onMouseLeftButtonClick(const inputEvent*) {
   if (checkable) checked = !checked.cV();
+}
+
+void button::saveAttrib(IO::XML::xmlElement& e) const {
+  panel::saveAttrib(e);
+  PROJECT::saveButtonAttributes(e, checkable, flat, iconPart ? iconPart->getIdTexture() : L"",
+                                sizeIcon, buttonStyle);
+}
+
+void button::openAttrib(IO::XML::xmlElement& e) {
+  panel::openAttrib(e);
+  int v = 0;
+  if (e.queryIntValue(L"BUTTON_CHECKABLE", v)) setCheckable(v != 0);
+  if (e.queryIntValue(L"BUTTON_FLAT", v)) setFlat(v != 0);
+  if (iconPart && e.isAttribute(L"ICON_TEXTURE")) {
+    PROJECT::setIconFromProject(*iconPart, e.getAttributeValueW(L"ICON_TEXTURE"));
+  }
+  // Bounded so that a hostile file cannot ask for an icon wider than any window.
+  if (e.queryIntValue(L"ICON_TEXTURE_SQUARE_SIZE", v) && v >= 0 && v <= 4096) setSizeIcon(v);
+  if (e.queryIntValue(L"BUTTON_STYLE", v) && v >= BS_ICON_LEFT && v <= BS_TEXT_ONLY) {
+    setButtonStyle(static_cast<BUTTON_STYLE>(v));
+  }
 }
 
 }  // namespace GUI

@@ -33,6 +33,9 @@ class button : public panel {
 
   // Sizes the button, makes its parts and registers its mouse handlers.
   void config() override;
+  // The button attributes of the project file, after the widget's.
+  void saveAttrib(IO::XML::xmlElement& element) const override;
+  void openAttrib(IO::XML::xmlElement& element) override;
   void setButtonStyle(BUTTON_STYLE style);
   BUTTON_STYLE getButtonStyle() const { return buttonStyle; }
   void setCheckable(bool on);

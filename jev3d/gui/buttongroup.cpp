@@ -8,6 +8,7 @@
 #include "jev3d/gui/internal/iconButton.h"
 #include "jev3d/gui/item.h"
 #include "jev3d/gui/panel.h"
+#include "jev3d/io/xml/xmlElement.h"
 
 namespace JEV {
 namespace GUI {
@@ -135,6 +136,20 @@ void buttongroup::onClick(const inputEvent* e) {
   }
   const auto at = std::find(items.begin(), items.end(), from);
   if (at != items.end()) select(int(at - items.begin()));
+}
+
+// The group has one style, items dressed as buttons or as items; the file's key for it is
+// written as the plain button style.
+void buttongroup::saveAttrib(IO::XML::xmlElement& e) const {
+  widget::saveAttrib(e);
+  e.setAttribute(L"BUTTON_STYLE", 0);
+  e.setAttribute(L"ITEM_SELECT", itemSelect);
+}
+
+void buttongroup::openAttrib(IO::XML::xmlElement& e) {
+  widget::openAttrib(e);
+  int v = 0;
+  if (e.queryIntValue(L"ITEM_SELECT", v)) setItemSelect(v, false);
 }
 
 }  // namespace GUI

@@ -25,6 +25,9 @@ class buttongroup : public widget {
   ~buttongroup() override;
 
   void config() override;
+  // The project file's own attributes of this class, after the widget's.
+  void saveAttrib(IO::XML::xmlElement& element) const override;
+  void openAttrib(IO::XML::xmlElement& element) override;
   // Takes `it` into the row (from wherever it was); `selectIt` selects it at once.
   // Returns its index, -1 for a null item.
   int addItem(item* it, bool selectIt);

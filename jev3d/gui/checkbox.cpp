@@ -1,7 +1,9 @@
 #include "jev3d/gui/checkbox.h"
 
 #include "jev3d/gui/internal/controlParts.h"
+#include "jev3d/gui/internal/projectXml.h"
 #include "jev3d/gui/picturebox.h"
+#include "jev3d/io/xml/xmlElement.h"
 
 namespace JEV {
 namespace GUI {
@@ -54,6 +56,11 @@ void checkbox::render(RENDERING::renderingContext* rc) {
 }
 
 void checkbox::onClick(const SYSTEM::inputEvent*) { checked = !checked.cV(); }
+
+void checkbox::saveAttrib(IO::XML::xmlElement& e) const {
+  widget::saveAttrib(e);
+  PROJECT::saveButtonAttributes(e, true, false, L"", static_cast<int>(markSize), 0);
+}
 
 }  // namespace GUI
 }  // namespace JEV

@@ -21,6 +21,8 @@ class checkbox : public widget {
 
   // Makes the mark and registers the click.
   void config() override;
+  // The button attributes of the project file: checkable, with the mark as its icon size.
+  void saveAttrib(IO::XML::xmlElement& element) const override;
   // Chooses the mark's tile from `checked`.
   void doRefresh() override;
   void onCheckedChange() override;

@@ -9,6 +9,7 @@
 #include "jev3d/gui/item.h"
 #include "jev3d/gui/label.h"
 #include "jev3d/gui/panel.h"
+#include "jev3d/io/xml/xmlElement.h"
 #include "jev3d/platform/messages.h"
 #include "jev3d/system/winMain.h"
 
@@ -240,6 +241,19 @@ void combobox::onAnyPress(const inputEvent* e) {
   const widget* t = e->target;
   if (t && (isMeOrMyChild(t) || list->isMeOrMyChild(t))) return;
   close();
+}
+
+void combobox::saveAttrib(IO::XML::xmlElement& e) const {
+  widget::saveAttrib(e);
+  e.setAttribute(L"ITEM_SELECT", itemSelect);
+}
+
+// The items themselves are not in the file: a selection only holds for a list built
+// before the read.
+void combobox::openAttrib(IO::XML::xmlElement& e) {
+  widget::openAttrib(e);
+  int v = 0;
+  if (e.queryIntValue(L"ITEM_SELECT", v)) setItemSelect(v, false);
 }
 
 }  // namespace GUI

@@ -31,6 +31,9 @@ class combobox : public widget {
   ~combobox() override;
 
   void config() override;
+  // The project file's own attributes of this class, after the widget's.
+  void saveAttrib(IO::XML::xmlElement& element) const override;
+  void openAttrib(IO::XML::xmlElement& element) override;
   // An item at the end of the list; returns its index, or -1 outside any controller.
   int addItem(const std::wstring& text, GUI_ICON icon = ICON_NULL);
   // Selects item i: its caption (and icon) go to the box, the list hides.

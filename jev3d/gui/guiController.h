@@ -4,6 +4,7 @@
 #include <list>
 #include <string>
 #include <unordered_set>
+#include <utility>
 #include <vector>
 
 #include "jev3d/fields/fieldBase.h"
@@ -30,6 +31,11 @@ class winMain;
 namespace RENDERING {
 class renderingContext;
 }
+namespace IO {
+namespace XML {
+class xmlElement;
+}
+}  // namespace IO
 
 namespace GUI {
 
@@ -147,6 +153,48 @@ class guiController : public SYSTEM::windowGui {
   bool thereIsTexteditWithFocusEnter() const { return texteditWithFocusEnter; }
   eventSchedule& getSchedule() { return schedule; }
 
+  // Project files: the colour table and the desktop's widgets (or those of `root`) as an
+  // XML document with root "JEV_GUI_PROJECT". False when the file cannot be written.
+  bool saveToFile(const std::wstring& path) const;
+  bool saveToFile(const std::wstring& path, const widget* root) const;
+  // Reads a project: its widgets go under `parent` (the desktop when null), each id with
+  // `prefix` in front; `skipColors` leaves the colour table alone. A widget whose id is
+  // taken is left out with its subtree, and one without class or id is skipped. A read is
+  // all or nothing: false, with getProjectError() telling why and the controller as it
+  // was, for a file that cannot be read, a text that is not well-formed, no root, a class
+  // the factory does not build or is not a number, or widgets nested deeper than
+  // MAX_PROJECT_DEPTH.
+  bool openFromFile(const std::wstring& path, widget* parent, const std::wstring& prefix,
+                    bool skipColors);
+  bool openFromFile(const std::string& path, widget* parent, const std::wstring& prefix,
+                    bool skipColors);
+  bool openFromString(const std::wstring& text, widget* parent, const std::wstring& prefix,
+                      bool skipColors);
+  // The library's own resources: type "ZIP" names a file of the archive built into the
+  // library (the one that holds the skins).
+  bool openFromResource(const std::wstring& name, const std::wstring& type, widget* parent,
+                        const std::wstring& prefix, bool skipColors);
+  // The colour table alone, in the same document form. The open forms read the
+  // "COLOR_CLASS" of a project and return false without one.
+  bool saveColorTableToFile(const std::wstring& path) const;
+  bool openColorTableFromFile(const std::wstring& path);
+  bool openColorTableFromString(const std::wstring& text);
+  bool openColorTableFromResource(const std::wstring& name, const std::wstring& type);
+  bool openColorTableFromXmlProject(IO::XML::xmlElement* root);
+  // Elements "<class>_<i>" with "Red", "Green", "Blue", "Alpha": an unknown name is
+  // skipped, an absent attribute leaves the value. The writer puts the four text colours
+  // first, then all classes in order.
+  bool openColorTableFromXmlElement(IO::XML::xmlElement& element);
+  void saveColorTableToXmlElement(IO::XML::xmlElement& parent) const;
+  // One "WIDGET" element read under `parent` (see openFromString); false fails the read.
+  // Called back by widget::openFromXML for child elements.
+  bool openWidgetFromXML(IO::XML::xmlElement& element, widget* parent,
+                         std::list<std::pair<widget*, std::wstring>>& pending,
+                         const std::wstring& prefix);
+  // Why the last project read failed; empty after one that succeeded.
+  const std::wstring& getProjectError() const { return projectError; }
+  static constexpr int MAX_PROJECT_DEPTH = 64;
+
   // Marks a widget top-most in its canvas's set, or takes it out.
   void setTopMost(widget* w, bool on);
   // The menu a right click on `w` opens, found by the id the widget holds, or null.
@@ -217,6 +265,8 @@ class guiController : public SYSTEM::windowGui {
   std::wstring name;
 
  private:
+  bool failProject(const std::wstring& message);
+  std::wstring projectError;
   void onToolTipTick();
   template <class W>
   W* make(const std::wstring& name, widget* parent);

@@ -1,9 +1,11 @@
 #include "jev3d/gui/item.h"
 
 #include "jev3d/gui/internal/controlParts.h"
+#include "jev3d/gui/internal/projectXml.h"
 #include "jev3d/gui/label.h"
 #include "jev3d/gui/menu.h"
 #include "jev3d/gui/picturebox.h"
+#include "jev3d/io/xml/xmlElement.h"
 
 namespace JEV {
 namespace GUI {
@@ -65,6 +67,28 @@ void item::setSubMenu(menu* sub) {
   subMenu = sub;
   stateFlags.setFlag(WF_SUB_MENU, sub != nullptr);
   if (expanderPart) expanderPart->visible = sub != nullptr;
+}
+
+void item::saveAttrib(IO::XML::xmlElement& e) const {
+  panel::saveAttrib(e);
+  e.setAttribute(L"ICON_TEXTURE", iconPart ? iconPart->getIdTexture() : std::wstring());
+  e.setAttribute(L"ICON_SIZE", iconPart ? static_cast<int>(iconPart->getWidth()) : 0);
+  if (subMenu) e.setAttribute(L"SUB_MENU", subMenu->getId());
+  if (treeParent) e.setAttribute(L"TREE_PARENT", treeParent->getId());
+  if (stateFlags.isFlagSet(WF_TREEVIEWITEM_OPEN)) e.setAttribute(L"WFLAGS_TREEVIEWITEM_OPEN", 1);
+}
+
+// "SUB_MENU" and "TREE_PARENT" name widgets that may come later in the file: the reader
+// resolves them once the whole tree is made.
+void item::openAttrib(IO::XML::xmlElement& e) {
+  panel::openAttrib(e);
+  if (iconPart && e.isAttribute(L"ICON_TEXTURE")) {
+    PROJECT::setIconFromProject(*iconPart, e.getAttributeValueW(L"ICON_TEXTURE"));
+  }
+  int v = 0;
+  if (e.queryIntValue(L"WFLAGS_TREEVIEWITEM_OPEN", v)) {
+    stateFlags.setFlag(WF_TREEVIEWITEM_OPEN, v != 0);
+  }
 }
 
 }  // namespace GUI

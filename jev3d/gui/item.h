@@ -23,6 +23,9 @@ class item : public panel {
   ~item() override;
 
   void config() override;
+  // The project file's own attributes of this class, after the widget's.
+  void saveAttrib(IO::XML::xmlElement& element) const override;
+  void openAttrib(IO::XML::xmlElement& element) override;
   void setCaption(const std::wstring& text, bool now) override;
   using widget::setCaption;
   void setIcon(GUI_ICON icon);

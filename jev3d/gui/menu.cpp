@@ -4,6 +4,7 @@
 
 #include "jev3d/gui/guiController.h"
 #include "jev3d/gui/item.h"
+#include "jev3d/io/xml/xmlElement.h"
 #include "jev3d/platform/messages.h"
 
 namespace JEV {
@@ -35,6 +36,12 @@ item* menu::appendItem(GUI_ICON icon, const std::wstring& text) {
   if (!made) return nullptr;
   made->setIcon(icon);
   made->setCaption(text, false);
+  adoptItem(made);
+  return made;
+}
+
+void menu::adoptItem(item* made) {
+  if (made->getParent() != this) made->connect(this, false);
   made->setRedirect(this);
   made->setOnFocusOnClick(true);
   made->getFlags().clearFlag(WF_FIRST_PLANE);
@@ -44,16 +51,23 @@ item* menu::appendItem(GUI_ICON icon, const std::wstring& text) {
   made->registerInputEventCallBack(SYSTEM::MOUSE_MOVE_ENTER, enter);
   items.push_back(made);
   layoutItems();
-  return made;
 }
 
 item* menu::addItem(GUI_ICON icon, const std::wstring& text) {
   item* made = appendItem(icon, text);
-  if (made) {
-    SYSTEM::inputEventDelegate click(this, &menu::onSimpleTextClick);
-    made->registerInputEventCallBack(SYSTEM::MOUSE_LEFT_CLICK, click);
-  }
+  if (made) registerItemClick(made);
   return made;
+}
+
+void menu::addItem(item* read) {
+  if (!read) return;
+  adoptItem(read);
+  registerItemClick(read);
+}
+
+void menu::registerItemClick(item* made) {
+  SYSTEM::inputEventDelegate click(this, &menu::onSimpleTextClick);
+  made->registerInputEventCallBack(SYSTEM::MOUSE_LEFT_CLICK, click);
 }
 
 menu* menu::addSubMenu(GUI_ICON icon, const std::wstring& text) {
@@ -168,6 +182,17 @@ void menu::onKeyDown(const inputEvent* e) {
     default:
       break;
   }
+}
+
+void menu::saveAttrib(IO::XML::xmlElement& e) const {
+  panel::saveAttrib(e);
+  e.setAttribute(L"NOTCLOSABLE", notClosable ? 1 : 0);
+}
+
+void menu::openAttrib(IO::XML::xmlElement& e) {
+  panel::openAttrib(e);
+  int v = 0;
+  if (e.queryIntValue(L"NOTCLOSABLE", v)) notClosable = v != 0;
 }
 
 }  // namespace GUI

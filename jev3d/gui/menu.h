@@ -27,10 +27,16 @@ class menu : public panel {
   ~menu() override;
 
   void config() override;
+  // The project file's own attributes of this class, after the widget's.
+  void saveAttrib(IO::XML::xmlElement& element) const override;
+  void openAttrib(IO::XML::xmlElement& element) override;
   // A plain item at the bottom; its id is the menu's id, "_ITEM" and its index.
   item* addItem(GUI_ICON icon, const std::wstring& text);
   // An item that opens a new, empty menu, which is returned.
   menu* addSubMenu(GUI_ICON icon, const std::wstring& text);
+  // Takes an item made elsewhere (read from a project file) as the last item, as a plain
+  // item; a sub-menu it names comes with item::setSubMenu.
+  void addItem(item* read);
   // Shows the menu with its top left corner at (x, y), as the schedule's popup.
   void popup(float x, float y);
   // Hides the menu and its open sub-menus.
@@ -49,6 +55,9 @@ class menu : public panel {
  protected:
   void layoutItems();
   item* appendItem(GUI_ICON icon, const std::wstring& text);
+  // Makes `made` one of the items: under the menu, redirecting to it, laid out.
+  void adoptItem(item* made);
+  void registerItemClick(item* made);
   void openSubMenu(item* from);
   virtual void onItemEnter(const SYSTEM::inputEvent* e);
   virtual void onSimpleTextClick(const SYSTEM::inputEvent* e);

@@ -1,5 +1,8 @@
 #include "jev3d/gui/picturebox.h"
 
+#include "jev3d/gui/internal/projectXml.h"
+#include "jev3d/io/xml/xmlElement.h"
+
 namespace JEV {
 namespace GUI {
 
@@ -31,6 +34,18 @@ void picturebox::setIcon(const std::string& texture) {
 void picturebox::setTile(float u, float v) {
   setShadow(WS_NONE);
   adjustUV(u, v);
+}
+
+void picturebox::saveAttrib(IO::XML::xmlElement& e) const {
+  panel::saveAttrib(e);
+  e.setAttribute(L"ICON_TEXTURE", idTexture);
+}
+
+void picturebox::openAttrib(IO::XML::xmlElement& e) {
+  panel::openAttrib(e);
+  if (e.isAttribute(L"ICON_TEXTURE")) {
+    PROJECT::setIconFromProject(*this, e.getAttributeValueW(L"ICON_TEXTURE"));
+  }
 }
 
 }  // namespace GUI

@@ -21,6 +21,9 @@ class picturebox : public panel {
   // ICON_NULL for an icon given by a resource id of its own.
   GUI_ICON getIcon() const { return icon; }
   const std::wstring& getIdTexture() const { return idTexture; }
+  // "ICON_TEXTURE" in the project file, after the widget's attributes.
+  void saveAttrib(IO::XML::xmlElement& element) const override;
+  void openAttrib(IO::XML::xmlElement& element) override;
   // Shows the skin tile at (u, v).
   void setTile(float u, float v);
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <list>
+#include <utility>
 #include <string>
 #include <vector>
 
@@ -30,6 +31,12 @@ namespace RENDERING {
 class renderingContext;
 class renderer;
 }  // namespace RENDERING
+namespace IO {
+namespace XML {
+class xmlElement;
+class xmlNode;
+}  // namespace XML
+}  // namespace IO
 
 namespace GUI {
 
@@ -238,6 +245,15 @@ class widget : public SYSTEM::linkerBase<SYSTEM::dummyLinkerType> {
   // Takes the colours of `colorClass` from the schema; see the class comment of the .cpp.
   virtual void setjustColor(WIDGET_CLASS_COLOR colorClass);
   virtual void doRefresh();
+  // The project file: a widget is one "WIDGET" element. saveAttrib writes this widget's
+  // attributes and its fixed children (position, size, layout, colours, font); a subclass
+  // calls the base first. saveChilds appends a "WIDGET" for each child in child order;
+  // private widgets write nothing.
+  virtual void saveChilds(IO::XML::xmlElement& element) const;
+  virtual void saveAttrib(IO::XML::xmlElement& element) const;
+  // Reads what saveAttrib wrote; an attribute that is absent leaves its value. Subclasses
+  // call the base first, so they may override it.
+  virtual void openAttrib(IO::XML::xmlElement& element);
   virtual void config();
   // The point, in window pixels, lies in this widget's rectangle cut by its parent's.
   virtual bool isInRect(float x, float y) const;
@@ -321,6 +337,22 @@ class widget : public SYSTEM::linkerBase<SYSTEM::dummyLinkerType> {
   void setValues(float value, float minimum, float maximum);
   // The resource id of an icon; empty for a value out of range.
   static std::wstring iconToIdTexture(GUI_ICON icon);
+
+  // Widgets and the id they name ("SUB_MENU", "TREE_PARENT"), resolved once a whole
+  // project has been read, since the target may come later in the file.
+  using pendingList = std::list<std::pair<widget*, std::wstring>>;
+  // Appends this widget's "WIDGET" element, with its subtree, to `parent`; nothing for a
+  // private widget.
+  void saveToXML(IO::XML::xmlNode* parent) const;
+  // A project document holding only this widget (and no colour table entries but the
+  // controller's). False when the file cannot be written.
+  bool saveToXML(const std::wstring& path) const;
+  // openAttrib, then the element's children by name; child "WIDGET" elements are built
+  // through the controller with ids `prefix` + "WIDGET_ID". False when the controller
+  // refused a child (see guiController::openFromString); what was built stays for the
+  // controller to take back.
+  bool openFromXML(guiController* gc, IO::XML::xmlElement& element, pendingList& pending,
+                   const std::wstring& prefix);
 
   // Calls the delegates of `type` with `event`, for an enabled widget or for
   // WIDGET_DESTROY. The event takes the type, and local coordinates with bit 6.

@@ -104,7 +104,11 @@ bool textureStorage::loadDefaultTexture(const unsigned char* archive, size_t siz
     }
     decoded.emplace_back(&entry, std::move(image));
   }
-  for (auto& [entry, image] : decoded) {
+  // A named pair rather than a structured binding: clang before C++20 will not capture
+  // a binding in the lambda below.
+  for (auto& decodedEntry : decoded) {
+    const defaultTexture* entry = decodedEntry.first;
+    IO::textureImage& image = decodedEntry.second;
     if (isValid(entry->id)) continue;
     TEXTURE::textureDescriptor parameters;
     if (entry->skin) parameters.filter = 0;

@@ -185,6 +185,16 @@ bool xmlDocument::readFrom(const std::wstring& text) {
 
 bool xmlDocument::readFrom(const std::string& text) { return readFrom(utf8ToWstring(text)); }
 
+bool xmlDocument::readFromStrict(const std::wstring& text) {
+  const std::string narrow = wstringToUtf8(text);
+  if (tooDeep(narrow)) return false;
+  TiXmlDocument parsed;
+  parsed.Parse(narrow.c_str());
+  if (parsed.Error()) return false;
+  copyIn(parsed, *this);
+  return true;
+}
+
 const std::string& xmlDocument::writeTo() const {
   printed.clear();
   printedW.clear();

@@ -25,6 +25,9 @@ class xmlDocument : public xmlNode {
   // well-formed; false only for a text that nests deeper than the reader allows.
   bool readFrom(const std::wstring& text);
   bool readFrom(const std::string& text);
+  // As readFrom, but as strict as the file form: false, with nothing added, for a text that
+  // is not well-formed (a cut-off document, say) or nests too deep.
+  bool readFromStrict(const std::wstring& text);
   // The tree as compact text; the reference is to a result string of this document,
   // overwritten by the next call.
   const std::string& writeTo() const;

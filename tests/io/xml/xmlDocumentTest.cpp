@@ -167,6 +167,22 @@ TEST(xmlDocumentTest, MalformedTextGivesWhatTheParserBuilt) {
   EXPECT_TRUE(garbage.readFrom(std::string()));
 }
 
+TEST(xmlDocumentTest, StrictReadRefusesMalformedTextAndAddsNothing) {
+  xmlDocument doc;
+  xmlElement("KEEP").connect(&doc);
+  EXPECT_FALSE(doc.readFromStrict(L"<A K=\"1\"><B/><C>text</C><D attr="));
+  EXPECT_FALSE(doc.readFromStrict(L"<A><B></A>"));
+  EXPECT_FALSE(doc.readFromStrict(L""));
+  std::wstring deep;
+  for (int i = 0; i < 3000; ++i) deep += L"<a>";
+  for (int i = 0; i < 3000; ++i) deep += L"</a>";
+  EXPECT_FALSE(doc.readFromStrict(deep));
+  EXPECT_EQ(doc.getChildCount(), 1);
+  ASSERT_TRUE(doc.readFromStrict(L"<A K=\"1\"><B/></A>"));
+  EXPECT_EQ(doc.getChildCount(), 2);
+  EXPECT_NE(doc.findNode("A"), nullptr);
+}
+
 TEST(xmlDocumentTest, BadFilesFailWithoutChangingTheDocument) {
   tempDir dir;
   xmlDocument doc;
