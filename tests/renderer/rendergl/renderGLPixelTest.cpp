@@ -30,6 +30,7 @@
 #include "jev3d/renderer/renderstate/zbufferstate.h"
 #include "jev3d/renderer/transformState.h"
 #include "jev3d/renderer/vertexBuffer.h"
+#include "jev3d/resources/renderTargetStorage.h"
 #include "jev3d/resources/textureStorage.h"
 
 using namespace JEV::PLATFORM;
@@ -585,6 +586,52 @@ TEST_F(glFixture, aRenderTargetsContentsReadBack) {
   EXPECT_EQ(texels[(16 * 32 + 28) * 4 + 2], 255);
   EXPECT_TRUE(gl.discardRenderTargetOnTexture(&offScreen));
   EXPECT_FALSE(gl.isCachedRenderTargetOnTexture(&offScreen));
+}
+
+TEST_F(glFixture, aStoredTargetNamedByAStateNodeIsDrawnIntoAndReadBack) {
+  ASSERT_TRUE(gl.isSupportRenderTargetOnTexture());
+  JEV::CORE::renderTargetStorage& targets = *rc.getRenderTargetStorage();
+  ASSERT_TRUE(targets.createRenderTarget("mirror", 16, 16));
+  JEV::RENDERING::INSTANCING::renderTargetInstance target(&targets);
+  ASSERT_TRUE(target.connectToResourceStorage("mirror"));
+  renderTarget* stored = target.getTarget();
+  ASSERT_NE(stored, nullptr);
+  target.scissor.set(0, 0, 16, 16, false, false);
+  target.viewport.set(0, 0, 16, 16, false, viewportstate::VIEWPORT_FREE);
+  target.clearColour = JEV::CORE::color(0, 255, 0, 255);
+
+  vertexBuffer vb(VC::COLOR | VC::POS3);
+  indexBuffer ib;
+  // The lower half of the target.
+  makeQuad(vb, ib, -1, -1, 1, 0, 0, JEV::CORE::color(255, 0, 255, 255));
+  lightingstate unlit(false, false);
+  drawNode quad([&] {
+    gl.renderIndexedGeometry(renderer::DRAW_TRIANGLES, &vb, &ib, 0, ib.getIndexNumber());
+  });
+  quad.connect(&target, false);
+  target.connect(&unlit, false);
+  frame(unlit);
+  EXPECT_TRUE(stored->isCached());
+  EXPECT_EQ(brightness(64, 64), 0) << "the window saw none of it";
+
+  gl.makeCurrentContext(false);
+  std::vector<std::uint8_t> texels(16 * 16 * 4, 0);
+  glBindTexture(GL_TEXTURE_2D, stored->getTexture()->getDeviceNames().front());
+  glGetTexImage(GL_TEXTURE_2D, 0, GL_RGBA, GL_UNSIGNED_BYTE, texels.data());
+  glBindTexture(GL_TEXTURE_2D, 0);
+  const std::uint8_t* low = &texels[(4 * 16 + 8) * 4];
+  const std::uint8_t* high = &texels[(12 * 16 + 8) * 4];
+  EXPECT_EQ(low[0], 255);
+  EXPECT_EQ(low[1], 0);
+  EXPECT_EQ(low[2], 255);
+  EXPECT_EQ(high[0], 0);
+  EXPECT_EQ(high[1], 255);
+  EXPECT_EQ(high[2], 0);
+
+  // Its last user gone, the target lets its framebuffer go and stays in the storage.
+  ASSERT_TRUE(target.disconnectToResourceStorage());
+  EXPECT_FALSE(stored->isCached());
+  EXPECT_TRUE(targets.isValid("mirror"));
 }
 
 TEST_F(glFixture, textIsDrawnWithFreeTypeGlyphs) {
