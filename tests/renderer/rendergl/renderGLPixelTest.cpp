@@ -31,6 +31,7 @@
 #include "jev3d/renderer/transformState.h"
 #include "jev3d/renderer/vertexBuffer.h"
 #include "jev3d/resources/renderTargetStorage.h"
+#include "jev3d/resources/texture3D.h"
 #include "jev3d/resources/textureStorage.h"
 
 using namespace JEV::PLATFORM;
@@ -632,6 +633,53 @@ TEST_F(glFixture, aStoredTargetNamedByAStateNodeIsDrawnIntoAndReadBack) {
   ASSERT_TRUE(target.disconnectToResourceStorage());
   EXPECT_FALSE(stored->isCached());
   EXPECT_TRUE(targets.isValid("mirror"));
+}
+
+TEST_F(glFixture, aLuminanceVolumeUploadsBooksItsBytesAndIsDiscarded) {
+  // 4 × 4 × 4 samples counting up, x fastest.
+  std::vector<unsigned char> samples(64);
+  for (size_t i = 0; i < samples.size(); ++i) samples[i] = static_cast<unsigned char>(i * 4);
+  JEV::TEXTURE::texture3D volume(&gl);
+  ASSERT_TRUE(volume.setVolume(4, 4, 4, samples));
+  const uint32_t before = gl.getTextureMemoryUsed();
+  ASSERT_TRUE(volume.cache());
+  ASSERT_EQ(volume.getDeviceNames().size(), 1u);
+  const unsigned name = volume.getDeviceNames().front();
+  EXPECT_TRUE(glIsTexture(name));
+  // 64 bytes and the mip chain's share.
+  EXPECT_EQ(gl.getTextureMemoryUsed(), before + 64 + 64 / 7);
+
+  glBindTexture(GL_TEXTURE_3D, name);
+  GLint depth = 0, format = 0, wrapR = 0, minFilter = 0, levels = 0;
+  glGetTexLevelParameteriv(GL_TEXTURE_3D, 0, GL_TEXTURE_DEPTH, &depth);
+  glGetTexLevelParameteriv(GL_TEXTURE_3D, 0, GL_TEXTURE_INTERNAL_FORMAT, &format);
+  glGetTexParameteriv(GL_TEXTURE_3D, GL_TEXTURE_WRAP_R, &wrapR);
+  glGetTexParameteriv(GL_TEXTURE_3D, GL_TEXTURE_MIN_FILTER, &minFilter);
+  glGetTexLevelParameteriv(GL_TEXTURE_3D, 2, GL_TEXTURE_WIDTH, &levels);
+  std::vector<unsigned char> back(64, 0);
+  glPixelStorei(GL_PACK_ALIGNMENT, 1);
+  glGetTexImage(GL_TEXTURE_3D, 0, GL_LUMINANCE, GL_UNSIGNED_BYTE, back.data());
+  glBindTexture(GL_TEXTURE_3D, 0);
+  EXPECT_EQ(depth, 4);
+  EXPECT_EQ(format, GL_LUMINANCE8);
+  EXPECT_EQ(wrapR, GL_CLAMP_TO_BORDER);
+  EXPECT_EQ(minFilter, GL_LINEAR_MIPMAP_LINEAR);
+  EXPECT_EQ(levels, 1) << "the chain reaches one sample";
+  EXPECT_EQ(back, samples);
+
+  ASSERT_TRUE(gl.discardTexture3D(&volume));
+  EXPECT_FALSE(glIsTexture(name));
+  EXPECT_FALSE(volume.isCached());
+  EXPECT_EQ(gl.getTextureMemoryUsed(), before);
+
+  // Given up from any thread, the names go at the next frame.
+  ASSERT_TRUE(volume.cache());
+  const unsigned again = volume.getDeviceNames().front();
+  volume.discard();
+  EXPECT_TRUE(glIsTexture(again)) << "still there until the drawing thread empties the list";
+  ASSERT_TRUE(gl.emptyDiscardList());
+  EXPECT_FALSE(glIsTexture(again));
+  EXPECT_EQ(gl.getTextureMemoryUsed(), before);
 }
 
 TEST_F(glFixture, textIsDrawnWithFreeTypeGlyphs) {
