@@ -122,6 +122,23 @@ struct glFixture : ::testing::Test {
     ASSERT_TRUE(gl.cacheIndexBuffer(&ib, indices, 6));
   }
 
+  // A target instance drawing over the whole of a `side` × `side` target, cleared to `clear`.
+  static void coverTarget(JEV::RENDERING::INSTANCING::renderTargetInstance& target, int side,
+                          JEV::CORE::color clear) {
+    target.scissor.set(0, 0, side, side, false, false);
+    target.viewport.set(0, 0, side, side, false, viewportstate::VIEWPORT_FREE);
+    target.clearColour = clear;
+  }
+  // The RGBA texels of a square texture's first level, as the device holds them.
+  std::vector<std::uint8_t> texelsOf(const JEV::TEXTURE::texture& picture, int side) {
+    gl.makeCurrentContext(false);
+    std::vector<std::uint8_t> texels(size_t(side) * side * 4, 0);
+    glBindTexture(GL_TEXTURE_2D, picture.getDeviceNames().front());
+    glGetTexImage(GL_TEXTURE_2D, 0, GL_RGBA, GL_UNSIGNED_BYTE, texels.data());
+    glBindTexture(GL_TEXTURE_2D, 0);
+    return texels;
+  }
+
   // 2 × 2 pixels, bottom row first: red, green; top row: blue, white.
   static JEV::IO::textureImage checkerImage() {
     JEV::IO::textureImage image;
@@ -547,9 +564,7 @@ TEST_F(glFixture, aRenderTargetsContentsReadBack) {
   renderTarget offScreen{JEV::SYSTEM::sharedPointer<JEV::TEXTURE::texture>(picture)};
   JEV::RENDERING::INSTANCING::renderTargetInstance target;
   target.setTarget(&offScreen);
-  target.scissor.set(0, 0, 32, 32, false, false);
-  target.viewport.set(0, 0, 32, 32, false, viewportstate::VIEWPORT_FREE);
-  target.clearColour = JEV::CORE::color(0, 0, 255, 255);
+  coverTarget(target, 32, JEV::CORE::color(0, 0, 255, 255));
 
   vertexBuffer vb(VC::COLOR | VC::POS3);
   indexBuffer ib;
@@ -578,11 +593,7 @@ TEST_F(glFixture, aRenderTargetsContentsReadBack) {
   EXPECT_EQ(gl.getCurrentViewportState().computedWidth.cV(), size);
 
   // What was drawn is the texture's picture now.
-  gl.makeCurrentContext(false);
-  std::vector<std::uint8_t> texels(32 * 32 * 4, 0);
-  glBindTexture(GL_TEXTURE_2D, picture->getDeviceNames().front());
-  glGetTexImage(GL_TEXTURE_2D, 0, GL_RGBA, GL_UNSIGNED_BYTE, texels.data());
-  glBindTexture(GL_TEXTURE_2D, 0);
+  const std::vector<std::uint8_t> texels = texelsOf(*picture, 32);
   EXPECT_EQ(texels[(16 * 32 + 4) * 4], 255);
   EXPECT_EQ(texels[(16 * 32 + 28) * 4 + 2], 255);
   EXPECT_TRUE(gl.discardRenderTargetOnTexture(&offScreen));
@@ -597,9 +608,7 @@ TEST_F(glFixture, aStoredTargetNamedByAStateNodeIsDrawnIntoAndReadBack) {
   ASSERT_TRUE(target.connectToResourceStorage("mirror"));
   renderTarget* stored = target.getTarget();
   ASSERT_NE(stored, nullptr);
-  target.scissor.set(0, 0, 16, 16, false, false);
-  target.viewport.set(0, 0, 16, 16, false, viewportstate::VIEWPORT_FREE);
-  target.clearColour = JEV::CORE::color(0, 255, 0, 255);
+  coverTarget(target, 16, JEV::CORE::color(0, 255, 0, 255));
 
   vertexBuffer vb(VC::COLOR | VC::POS3);
   indexBuffer ib;
@@ -615,11 +624,7 @@ TEST_F(glFixture, aStoredTargetNamedByAStateNodeIsDrawnIntoAndReadBack) {
   EXPECT_TRUE(stored->isCached());
   EXPECT_EQ(brightness(64, 64), 0) << "the window saw none of it";
 
-  gl.makeCurrentContext(false);
-  std::vector<std::uint8_t> texels(16 * 16 * 4, 0);
-  glBindTexture(GL_TEXTURE_2D, stored->getTexture()->getDeviceNames().front());
-  glGetTexImage(GL_TEXTURE_2D, 0, GL_RGBA, GL_UNSIGNED_BYTE, texels.data());
-  glBindTexture(GL_TEXTURE_2D, 0);
+  const std::vector<std::uint8_t> texels = texelsOf(*stored->getTexture(), 16);
   const std::uint8_t* low = &texels[(4 * 16 + 8) * 4];
   const std::uint8_t* high = &texels[(12 * 16 + 8) * 4];
   EXPECT_EQ(low[0], 255);
