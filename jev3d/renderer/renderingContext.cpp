@@ -4,6 +4,7 @@
 #include "jev3d/renderer/renderStateStack.h"
 #include "jev3d/renderer/transformStack.h"
 #include "jev3d/resources/meshStorage.h"
+#include "jev3d/resources/renderTargetStorage.h"
 #include "jev3d/resources/textureStorage.h"
 
 namespace JEV {
@@ -18,6 +19,7 @@ renderingContext::renderingContext(renderer* d, audioRenderer* a)
       transforms(std::make_shared<transformStack>(d)),
       meshStorage(std::make_shared<CORE::meshStorage>(d)),
       textureStorage(std::make_shared<CORE::textureStorage>(d)),
+      renderTargetStorage(std::make_shared<CORE::renderTargetStorage>(d)),
       renderStates(std::make_shared<RENDERSTATE::renderStateStack>(d)) {}
 
 renderingContext::renderingContext(const renderingContext& other)
@@ -31,6 +33,7 @@ renderingContext::renderingContext(const renderingContext& other)
       transforms(other.transforms),
       meshStorage(other.meshStorage),
       textureStorage(other.textureStorage),
+      renderTargetStorage(other.renderTargetStorage),
       renderStates(other.renderStates) {}
 
 void renderingContext::discard() {
@@ -39,6 +42,7 @@ void renderingContext::discard() {
   cameras->popToBottom();
   meshStorage->clear();
   textureStorage->clear();
+  renderTargetStorage->clear();
 }
 
 }  // namespace RENDERING

@@ -8,6 +8,7 @@ namespace JEV {
 namespace CORE {
 class meshStorage;
 class textureStorage;
+class renderTargetStorage;
 }  // namespace CORE
 
 namespace RENDERING {
@@ -43,6 +44,7 @@ class renderingContext {
   // The window's resource storages, made with the context and shared by its copies.
   CORE::meshStorage* getMeshStorage() const { return meshStorage.get(); }
   CORE::textureStorage* getTextureStorage() const { return textureStorage.get(); }
+  CORE::renderTargetStorage* getRenderTargetStorage() const { return renderTargetStorage.get(); }
 
   SYSTEM::fieldBase<int> windowX;
   SYSTEM::fieldBase<int> windowY;
@@ -57,6 +59,7 @@ class renderingContext {
   std::shared_ptr<transformStack> transforms;
   std::shared_ptr<CORE::meshStorage> meshStorage;
   std::shared_ptr<CORE::textureStorage> textureStorage;
+  std::shared_ptr<CORE::renderTargetStorage> renderTargetStorage;
   std::shared_ptr<RENDERSTATE::renderStateStack> renderStates;
 };
 

@@ -65,6 +65,18 @@ RENDERING::INSTANCING::textureInstance* sgController::addTextureStateNode(const 
   return addTextureStateNode(widen(id));
 }
 
+RENDERING::INSTANCING::renderTargetInstance* sgController::addRenderTargetStateNode(
+    const std::wstring& id) {
+  RENDERING::renderingContext* rc = window ? window->getRenderingContext() : nullptr;
+  return addTyped(id, new RENDERING::INSTANCING::renderTargetInstance(
+                          rc ? rc->getRenderTargetStorage() : nullptr));
+}
+
+RENDERING::INSTANCING::renderTargetInstance* sgController::addRenderTargetStateNode(
+    const std::string& id) {
+  return addRenderTargetStateNode(widen(id));
+}
+
 node* sgController::getNode(const std::wstring& id) { return nodes.getEntry(id).get(); }
 
 node* sgController::getNode(const std::string& id) { return nodes.getEntry(id).get(); }

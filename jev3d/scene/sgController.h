@@ -104,8 +104,11 @@ class sgController {
   RENDERING::INSTANCING::textureInstance* addTextureStateNode(const std::wstring& id);
   RENDERING::INSTANCING::textureInstance* addTextureStateNode(const std::string& id);
   JEV3D_SG_GETTERS(TextureStateNode, RENDERING::INSTANCING::textureInstance)
-  // A render target instance; it draws into the window until it is given a target.
-  JEV3D_SG_NODE_FAMILY(RenderTargetStateNode, RENDERING::INSTANCING::renderTargetInstance)
+  // A render target instance on the window's render target storage (none without a
+  // window); it draws into the window until it is connected to a target.
+  RENDERING::INSTANCING::renderTargetInstance* addRenderTargetStateNode(const std::wstring& id);
+  RENDERING::INSTANCING::renderTargetInstance* addRenderTargetStateNode(const std::string& id);
+  JEV3D_SG_GETTERS(RenderTargetStateNode, RENDERING::INSTANCING::renderTargetInstance)
 
   node* getNode(const std::wstring& id);
   node* getNode(const std::string& id);

@@ -152,6 +152,8 @@ TEST_F(sgControllerTest, everyStateNodeFamilyAddsAndGetsByName) {
   renderTargetInstance* target = scene.addRenderTargetStateNode("target");
   ASSERT_NE(target, nullptr);
   EXPECT_TRUE(target->isWindowTarget());
+  EXPECT_EQ(target->getResourceStorage(), win.getRenderingContext()->getRenderTargetStorage());
+  EXPECT_NE(target->getResourceStorage(), nullptr);
   EXPECT_EQ(constScene.getRenderTargetStateNode("target"), target);
   EXPECT_EQ(scene.getAlphaStateNode("missing"), nullptr);
 }

@@ -10,6 +10,9 @@
 #include "jev3d/system/mutex.h"
 
 namespace JEV {
+namespace CORE {
+class deviceResource;
+}
 namespace RENDERING {
 
 // The OpenGL back end: a compatibility context made through the platform, with the
@@ -187,6 +190,8 @@ class renderGL : public renderer {
   // taken off too.
   void bookTexture(unsigned name, uint32_t bytes);
   void unbookTexture(unsigned name);
+  // Deletes a texture's names, takes their bytes off the books and empties its list.
+  bool deleteTextureNames(CORE::deviceResource* t);
   bool uploadIndices(indexBuffer* buffer, const void* indices, uint32_t bytes, unsigned count);
   bool isCachedStream(const vertexBuffer& buffer, unsigned stream) const;
   // Whether a state goes to GL: always, unless unchanged states are skipped and this one

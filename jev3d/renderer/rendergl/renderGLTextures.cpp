@@ -3,6 +3,7 @@
 #include "jev3d/renderer/renderTarget.h"
 #include "jev3d/renderer/rendergl/renderGL.h"
 #include "jev3d/resources/texture.h"
+#include "jev3d/resources/texture3D.h"
 
 namespace JEV {
 namespace RENDERING {
@@ -61,7 +62,9 @@ bool renderGL::cacheTexture(TEXTURE::texture* t) {
   return true;
 }
 
-bool renderGL::discardTexture(TEXTURE::texture* t) {
+bool renderGL::discardTexture(TEXTURE::texture* t) { return deleteTextureNames(t); }
+
+bool renderGL::deleteTextureNames(CORE::deviceResource* t) {
   if (!t || !makeCurrentContext(false)) return false;
   for (unsigned name : t->getDeviceNames()) {
     if (glIsTexture(name)) glDeleteTextures(1, &name);
@@ -144,9 +147,50 @@ bool renderGL::discardRenderTargetOnTexture(renderTarget* target) {
   return true;
 }
 
-// Volumes have no resource class yet: nothing asks for them.
-bool renderGL::cacheTexture3D(TEXTURE::texture3D*) { return false; }
-bool renderGL::discardTexture3D(TEXTURE::texture3D*) { return false; }
+bool renderGL::cacheTexture3D(TEXTURE::texture3D* t) {
+  if (!t || !makeCurrentContext(false) || !glTexImage3D) return false;
+  discardTexture3D(t);
+  if (t->empty()) return false;
+  // Luminance 8 is named as the internal format and as the format, as it always has
+  // been. A device that refuses it as a format is given the plain luminance format for
+  // the same bytes, so that the volume still arrives.
+  constexpr GLenum luminance8 = 0x8040;
+  constexpr GLint clampToBorder = 0x812D;
+  // Earlier errors are not this upload's (a few at most are queued).
+  for (int i = 0; i < 16 && glGetError() != GL_NO_ERROR; ++i) {
+  }
+  GLuint name = 0;
+  glGenTextures(1, &name);
+  glBindTexture(GL_TEXTURE_3D, name);
+  glPixelStorei(GL_UNPACK_ALIGNMENT, 1);
+  glTexImage3D(GL_TEXTURE_3D, 0, GLint(luminance8), t->getWidth(), t->getHeight(), t->getDepth(),
+               0, luminance8, GL_UNSIGNED_BYTE, t->getSamples().data());
+  if (glGetError() != GL_NO_ERROR) {
+    glTexImage3D(GL_TEXTURE_3D, 0, GLint(luminance8), t->getWidth(), t->getHeight(),
+                 t->getDepth(), 0, GL_LUMINANCE, GL_UNSIGNED_BYTE, t->getSamples().data());
+  }
+  glTexParameteri(GL_TEXTURE_3D, GL_TEXTURE_WRAP_S, clampToBorder);
+  glTexParameteri(GL_TEXTURE_3D, GL_TEXTURE_WRAP_T, clampToBorder);
+  glTexParameteri(GL_TEXTURE_3D, GL_TEXTURE_WRAP_R, clampToBorder);
+  const bool mipmaps = glGenerateMipmap != nullptr;
+  glTexParameteri(GL_TEXTURE_3D, GL_TEXTURE_MIN_FILTER,
+                  mipmaps ? GL_LINEAR_MIPMAP_LINEAR : GL_LINEAR);
+  glTexParameteri(GL_TEXTURE_3D, GL_TEXTURE_MAG_FILTER, GL_LINEAR);
+  if (mipmaps) glGenerateMipmap(GL_TEXTURE_3D);
+  glBindTexture(GL_TEXTURE_3D, 0);
+  const bool uploaded = glGetError() == GL_NO_ERROR;
+  if (!uploaded) {
+    glDeleteTextures(1, &name);
+    return false;
+  }
+  t->setDeviceNames({name});
+  // One byte a sample, and the chain of halved levels adds about a seventh.
+  const uint32_t bytes = uint32_t(t->getSamples().size());
+  bookTexture(name, mipmaps ? bytes + bytes / 7 : bytes);
+  return true;
+}
+
+bool renderGL::discardTexture3D(TEXTURE::texture3D* t) { return deleteTextureNames(t); }
 
 }  // namespace RENDERING
 }  // namespace JEV

@@ -30,6 +30,8 @@
 #include "jev3d/renderer/renderstate/zbufferstate.h"
 #include "jev3d/renderer/transformState.h"
 #include "jev3d/renderer/vertexBuffer.h"
+#include "jev3d/resources/renderTargetStorage.h"
+#include "jev3d/resources/texture3D.h"
 #include "jev3d/resources/textureStorage.h"
 
 using namespace JEV::PLATFORM;
@@ -118,6 +120,23 @@ struct glFixture : ::testing::Test {
     }
     ASSERT_TRUE(gl.cacheVertexBufferElement(&vb, VC::POS3, pos, 4));
     ASSERT_TRUE(gl.cacheIndexBuffer(&ib, indices, 6));
+  }
+
+  // A target instance drawing over the whole of a `side` × `side` target, cleared to `clear`.
+  static void coverTarget(JEV::RENDERING::INSTANCING::renderTargetInstance& target, int side,
+                          JEV::CORE::color clear) {
+    target.scissor.set(0, 0, side, side, false, false);
+    target.viewport.set(0, 0, side, side, false, viewportstate::VIEWPORT_FREE);
+    target.clearColour = clear;
+  }
+  // The RGBA texels of a square texture's first level, as the device holds them.
+  std::vector<std::uint8_t> texelsOf(const JEV::TEXTURE::texture& picture, int side) {
+    gl.makeCurrentContext(false);
+    std::vector<std::uint8_t> texels(size_t(side) * side * 4, 0);
+    glBindTexture(GL_TEXTURE_2D, picture.getDeviceNames().front());
+    glGetTexImage(GL_TEXTURE_2D, 0, GL_RGBA, GL_UNSIGNED_BYTE, texels.data());
+    glBindTexture(GL_TEXTURE_2D, 0);
+    return texels;
   }
 
   // 2 × 2 pixels, bottom row first: red, green; top row: blue, white.
@@ -545,9 +564,7 @@ TEST_F(glFixture, aRenderTargetsContentsReadBack) {
   renderTarget offScreen{JEV::SYSTEM::sharedPointer<JEV::TEXTURE::texture>(picture)};
   JEV::RENDERING::INSTANCING::renderTargetInstance target;
   target.setTarget(&offScreen);
-  target.scissor.set(0, 0, 32, 32, false, false);
-  target.viewport.set(0, 0, 32, 32, false, viewportstate::VIEWPORT_FREE);
-  target.clearColour = JEV::CORE::color(0, 0, 255, 255);
+  coverTarget(target, 32, JEV::CORE::color(0, 0, 255, 255));
 
   vertexBuffer vb(VC::COLOR | VC::POS3);
   indexBuffer ib;
@@ -576,15 +593,98 @@ TEST_F(glFixture, aRenderTargetsContentsReadBack) {
   EXPECT_EQ(gl.getCurrentViewportState().computedWidth.cV(), size);
 
   // What was drawn is the texture's picture now.
-  gl.makeCurrentContext(false);
-  std::vector<std::uint8_t> texels(32 * 32 * 4, 0);
-  glBindTexture(GL_TEXTURE_2D, picture->getDeviceNames().front());
-  glGetTexImage(GL_TEXTURE_2D, 0, GL_RGBA, GL_UNSIGNED_BYTE, texels.data());
-  glBindTexture(GL_TEXTURE_2D, 0);
+  const std::vector<std::uint8_t> texels = texelsOf(*picture, 32);
   EXPECT_EQ(texels[(16 * 32 + 4) * 4], 255);
   EXPECT_EQ(texels[(16 * 32 + 28) * 4 + 2], 255);
   EXPECT_TRUE(gl.discardRenderTargetOnTexture(&offScreen));
   EXPECT_FALSE(gl.isCachedRenderTargetOnTexture(&offScreen));
+}
+
+TEST_F(glFixture, aStoredTargetNamedByAStateNodeIsDrawnIntoAndReadBack) {
+  ASSERT_TRUE(gl.isSupportRenderTargetOnTexture());
+  JEV::CORE::renderTargetStorage& targets = *rc.getRenderTargetStorage();
+  ASSERT_TRUE(targets.createRenderTarget("mirror", 16, 16));
+  JEV::RENDERING::INSTANCING::renderTargetInstance target(&targets);
+  ASSERT_TRUE(target.connectToResourceStorage("mirror"));
+  renderTarget* stored = target.getTarget();
+  ASSERT_NE(stored, nullptr);
+  coverTarget(target, 16, JEV::CORE::color(0, 255, 0, 255));
+
+  vertexBuffer vb(VC::COLOR | VC::POS3);
+  indexBuffer ib;
+  // The lower half of the target.
+  makeQuad(vb, ib, -1, -1, 1, 0, 0, JEV::CORE::color(255, 0, 255, 255));
+  lightingstate unlit(false, false);
+  drawNode quad([&] {
+    gl.renderIndexedGeometry(renderer::DRAW_TRIANGLES, &vb, &ib, 0, ib.getIndexNumber());
+  });
+  quad.connect(&target, false);
+  target.connect(&unlit, false);
+  frame(unlit);
+  EXPECT_TRUE(stored->isCached());
+  EXPECT_EQ(brightness(64, 64), 0) << "the window saw none of it";
+
+  const std::vector<std::uint8_t> texels = texelsOf(*stored->getTexture(), 16);
+  const std::uint8_t* low = &texels[(4 * 16 + 8) * 4];
+  const std::uint8_t* high = &texels[(12 * 16 + 8) * 4];
+  EXPECT_EQ(low[0], 255);
+  EXPECT_EQ(low[1], 0);
+  EXPECT_EQ(low[2], 255);
+  EXPECT_EQ(high[0], 0);
+  EXPECT_EQ(high[1], 255);
+  EXPECT_EQ(high[2], 0);
+
+  // Its last user gone, the target lets its framebuffer go and stays in the storage.
+  ASSERT_TRUE(target.disconnectToResourceStorage());
+  EXPECT_FALSE(stored->isCached());
+  EXPECT_TRUE(targets.isValid("mirror"));
+}
+
+TEST_F(glFixture, aLuminanceVolumeUploadsBooksItsBytesAndIsDiscarded) {
+  // 4 × 4 × 4 samples counting up, x fastest.
+  std::vector<unsigned char> samples(64);
+  for (size_t i = 0; i < samples.size(); ++i) samples[i] = static_cast<unsigned char>(i * 4);
+  JEV::TEXTURE::texture3D volume(&gl);
+  ASSERT_TRUE(volume.setVolume(4, 4, 4, samples));
+  const uint32_t before = gl.getTextureMemoryUsed();
+  ASSERT_TRUE(volume.cache());
+  ASSERT_EQ(volume.getDeviceNames().size(), 1u);
+  const unsigned name = volume.getDeviceNames().front();
+  EXPECT_TRUE(glIsTexture(name));
+  // 64 bytes and the mip chain's share.
+  EXPECT_EQ(gl.getTextureMemoryUsed(), before + 64 + 64 / 7);
+
+  glBindTexture(GL_TEXTURE_3D, name);
+  GLint depth = 0, format = 0, wrapR = 0, minFilter = 0, levels = 0;
+  glGetTexLevelParameteriv(GL_TEXTURE_3D, 0, GL_TEXTURE_DEPTH, &depth);
+  glGetTexLevelParameteriv(GL_TEXTURE_3D, 0, GL_TEXTURE_INTERNAL_FORMAT, &format);
+  glGetTexParameteriv(GL_TEXTURE_3D, GL_TEXTURE_WRAP_R, &wrapR);
+  glGetTexParameteriv(GL_TEXTURE_3D, GL_TEXTURE_MIN_FILTER, &minFilter);
+  glGetTexLevelParameteriv(GL_TEXTURE_3D, 2, GL_TEXTURE_WIDTH, &levels);
+  std::vector<unsigned char> back(64, 0);
+  glPixelStorei(GL_PACK_ALIGNMENT, 1);
+  glGetTexImage(GL_TEXTURE_3D, 0, GL_LUMINANCE, GL_UNSIGNED_BYTE, back.data());
+  glBindTexture(GL_TEXTURE_3D, 0);
+  EXPECT_EQ(depth, 4);
+  EXPECT_EQ(format, GL_LUMINANCE8);
+  EXPECT_EQ(wrapR, GL_CLAMP_TO_BORDER);
+  EXPECT_EQ(minFilter, GL_LINEAR_MIPMAP_LINEAR);
+  EXPECT_EQ(levels, 1) << "the chain reaches one sample";
+  EXPECT_EQ(back, samples);
+
+  ASSERT_TRUE(gl.discardTexture3D(&volume));
+  EXPECT_FALSE(glIsTexture(name));
+  EXPECT_FALSE(volume.isCached());
+  EXPECT_EQ(gl.getTextureMemoryUsed(), before);
+
+  // Given up from any thread, the names go at the next frame.
+  ASSERT_TRUE(volume.cache());
+  const unsigned again = volume.getDeviceNames().front();
+  volume.discard();
+  EXPECT_TRUE(glIsTexture(again)) << "still there until the drawing thread empties the list";
+  ASSERT_TRUE(gl.emptyDiscardList());
+  EXPECT_FALSE(glIsTexture(again));
+  EXPECT_EQ(gl.getTextureMemoryUsed(), before);
 }
 
 TEST_F(glFixture, textIsDrawnWithFreeTypeGlyphs) {
