@@ -68,6 +68,8 @@ void eventSchedule::doSchedule() {
 void eventSchedule::runEvent(EVENT_TYPE type, inputEvent& event) {
   sendAbsoluteEvent(type, event);
   const unsigned actions = actionsFor(type);
+  // A press where no widget is, on the bare desktop, is a press outside the popup too.
+  if ((actions & ACT_CLOSE_BEFORE) && !event.target) closePopupNow();
   // Each step may erase the target (a delegate calling eraseNow): forget then clears
   // event.target, and nothing further touches it.
   if ((actions & ACT_ENTER) && event.target) mouseMoveEnter(event);

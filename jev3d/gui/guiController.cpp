@@ -97,15 +97,20 @@ bool guiController::init(bool withTitleBar, bool withToolTip, const std::wstring
   // controls exist, so `withTitleBar` has nothing to build yet.
   (void)withTitleBar;
   if (withToolTip) {
-    toolTip = addLabel(std::wstring(TOOLTIP_ID), desktop);
-    if (toolTip) {
-      setTopMost(toolTip, true);
-      toolTip->visible = false;
-      toolTip->setUseSchemaColor(true);
-      toolTip->setjustColor(WCC_TOOLTIP);
-      // Never a hit: the tooltip must not take the mouse from the widget it explains.
-      toolTip->getFlags().clearFlag(WF_PICKABLE);
-      toolTip->getFlags().setFlag(WF_PRIVATE);
+    auto* tip = static_cast<button*>(add(WC_BUTTON, std::wstring(TOOLTIP_ID), desktop));
+    toolTip = tip;
+    if (tip) {
+      setTopMost(tip, true);
+      tip->visible = false;
+      tip->setButtonStyle(BS_TEXT_ONLY);
+      tip->setSkinAsToolTip();
+      tip->getFlags().setFlag(WF_PRIVATE);
+      // Never a hit, nor its parts: the tooltip must not take the mouse from the widget
+      // it explains.
+      for (widget* w : {static_cast<widget*>(tip), static_cast<widget*>(tip->getCaptionPart()),
+                        static_cast<widget*>(tip->getIconPart())}) {
+        if (w) w->getFlags().clearFlag(WF_PICKABLE);
+      }
     }
   }
   canvases.assign(1, desktop);

@@ -89,6 +89,15 @@ class messageScope {
     x = static_cast<float>(lowWordSigned(lParam));
     y = static_cast<float>(win->getRenderingContext()->windowHeight.cV() - highWordSigned(lParam));
   }
+  // The widget a button event goes to: the one the last move recorded, checked anew at
+  // this message's position, since it may have been hidden, disabled or erased since (a
+  // closed menu's item must not hear a second click). After the mouse left the window the
+  // recorded root stays the target.
+  GUI::widget* recordedBelow() const {
+    GUI::widget* recorded = ctx.widgetBelowMouse;
+    if (gui && recorded && recorded == gui->getRootWidget()) return recorded;
+    return belowNow();
+  }
   GUI::widget* focusedOrBelow() const {
     if (!gui) return nullptr;
     GUI::widget* f = gui->getFocusedWidget();
@@ -742,12 +751,13 @@ std::int64_t application::windowProc(winMain* win, windowHandle hWnd, unsigned m
           case 1:
             if (!button.down) break;
             if (!button.drag) {
-              s.queueMouse(button.upEvent, c.widgetBelowMouse);
-              s.queueMouse(button.clickEvent, c.widgetBelowMouse);
+              GUI::widget* target = s.recordedBelow();
+              s.queueMouse(button.upEvent, target);
+              s.queueMouse(button.clickEvent, target);
             } else {
               button.drag = false;
               s.queueMouse(button.dragLeaveEvent, c.draggedWidget);
-              s.queueMouse(button.upEvent, c.widgetBelowMouse);
+              s.queueMouse(button.upEvent, s.recordedBelow());
               // Only the left button clicks at the end of a drag, and only where it
               // went down.
               if (b == LEFT) {
@@ -758,7 +768,7 @@ std::int64_t application::windowProc(winMain* win, windowHandle hWnd, unsigned m
             button.down = false;
             break;
           default:
-            s.queueMouse(button.doubleClickEvent, c.widgetBelowMouse);
+            s.queueMouse(button.doubleClickEvent, s.recordedBelow());
             break;
         }
       }

@@ -553,6 +553,12 @@ TEST_F(controlsTest, menuOpensHighlightsAndFiresItsItemOnce) {
     EXPECT_FALSE(m->isVisible());
     EXPECT_EQ(gui->getSchedule().getPopup(), nullptr);
     EXPECT_EQ(m->getHighlighted(), nullptr);
+    // A second click at the same place, the mouse not moved: the item is hidden now.
+    press(WM_LBUTTONDOWN);
+    press(WM_LBUTTONUP);
+    press(WM_LBUTTONDBLCLK);
+    gui->update();
+    EXPECT_EQ(saves.count, 1) << "a closed menu's item hears no click without a move";
     moveTo(300, 20);
     clickAt(onSave.x, onSave.y);
     EXPECT_EQ(saves.count, 1) << "a closed menu hears nothing";
@@ -592,6 +598,13 @@ TEST_F(controlsTest, menuOpensHighlightsAndFiresItsItemOnce) {
     EXPECT_TRUE(m->isVisible());
     clickAt(20, 160);
     EXPECT_FALSE(m->isVisible());
+    // A press on the bare desktop, where no widget is, closes it as well.
+    rightClickAt(50, 180);
+    EXPECT_TRUE(m->isVisible());
+    EXPECT_EQ(gui->getWidgetBelowMouse(300, 20), nullptr);
+    clickAt(300, 20);
+    EXPECT_FALSE(m->isVisible());
+    EXPECT_EQ(gui->getSchedule().getPopup(), nullptr);
 
     // A menu that is not closable stays open after a click on an item.
     m->notClosable = true;

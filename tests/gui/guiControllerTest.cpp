@@ -7,9 +7,11 @@
 #include <thread>
 #include <vector>
 
+#include "jev3d/gui/button.h"
 #include "jev3d/gui/canvas.h"
 #include "jev3d/gui/label.h"
 #include "jev3d/gui/panel.h"
+#include "jev3d/gui/picturebox.h"
 #include "jev3d/gui/widget.h"
 #include "jev3d/renderer/cameraStack.h"
 #include "jev3d/resources/textureStorage.h"
@@ -119,6 +121,13 @@ TEST_F(guiControllerTest, initBuildsADesktopThatFollowsTheWindow) {
     EXPECT_FALSE(tip->isVisible());
     EXPECT_TRUE(tip->isTopMost());
     EXPECT_EQ(desktop->getTopMost().size(), 1u);
+    // A button in the tooltip's skin, its caption centred alone.
+    ASSERT_EQ(tip->getClass(), WC_BUTTON);
+    auto* tipButton = static_cast<button*>(tip);
+    EXPECT_EQ(tip->getClassColor(), WCC_TOOLTIP);
+    EXPECT_EQ(tipButton->getButtonStyle(), BS_TEXT_ONLY);
+    EXPECT_FLOAT_EQ(tipButton->tileNormal[0], 32.0f);
+    EXPECT_FLOAT_EQ(tipButton->tileNormal[1], 0.0f);
   });
 }
 
@@ -140,8 +149,8 @@ TEST_F(guiControllerTest, registryAndFactoryByName) {
     EXPECT_EQ(gui->add(WC_LABEL, L"L2", p)->getClass(), WC_LABEL);
     EXPECT_EQ(gui->add(WC_WIDGET, L"W", p)->getClass(), WC_WIDGET);
     EXPECT_EQ(gui->add(WIDGET_CLASS(24), L"X", p), nullptr);
-    // Desktop, tooltip, P, its label, L2, W.
-    EXPECT_EQ(gui->getWidgetsCount(), 6);
+    // Desktop, tooltip with its caption and icon parts, P, its label, L2, W.
+    EXPECT_EQ(gui->getWidgetsCount(), 8);
 
     EXPECT_TRUE(gui->eraseNow(p));
     EXPECT_FALSE(gui->isValid(L"P"));
@@ -316,8 +325,11 @@ TEST_F(guiControllerTest, aPopupOpensOnRightClickAndClosesOnAnOutsideClick) {
     EXPECT_EQ(menu->getPositionY(), 30.0f - menu->getHeight());
 
     // A click inside the menu keeps it open.
-    const widget::point3f inside = entry->getAbsolutePos();
-    leftClickAt(int(inside.x) + 2, int(inside.y) + 2);
+    // The menu hangs below the click, partly off the window: aim at its visible part.
+    const widget::point3f inside = entry->getAbsolutePos() + widget::point3f(2, 30, 0);
+    ASSERT_GE(inside.y, 0.0f);
+    EXPECT_EQ(gui->getWidgetBelowMouse(inside.x, inside.y), entry);
+    leftClickAt(int(inside.x), int(inside.y));
     gui->update();
     EXPECT_TRUE(menu->isVisible());
 
@@ -380,6 +392,16 @@ TEST_F(guiControllerTest, theTooltipWaitsForItsTimerAndFollowsTheHoveredWidget) 
     gui->render();
     EXPECT_TRUE(tip->isVisible());
     EXPECT_EQ(tip->getCaption(), L"first tip");
+    auto* tipButton = static_cast<button*>(tip);
+    EXPECT_EQ(tipButton->getCaptionPart()->getCaption(), L"first tip");
+    // Shown, neither it nor its parts take the mouse.
+    const widget* overTip = gui->getWidgetBelowMouse(tip->getPositionX() + tip->getWidth() / 2,
+                                                     tip->getPositionY() + tip->getHeight() / 2);
+    for (const widget* own :
+         {static_cast<const widget*>(tip), static_cast<const widget*>(tipButton->getCaptionPart()),
+          static_cast<const widget*>(tipButton->getIconPart())}) {
+      EXPECT_NE(overTip, own);
+    }
     EXPECT_EQ(tip->getPositionX(), 20.0f + 16);
     EXPECT_EQ(tip->getPositionY(), std::max(0.0f, 20.0f - 16 - tip->getHeight()));
     EXPECT_EQ(gui->getHoverToolTipWidget(), nullptr);
