@@ -4,9 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <atomic>
-#include <chrono>
 #include <cstdint>
-#include <thread>
 #include <vector>
 
 #include "jev3d/gui/guiController.h"
@@ -18,6 +16,7 @@
 #include "jev3d/resources/textureStorage.h"
 #include "jev3d/system/application.h"
 #include "jev3d/system/winMain.h"
+#include "support/glDisplay.h"
 
 using namespace JEV;
 using namespace JEV::PLATFORM;
@@ -35,20 +34,10 @@ struct rgb {
 // Draws a lit-free red quad in perspective as its scene, then the GUI itself so that the
 // frame can be read back before the swap. The first frame posts a click on the button;
 // the frame after the click closes the window.
-class sceneWindow : public SYSTEM::winMain {
+class sceneWindow : public testDisplay::readBackWindow {
  public:
   sceneWindow(SYSTEM::application* app, renderer* device)
-      : winMain(app, device, nullptr, false, true, L"") {
-    setCaption(L"jev3d widgets over a scene");
-    setSize(W, H);
-    // The window draws its GUI itself, between the scene and the read-back.
-    renderGui = false;
-  }
-
-  bool init() override {
-    handle = getHWnd();
-    return getRenderingContext()->getTextureStorage()->loadDefaultTexture();
-  }
+      : readBackWindow(app, device, L"jev3d widgets over a scene", W, H) {}
 
   void draw() override {
     auto* gui = dynamic_cast<GUI::guiController*>(getGui());
@@ -57,9 +46,7 @@ class sceneWindow : public SYSTEM::winMain {
     drawScene();
     gui->render();
     std::vector<std::uint8_t>& target = clicked ? after : before;
-    target.assign(size_t(W) * H * 4, 0);
-    getRenderer()->readPixels(0, 0, W, H, renderer::PIXELDATA_RGBA, renderer::DATA_UNSIGNED_BYTE,
-                              target.data());
+    readFrame(target);
     if (clicked) {
       checkedAfter = button->checked.cV();
       closeWindow();
@@ -84,7 +71,6 @@ class sceneWindow : public SYSTEM::winMain {
     return rgb{p[0], p[1], p[2]};
   }
 
-  std::atomic<windowHandle> handle{0};
   GUI::panel* button = nullptr;
   std::atomic<bool> clicked{false};
   bool clickPosted = false;
@@ -150,16 +136,7 @@ TEST(guiOnDisplay, widgetsOverASceneChangeTheirPixelsAfterAClick) {
   RENDERING::renderGL device;
   sceneWindow win(&app, &device);
   app.addWin(&win);
-  std::atomic<bool> done{false};
-  // Closes the window if the frames never come, so that a broken display fails.
-  std::thread watchdog([&] {
-    for (int i = 0; i < 300 && !done; ++i)
-      std::this_thread::sleep_for(std::chrono::milliseconds(100));
-    if (!done && win.handle.load()) current().postMessage(win.handle.load(), WM_CLOSE, 0, 0);
-  });
-  EXPECT_EQ(app.mainLoop(), 1);
-  done = true;
-  watchdog.join();
+  EXPECT_EQ(testDisplay::runWatched(app, win), 1);
   ASSERT_TRUE(win.clicked.load()) << "the click reached the widget";
   ASSERT_FALSE(win.before.empty());
   ASSERT_FALSE(win.after.empty());
