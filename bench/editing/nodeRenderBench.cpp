@@ -15,8 +15,8 @@
 #include <cstdint>
 #include <vector>
 
+#include "../support/benchDevice.h"
 #include "jev3d/editing/editMeshNode.h"
-#include "jev3d/platform/platform.h"
 #include "jev3d/renderer/instancing/renderTargetInstance.h"
 #include "jev3d/renderer/renderStateStack.h"
 #include "jev3d/renderer/rendergl/renderGL.h"
@@ -27,27 +27,12 @@ namespace {
 using namespace JEV::RENDERING;
 using JEV::MESH::editMesh;
 using JEV::MESH::EDITING::editMeshNode;
-using JEV::PLATFORM::current;
 
-constexpr int windowSize = 256;
 constexpr unsigned cells = 708;  // 708² × 2 = 1,002,528 triangles
 
-std::int64_t ignoreMessages(JEV::PLATFORM::windowHandle, unsigned, std::uint64_t, std::int64_t) {
-  return 0;
-}
-
-struct nodeDevice {
-  nodeDevice() {
-    window = current().createWindow(
-        JEV::PLATFORM::windowDescriptor{
-            L"node bench", JEV::PLATFORM::rect{0, 0, windowSize, windowSize}, {}},
-        ignoreMessages);
-    bool recreate = false;
-    ok = window && gl.createContext(window, recreate) && gl.init();
-    rc.windowWidth = windowSize;
-    rc.windowHeight = windowSize;
+struct nodeDevice : benchDevice<renderGL> {
+  nodeDevice() : benchDevice(L"node bench") {
     if (!ok) return;
-    gl.resetDevice(&rc);
     editMesh& m = node.getEditMesh();
     const unsigned side = cells + 1;
     for (unsigned j = 0; j < side; ++j)
@@ -75,11 +60,7 @@ struct nodeDevice {
     glFinish();
     gl.swapBuffers();
   }
-  JEV::PLATFORM::windowHandle window = 0;
-  renderGL gl;
-  renderingContext rc{&gl, nullptr};
   editMeshNode node;
-  bool ok = false;
 };
 
 nodeDevice& theNodeDevice() {

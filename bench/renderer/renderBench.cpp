@@ -15,8 +15,8 @@
 #include <thread>
 #include <vector>
 
+#include "../support/benchDevice.h"
 #include "jev3d/platform/messages.h"
-#include "jev3d/platform/platform.h"
 #include "jev3d/renderer/indexBuffer.h"
 #include "jev3d/renderer/renderStateStack.h"
 #include "jev3d/renderer/rendergl/renderGL.h"
@@ -28,14 +28,7 @@
 namespace {
 
 using namespace JEV::RENDERING;
-using JEV::PLATFORM::current;
 using VC = vertexDeclaration::VERTEX_COMPONENTS;
-
-constexpr int windowSize = 256;
-
-std::int64_t ignore(JEV::PLATFORM::windowHandle, unsigned, std::uint64_t, std::int64_t) {
-  return 0;
-}
 
 // A renderGL that counts what the scene walk asks of it.
 class countingGL : public renderGL {
@@ -57,26 +50,10 @@ class countingGL : public renderGL {
 };
 
 // One window and context for the whole run.
-struct device {
-  device() {
-    window = current().createWindow(
-        JEV::PLATFORM::windowDescriptor{
-            L"bench", JEV::PLATFORM::rect{0, 0, windowSize, windowSize}, {}},
-        ignore);
-    bool recreate = false;
-    ok = window && gl.createContext(window, recreate) && gl.init();
-    rc.windowWidth = windowSize;
-    rc.windowHeight = windowSize;
-    if (ok) gl.resetDevice(&rc);
-  }
-  JEV::PLATFORM::windowHandle window = 0;
-  countingGL gl;
-  renderingContext rc{&gl, nullptr};
-  bool ok = false;
-};
+using device = benchDevice<countingGL>;
 
 device& theDevice() {
-  static device d;
+  static device d(L"bench");
   return d;
 }
 
