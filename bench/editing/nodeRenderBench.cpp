@@ -51,14 +51,9 @@ struct nodeDevice : benchDevice<renderGL> {
     m.computeNormalizedNormals();
   }
   void frame() {
-    gl.makeCurrentContext(true);
-    gl.emptyDiscardList();
-    auto& target = rc.getRenderStateStack()->getCurrentRenderTargetState();
-    gl.beginScene(target);
-    gl.clear(target);
+    beginFrame(true);
     node.render(&rc);
-    glFinish();
-    gl.swapBuffers();
+    endFrame();
   }
   editMeshNode node;
 };
@@ -131,39 +126,14 @@ void node1M_plainVBO(benchmark::State& state) {
   for (unsigned f = 0; f < m.fn(); ++f)
     indices.insert(indices.end(), {m.fV(f, 0), m.fV(f, 1), m.fV(f, 2)});
   d.gl.makeCurrentContext(true);
-  GLuint buffers[3];
-  glGenBuffers(3, buffers);
-  glBindBuffer(GL_ARRAY_BUFFER, buffers[0]);
-  glBufferData(GL_ARRAY_BUFFER, GLsizeiptr(normals.size() * 4), normals.data(), GL_STATIC_DRAW);
-  glBindBuffer(GL_ARRAY_BUFFER, buffers[1]);
-  glBufferData(GL_ARRAY_BUFFER, GLsizeiptr(positions.size() * 4), positions.data(), GL_STATIC_DRAW);
-  glBindBuffer(GL_ELEMENT_ARRAY_BUFFER, buffers[2]);
-  glBufferData(GL_ELEMENT_ARRAY_BUFFER, GLsizeiptr(indices.size() * 4), indices.data(),
-               GL_STATIC_DRAW);
-  glBindBuffer(GL_ELEMENT_ARRAY_BUFFER, 0);
-  glBindBuffer(GL_ARRAY_BUFFER, 0);
-  for (auto _ : state) {
-    d.gl.makeCurrentContext(true);
-    d.gl.emptyDiscardList();
-    auto& target = d.rc.getRenderStateStack()->getCurrentRenderTargetState();
-    d.gl.beginScene(target);
-    d.gl.clear(target);
-    glEnableClientState(GL_NORMAL_ARRAY);
-    glBindBuffer(GL_ARRAY_BUFFER, buffers[0]);
-    glNormalPointer(GL_FLOAT, 0, nullptr);
-    glEnableClientState(GL_VERTEX_ARRAY);
-    glBindBuffer(GL_ARRAY_BUFFER, buffers[1]);
-    glVertexPointer(3, GL_FLOAT, 0, nullptr);
-    glBindBuffer(GL_ELEMENT_ARRAY_BUFFER, buffers[2]);
-    glDrawElements(GL_TRIANGLES, GLsizei(indices.size()), GL_UNSIGNED_INT, nullptr);
-    glBindBuffer(GL_ELEMENT_ARRAY_BUFFER, 0);
-    glBindBuffer(GL_ARRAY_BUFFER, 0);
-    glDisableClientState(GL_VERTEX_ARRAY);
-    glDisableClientState(GL_NORMAL_ARRAY);
-    glFinish();
-    d.gl.swapBuffers();
+  {
+    const handVBO plain(normals, positions, indices);
+    for (auto _ : state) {
+      d.beginFrame(true);
+      plain.draw();
+      d.endFrame();
+    }
   }
-  glDeleteBuffers(3, buffers);
   state.counters["triangles"] = double(indices.size() / 3);
 }
 
