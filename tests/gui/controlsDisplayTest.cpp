@@ -39,9 +39,7 @@ constexpr int H = 240;
 // Frames drawn before the one read back, so that uploads and the skin have settled.
 constexpr int settleFrames = 3;
 
-struct rgb {
-  int r, g, b;
-};
+using testDisplay::rgb;
 
 class controlsWindow : public testDisplay::readBackWindow {
  public:
@@ -68,10 +66,7 @@ class controlsWindow : public testDisplay::readBackWindow {
     closeWindow();
   }
 
-  rgb at(int x, int y) const {
-    const std::uint8_t* p = pixels.data() + (size_t(y) * W + size_t(x)) * 4;
-    return rgb{p[0], p[1], p[2]};
-  }
+  rgb at(int x, int y) const { return readBackWindow::at(pixels, x, y); }
 
   std::atomic<bool> drawn{false};
   std::vector<std::uint8_t> pixels;

@@ -27,9 +27,7 @@ namespace {
 constexpr int W = 240;
 constexpr int H = 180;
 
-struct rgb {
-  int r, g, b;
-};
+using testDisplay::rgb;
 
 // Draws a lit-free red quad in perspective as its scene, then the GUI itself so that the
 // frame can be read back before the swap. The first frame posts a click on the button;
@@ -64,11 +62,6 @@ class sceneWindow : public testDisplay::readBackWindow {
     button->checked = true;
     button->setColorNormal(CORE::color(255, 40, 40, 255));
     clicked = true;
-  }
-
-  static rgb at(const std::vector<std::uint8_t>& px, int x, int y) {
-    const std::uint8_t* p = px.data() + (size_t(y) * W + size_t(x)) * 4;
-    return rgb{p[0], p[1], p[2]};
   }
 
   GUI::panel* button = nullptr;
@@ -144,21 +137,21 @@ TEST(guiOnDisplay, widgetsOverASceneChangeTheirPixelsAfterAClick) {
 
   // The scene shows where no widget is: red quad above, blue background at the top edge
   // corners, and the bar's panel below.
-  const rgb scene = sceneWindow::at(win.before, W / 2, H - 40);
+  const rgb scene = win.at(win.before, W / 2, H - 40);
   EXPECT_GT(scene.r, 150);
   EXPECT_LT(scene.g, 80);
-  const rgb sky = sceneWindow::at(win.before, 5, H - 3);
+  const rgb sky = win.at(win.before, 5, H - 3);
   EXPECT_GT(sky.b, sky.r);
-  const rgb bar = sceneWindow::at(win.before, 210, 80);
+  const rgb bar = win.at(win.before, 210, 80);
   EXPECT_GT(bar.g, 100) << "the panel covers the scene";
   EXPECT_GT(bar.b, 100);
 
   // The button, green before the click, red at the next frame; the rest is unchanged.
-  const rgb green = sceneWindow::at(win.before, 60, 45);
-  const rgb red = sceneWindow::at(win.after, 60, 45);
+  const rgb green = win.at(win.before, 60, 45);
+  const rgb red = win.at(win.after, 60, 45);
   EXPECT_GT(green.g, green.r + 60);
   EXPECT_GT(red.r, red.g + 60);
-  const rgb barAfter = sceneWindow::at(win.after, 210, 80);
+  const rgb barAfter = win.at(win.after, 210, 80);
   EXPECT_EQ(barAfter.r, bar.r);
   EXPECT_EQ(barAfter.g, bar.g);
   EXPECT_EQ(barAfter.b, bar.b);

@@ -75,6 +75,10 @@ struct glWindowFixture : ::testing::Test {
   std::vector<std::uint8_t> pixels;
 };
 
+struct rgb {
+  int r, g, b;
+};
+
 // A window of the runtime loop of a fixed size that draws its GUI itself, so that a frame
 // can be read back before the swap; the default textures are loaded at its start.
 class readBackWindow : public JEV::SYSTEM::winMain {
@@ -98,6 +102,12 @@ class readBackWindow : public JEV::SYSTEM::winMain {
     out.assign(size_t(width) * height * 4, 0);
     getRenderer()->readPixels(0, 0, width, height, renderer::PIXELDATA_RGBA,
                               renderer::DATA_UNSIGNED_BYTE, out.data());
+  }
+
+  // Pixel (x, y) of a frame read by readFrame, from the bottom left.
+  rgb at(const std::vector<std::uint8_t>& frame, int x, int y) const {
+    const std::uint8_t* p = frame.data() + (size_t(y) * width + size_t(x)) * 4;
+    return rgb{p[0], p[1], p[2]};
   }
 
   std::atomic<JEV::PLATFORM::windowHandle> handle{0};
