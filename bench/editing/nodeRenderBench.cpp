@@ -15,8 +15,8 @@
 #include <cstdint>
 #include <vector>
 
+#include "../support/benchDevice.h"
 #include "jev3d/editing/editMeshNode.h"
-#include "jev3d/platform/platform.h"
 #include "jev3d/renderer/instancing/renderTargetInstance.h"
 #include "jev3d/renderer/renderStateStack.h"
 #include "jev3d/renderer/rendergl/renderGL.h"
@@ -27,27 +27,12 @@ namespace {
 using namespace JEV::RENDERING;
 using JEV::MESH::editMesh;
 using JEV::MESH::EDITING::editMeshNode;
-using JEV::PLATFORM::current;
 
-constexpr int windowSize = 256;
 constexpr unsigned cells = 708;  // 708² × 2 = 1,002,528 triangles
 
-std::int64_t ignoreMessages(JEV::PLATFORM::windowHandle, unsigned, std::uint64_t, std::int64_t) {
-  return 0;
-}
-
-struct nodeDevice {
-  nodeDevice() {
-    window = current().createWindow(
-        JEV::PLATFORM::windowDescriptor{
-            L"node bench", JEV::PLATFORM::rect{0, 0, windowSize, windowSize}, {}},
-        ignoreMessages);
-    bool recreate = false;
-    ok = window && gl.createContext(window, recreate) && gl.init();
-    rc.windowWidth = windowSize;
-    rc.windowHeight = windowSize;
+struct nodeDevice : benchDevice<renderGL> {
+  nodeDevice() : benchDevice(L"node bench") {
     if (!ok) return;
-    gl.resetDevice(&rc);
     editMesh& m = node.getEditMesh();
     const unsigned side = cells + 1;
     for (unsigned j = 0; j < side; ++j)
@@ -66,20 +51,11 @@ struct nodeDevice {
     m.computeNormalizedNormals();
   }
   void frame() {
-    gl.makeCurrentContext(true);
-    gl.emptyDiscardList();
-    auto& target = rc.getRenderStateStack()->getCurrentRenderTargetState();
-    gl.beginScene(target);
-    gl.clear(target);
+    beginFrame(true);
     node.render(&rc);
-    glFinish();
-    gl.swapBuffers();
+    endFrame();
   }
-  JEV::PLATFORM::windowHandle window = 0;
-  renderGL gl;
-  renderingContext rc{&gl, nullptr};
   editMeshNode node;
-  bool ok = false;
 };
 
 nodeDevice& theNodeDevice() {
@@ -150,39 +126,14 @@ void node1M_plainVBO(benchmark::State& state) {
   for (unsigned f = 0; f < m.fn(); ++f)
     indices.insert(indices.end(), {m.fV(f, 0), m.fV(f, 1), m.fV(f, 2)});
   d.gl.makeCurrentContext(true);
-  GLuint buffers[3];
-  glGenBuffers(3, buffers);
-  glBindBuffer(GL_ARRAY_BUFFER, buffers[0]);
-  glBufferData(GL_ARRAY_BUFFER, GLsizeiptr(normals.size() * 4), normals.data(), GL_STATIC_DRAW);
-  glBindBuffer(GL_ARRAY_BUFFER, buffers[1]);
-  glBufferData(GL_ARRAY_BUFFER, GLsizeiptr(positions.size() * 4), positions.data(), GL_STATIC_DRAW);
-  glBindBuffer(GL_ELEMENT_ARRAY_BUFFER, buffers[2]);
-  glBufferData(GL_ELEMENT_ARRAY_BUFFER, GLsizeiptr(indices.size() * 4), indices.data(),
-               GL_STATIC_DRAW);
-  glBindBuffer(GL_ELEMENT_ARRAY_BUFFER, 0);
-  glBindBuffer(GL_ARRAY_BUFFER, 0);
-  for (auto _ : state) {
-    d.gl.makeCurrentContext(true);
-    d.gl.emptyDiscardList();
-    auto& target = d.rc.getRenderStateStack()->getCurrentRenderTargetState();
-    d.gl.beginScene(target);
-    d.gl.clear(target);
-    glEnableClientState(GL_NORMAL_ARRAY);
-    glBindBuffer(GL_ARRAY_BUFFER, buffers[0]);
-    glNormalPointer(GL_FLOAT, 0, nullptr);
-    glEnableClientState(GL_VERTEX_ARRAY);
-    glBindBuffer(GL_ARRAY_BUFFER, buffers[1]);
-    glVertexPointer(3, GL_FLOAT, 0, nullptr);
-    glBindBuffer(GL_ELEMENT_ARRAY_BUFFER, buffers[2]);
-    glDrawElements(GL_TRIANGLES, GLsizei(indices.size()), GL_UNSIGNED_INT, nullptr);
-    glBindBuffer(GL_ELEMENT_ARRAY_BUFFER, 0);
-    glBindBuffer(GL_ARRAY_BUFFER, 0);
-    glDisableClientState(GL_VERTEX_ARRAY);
-    glDisableClientState(GL_NORMAL_ARRAY);
-    glFinish();
-    d.gl.swapBuffers();
+  {
+    const handVBO plain(normals, positions, indices);
+    for (auto _ : state) {
+      d.beginFrame(true);
+      plain.draw();
+      d.endFrame();
+    }
   }
-  glDeleteBuffers(3, buffers);
   state.counters["triangles"] = double(indices.size() / 3);
 }
 

@@ -7,9 +7,9 @@
 
 #include <OpenMesh/Core/Mesh/PolyMesh_ArrayKernelT.hh>
 #include <OpenMesh/Tools/Subdivider/Uniform/CatmullClarkT.hh>
-#include <cmath>
 #include <vector>
 
+#include "../support/torusGrid.h"
 #include "jev3d/mesh/editMesh.h"
 
 namespace {
@@ -19,34 +19,16 @@ using omPoly = OpenMesh::PolyMesh_ArrayKernelT<>;
 
 constexpr unsigned RINGS = 500, SEGMENTS = 500;
 
-// Vertex (i, j) of the torus: i around the axis, j around the tube.
-OpenMesh::Vec3f torusPoint(unsigned i, unsigned j) {
-  const double pi = 3.14159265358979323846;
-  const double u = 2 * pi * i / RINGS, v = 2 * pi * j / SEGMENTS;
-  return OpenMesh::Vec3f(float((3 + std::cos(v)) * std::cos(u)),
-                         float((3 + std::cos(v)) * std::sin(u)), float(std::sin(v)));
-}
-
-unsigned torusId(unsigned i, unsigned j) { return (j % SEGMENTS) * RINGS + i % RINGS; }
-
-template <class F>
-void forEachCell(F&& cell) {
-  for (unsigned j = 0; j < SEGMENTS; ++j)
-    for (unsigned i = 0; i < RINGS; ++i)
-      cell(torusId(i, j), torusId(i + 1, j), torusId(i + 1, j + 1), torusId(i, j + 1));
-}
+constexpr torusGrid torus{RINGS, SEGMENTS};
 
 const editMesh& jev3dTorus() {
   static const editMesh m = [] {
     editMesh t;
     t.allocateVertexArray(RINGS * SEGMENTS);
     t.allocateFaceArray(RINGS * SEGMENTS);
-    for (unsigned j = 0; j < SEGMENTS; ++j)
-      for (unsigned i = 0; i < RINGS; ++i) {
-        const OpenMesh::Vec3f p = torusPoint(i, j);
-        t.addVertex(p[0], p[1], p[2]);
-      }
-    forEachCell([&](unsigned a, unsigned b, unsigned c, unsigned d) { t.addQuadFace(a, b, c, d); });
+    torus.forEachPoint([&](const OpenMesh::Vec3f& p) { t.addVertex(p[0], p[1], p[2]); });
+    torus.forEachCell(
+        [&](unsigned a, unsigned b, unsigned c, unsigned d) { t.addQuadFace(a, b, c, d); });
     t.computeEdges(true);
     t.computeVE();
     t.computeNormalizedNormals();
@@ -58,9 +40,8 @@ const editMesh& jev3dTorus() {
 void buildOpenMesh(omPoly& mesh) {
   mesh.reserve(RINGS * SEGMENTS, 2 * RINGS * SEGMENTS, RINGS * SEGMENTS);
   std::vector<omPoly::VertexHandle> handles;
-  for (unsigned j = 0; j < SEGMENTS; ++j)
-    for (unsigned i = 0; i < RINGS; ++i) handles.push_back(mesh.add_vertex(torusPoint(i, j)));
-  forEachCell([&](unsigned a, unsigned b, unsigned c, unsigned d) {
+  torus.forEachPoint([&](const OpenMesh::Vec3f& p) { handles.push_back(mesh.add_vertex(p)); });
+  torus.forEachCell([&](unsigned a, unsigned b, unsigned c, unsigned d) {
     mesh.add_face(handles[a], handles[b], handles[c], handles[d]);
   });
   mesh.request_face_normals();

@@ -15,8 +15,8 @@
 #include <thread>
 #include <vector>
 
+#include "../support/benchDevice.h"
 #include "jev3d/platform/messages.h"
-#include "jev3d/platform/platform.h"
 #include "jev3d/renderer/indexBuffer.h"
 #include "jev3d/renderer/renderStateStack.h"
 #include "jev3d/renderer/rendergl/renderGL.h"
@@ -28,14 +28,7 @@
 namespace {
 
 using namespace JEV::RENDERING;
-using JEV::PLATFORM::current;
 using VC = vertexDeclaration::VERTEX_COMPONENTS;
-
-constexpr int windowSize = 256;
-
-std::int64_t ignore(JEV::PLATFORM::windowHandle, unsigned, std::uint64_t, std::int64_t) {
-  return 0;
-}
 
 // A renderGL that counts what the scene walk asks of it.
 class countingGL : public renderGL {
@@ -57,26 +50,10 @@ class countingGL : public renderGL {
 };
 
 // One window and context for the whole run.
-struct device {
-  device() {
-    window = current().createWindow(
-        JEV::PLATFORM::windowDescriptor{
-            L"bench", JEV::PLATFORM::rect{0, 0, windowSize, windowSize}, {}},
-        ignore);
-    bool recreate = false;
-    ok = window && gl.createContext(window, recreate) && gl.init();
-    rc.windowWidth = windowSize;
-    rc.windowHeight = windowSize;
-    if (ok) gl.resetDevice(&rc);
-  }
-  JEV::PLATFORM::windowHandle window = 0;
-  countingGL gl;
-  renderingContext rc{&gl, nullptr};
-  bool ok = false;
-};
+using device = benchDevice<countingGL>;
 
 device& theDevice() {
-  static device d;
+  static device d(L"bench");
   return d;
 }
 
@@ -106,19 +83,6 @@ const grid& millionTriangles() {
   return g;
 }
 
-void beginFrame(device& d) {
-  d.gl.makeCurrentContext(false);
-  d.gl.emptyDiscardList();
-  auto& target = d.rc.getRenderStateStack()->getCurrentRenderTargetState();
-  d.gl.beginScene(target);
-  d.gl.clear(target);
-}
-
-void endFrame(device& d) {
-  glFinish();
-  d.gl.swapBuffers();
-}
-
 void indexedJev3d(benchmark::State& state) {
   device& d = theDevice();
   if (!d.ok) return state.SkipWithError("no GL context");
@@ -129,9 +93,9 @@ void indexedJev3d(benchmark::State& state) {
   d.gl.cacheVertexBufferElement(&vb, VC::POS3, g.positions.data(), g.vertexCount());
   d.gl.cacheIndexBuffer(&ib, g.indices.data(), unsigned(g.indices.size()));
   for (auto _ : state) {
-    beginFrame(d);
+    d.beginFrame(false);
     d.gl.renderIndexedGeometry(renderer::DRAW_TRIANGLES, &vb, &ib, 0, ib.getIndexNumber());
-    endFrame(d);
+    d.endFrame();
   }
   d.gl.discardVertexBuffer(&vb);
   d.gl.discardIndexBuffer(&ib);
@@ -142,35 +106,14 @@ void indexedHandVBO(benchmark::State& state) {
   device& d = theDevice();
   if (!d.ok) return state.SkipWithError("no GL context");
   const grid& g = millionTriangles();
-  GLuint buffers[3];
-  glGenBuffers(3, buffers);
-  glBindBuffer(GL_ARRAY_BUFFER, buffers[0]);
-  glBufferData(GL_ARRAY_BUFFER, GLsizeiptr(g.normals.size() * 4), g.normals.data(), GL_STATIC_DRAW);
-  glBindBuffer(GL_ARRAY_BUFFER, buffers[1]);
-  glBufferData(GL_ARRAY_BUFFER, GLsizeiptr(g.positions.size() * 4), g.positions.data(),
-               GL_STATIC_DRAW);
-  glBindBuffer(GL_ELEMENT_ARRAY_BUFFER, buffers[2]);
-  glBufferData(GL_ELEMENT_ARRAY_BUFFER, GLsizeiptr(g.indices.size() * 4), g.indices.data(),
-               GL_STATIC_DRAW);
-  glBindBuffer(GL_ELEMENT_ARRAY_BUFFER, 0);
-  glBindBuffer(GL_ARRAY_BUFFER, 0);
-  for (auto _ : state) {
-    beginFrame(d);
-    glEnableClientState(GL_NORMAL_ARRAY);
-    glBindBuffer(GL_ARRAY_BUFFER, buffers[0]);
-    glNormalPointer(GL_FLOAT, 0, nullptr);
-    glEnableClientState(GL_VERTEX_ARRAY);
-    glBindBuffer(GL_ARRAY_BUFFER, buffers[1]);
-    glVertexPointer(3, GL_FLOAT, 0, nullptr);
-    glBindBuffer(GL_ELEMENT_ARRAY_BUFFER, buffers[2]);
-    glDrawElements(GL_TRIANGLES, GLsizei(g.indices.size()), GL_UNSIGNED_INT, nullptr);
-    glBindBuffer(GL_ELEMENT_ARRAY_BUFFER, 0);
-    glBindBuffer(GL_ARRAY_BUFFER, 0);
-    glDisableClientState(GL_VERTEX_ARRAY);
-    glDisableClientState(GL_NORMAL_ARRAY);
-    endFrame(d);
+  {
+    const handVBO plain(g.normals, g.positions, g.indices);
+    for (auto _ : state) {
+      d.beginFrame(false);
+      plain.draw();
+      d.endFrame();
+    }
   }
-  glDeleteBuffers(3, buffers);
   state.counters["triangles"] = double(g.indices.size() / 3);
 }
 
@@ -222,9 +165,9 @@ void nodes10k(benchmark::State& state) {
   long frames = 0;
   d.gl.calls = 0;
   for (auto _ : state) {
-    beginFrame(d);
+    d.beginFrame(false);
     root.render(&d.rc);
-    endFrame(d);
+    d.endFrame();
     ++frames;
   }
   state.counters["fps"] = benchmark::Counter(double(frames), benchmark::Counter::kIsRate);

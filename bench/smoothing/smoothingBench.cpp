@@ -27,6 +27,7 @@
 #include <random>
 #include <vector>
 
+#include "../support/torusGrid.h"
 #include "jev3d/algo/smoothing/bilateralSmooth.h"
 #include "jev3d/algo/smoothing/laplacianSmooth.h"
 #include "jev3d/algo/smoothing/twoStepSmooth.h"
@@ -39,26 +40,15 @@ using omTri = OpenMesh::TriMesh_ArrayKernelT<>;
 
 constexpr unsigned RINGS = 1000, SEGMENTS = 500, STEPS = 10;
 
-// Vertex (i, j) of the torus: i around the axis, j around the tube.
-OpenMesh::Vec3f torusPoint(unsigned i, unsigned j) {
-  const double pi = 3.14159265358979323846;
-  const double u = 2 * pi * i / RINGS, v = 2 * pi * j / SEGMENTS;
-  return OpenMesh::Vec3f(float((3 + std::cos(v)) * std::cos(u)),
-                         float((3 + std::cos(v)) * std::sin(u)), float(std::sin(v)));
-}
-
-unsigned torusId(unsigned i, unsigned j) { return (j % SEGMENTS) * RINGS + i % RINGS; }
+constexpr torusGrid torus{RINGS, SEGMENTS};
 
 // Two triangles a cell.
 template <class F>
 void forEachTriangle(F&& tri) {
-  for (unsigned j = 0; j < SEGMENTS; ++j)
-    for (unsigned i = 0; i < RINGS; ++i) {
-      const unsigned a = torusId(i, j), b = torusId(i + 1, j), c = torusId(i + 1, j + 1),
-                     d = torusId(i, j + 1);
-      tri(a, b, c);
-      tri(a, c, d);
-    }
+  torus.forEachCell([&](unsigned a, unsigned b, unsigned c, unsigned d) {
+    tri(a, b, c);
+    tri(a, c, d);
+  });
 }
 
 editMesh& jev3dTorus() {
@@ -66,11 +56,7 @@ editMesh& jev3dTorus() {
     editMesh m;
     m.allocateVertexArray(RINGS * SEGMENTS);
     m.allocateFaceArray(2 * RINGS * SEGMENTS);
-    for (unsigned j = 0; j < SEGMENTS; ++j)
-      for (unsigned i = 0; i < RINGS; ++i) {
-        const OpenMesh::Vec3f p = torusPoint(i, j);
-        m.addVertex(p[0], p[1], p[2]);
-      }
+    torus.forEachPoint([&](const OpenMesh::Vec3f& p) { m.addVertex(p[0], p[1], p[2]); });
     forEachTriangle([&](unsigned a, unsigned b, unsigned c) { m.addTriFace(a, b, c); });
     m.computeEdges(true);
     m.computeVE();
@@ -85,8 +71,7 @@ omTri& openMeshTorus() {
     omTri m;
     m.reserve(RINGS * SEGMENTS, 3 * RINGS * SEGMENTS, 2 * RINGS * SEGMENTS);
     std::vector<omTri::VertexHandle> handles;
-    for (unsigned j = 0; j < SEGMENTS; ++j)
-      for (unsigned i = 0; i < RINGS; ++i) handles.push_back(m.add_vertex(torusPoint(i, j)));
+    torus.forEachPoint([&](const OpenMesh::Vec3f& p) { handles.push_back(m.add_vertex(p)); });
     forEachTriangle([&](unsigned a, unsigned b, unsigned c) {
       m.add_face(handles[a], handles[b], handles[c]);
     });

@@ -4,10 +4,8 @@
 #include <gtest/gtest.h>
 
 #include <atomic>
-#include <chrono>
 #include <cstdint>
 #include <cstdlib>
-#include <thread>
 #include <vector>
 
 #include "jev3d/gui/button.h"
@@ -27,6 +25,7 @@
 #include "jev3d/resources/textureStorage.h"
 #include "jev3d/system/application.h"
 #include "jev3d/system/winMain.h"
+#include "support/glDisplay.h"
 
 using namespace JEV;
 using namespace JEV::GUI;
@@ -40,23 +39,12 @@ constexpr int H = 240;
 // Frames drawn before the one read back, so that uploads and the skin have settled.
 constexpr int settleFrames = 3;
 
-struct rgb {
-  int r, g, b;
-};
+using testDisplay::rgb;
 
-class controlsWindow : public SYSTEM::winMain {
+class controlsWindow : public testDisplay::readBackWindow {
  public:
   controlsWindow(SYSTEM::application* app, renderer* device)
-      : winMain(app, device, nullptr, false, true, L"") {
-    setCaption(L"jev3d standard controls");
-    setSize(W, H);
-    renderGui = false;
-  }
-
-  bool init() override {
-    handle = getHWnd();
-    return getRenderingContext()->getTextureStorage()->loadDefaultTexture();
-  }
+      : readBackWindow(app, device, L"jev3d standard controls", W, H) {}
 
   void draw() override {
     auto* gui = dynamic_cast<guiController*>(getGui());
@@ -71,21 +59,15 @@ class controlsWindow : public SYSTEM::winMain {
       updateNeeded = true;
       return;
     }
-    pixels.assign(size_t(W) * H * 4, 0);
-    getRenderer()->readPixels(0, 0, W, H, renderer::PIXELDATA_RGBA, renderer::DATA_UNSIGNED_BYTE,
-                              pixels.data());
+    readFrame(pixels);
     buttonColor = push->getCurrentColor();
     boardColor = board->getCurrentColor();
     drawn = true;
     closeWindow();
   }
 
-  rgb at(int x, int y) const {
-    const std::uint8_t* p = pixels.data() + (size_t(y) * W + size_t(x)) * 4;
-    return rgb{p[0], p[1], p[2]};
-  }
+  rgb at(int x, int y) const { return readBackWindow::at(pixels, x, y); }
 
-  std::atomic<windowHandle> handle{0};
   std::atomic<bool> drawn{false};
   std::vector<std::uint8_t> pixels;
   CORE::color buttonColor, boardColor;
@@ -148,29 +130,8 @@ TEST(controlsOnDisplay, eachControlShowsItsSkinTilesAtChosenPixels) {
   RENDERING::renderGL device;
   controlsWindow win(&app, &device);
   app.addWin(&win);
-  std::atomic<bool> done{false};
-  // Closes the window if the frames never come, so that a broken display fails.
-  std::thread watchdog([&] {
-    for (int i = 0; i < 300 && !done; ++i)
-      std::this_thread::sleep_for(std::chrono::milliseconds(100));
-    if (!done && win.handle.load()) current().postMessage(win.handle.load(), WM_CLOSE, 0, 0);
-  });
-  app.mainLoop();
-  done = true;
-  watchdog.join();
+  testDisplay::runWatched(app, win);
   ASSERT_TRUE(win.drawn.load());
-  {
-    FILE* f = fopen("/tmp/controls_shot.ppm", "wb");
-    fprintf(f, "P6 %d %d 255\n", W, H);
-    for (int y = H - 1; y >= 0; --y)
-      for (int x = 0; x < W; ++x) {
-        rgb p = win.at(x, y);
-        fputc(p.r, f);
-        fputc(p.g, f);
-        fputc(p.b, f);
-      }
-    fclose(f);
-  }
 
   // The board: the button tile's centre grey (235) in the panel colour.
   const rgb board = win.at(300, 150);

@@ -25,6 +25,7 @@
 #include "jev3d/gui/separator.h"
 #include "jev3d/gui/slider.h"
 #include "jev3d/gui/tab.h"
+#include "support/guiWindowTest.h"
 #include "system/windowTestSupport.h"
 
 using namespace JEV;
@@ -43,23 +44,8 @@ struct counter {
 
 // A window of 320 x 240 with its controller on the scripted platform; each test body runs
 // on the loop's thread, sends window messages and runs the update tick as the loop would.
-class controlsTest : public scriptedPlatformTest {
+class controlsTest : public guiWindowTest {
  protected:
-  void SetUp() override {
-    scriptedPlatformTest::SetUp();
-    gui = dynamic_cast<guiController*>(win.getGui());
-    ASSERT_NE(gui, nullptr);
-  }
-  std::int64_t send(unsigned msg, std::uint64_t w = 0, std::int64_t l = 0) {
-    return platform.send(win.getHWnd(), msg, w, l);
-  }
-  // Window coordinates, origin at the bottom left, as the GUI sees them.
-  void moveTo(float x, float y) {
-    lastX = int(x);
-    lastY = 240 - int(y);
-    send(WM_MOUSEMOVE, 0, makeLParam(lastX, lastY));
-  }
-  void press(unsigned msg) { send(msg, 0, makeLParam(lastX, lastY)); }
   // A click, then the update tick that delivers it.
   void clickAt(float x, float y) {
     moveTo(x, y);
@@ -86,7 +72,6 @@ class controlsTest : public scriptedPlatformTest {
     send(WM_KEYUP, code, 0xC0000001);
     gui->update();
   }
-  void run(const std::function<void()>& body) { runWithWindow(app, platform, win, body); }
   template <class W>
   W* addAt(WIDGET_CLASS cls, const std::wstring& id, float x, float y, float w, float h,
            widget* parent = nullptr) {
@@ -109,12 +94,6 @@ class controlsTest : public scriptedPlatformTest {
     EXPECT_EQ(part->getRedirect(), control);
     return part;
   }
-
-  SYSTEM::application app{L"", L""};
-  probeWindow win{&app, &device};
-  guiController* gui = nullptr;
-  int lastX = 0;
-  int lastY = 0;
 };
 
 }  // namespace

@@ -15,6 +15,7 @@
 #include "jev3d/gui/widget.h"
 #include "jev3d/renderer/cameraStack.h"
 #include "jev3d/resources/textureStorage.h"
+#include "support/guiWindowTest.h"
 #include "system/windowTestSupport.h"
 
 using namespace JEV;
@@ -45,24 +46,8 @@ struct listener {
 // own loop builds the desktop; each test body runs on the loop's thread and drives input
 // through the window procedure, then runs the controller's update and render as the
 // loop's ticks would.
-class guiControllerTest : public scriptedPlatformTest {
+class guiControllerTest : public guiWindowTest {
  protected:
-  void SetUp() override {
-    scriptedPlatformTest::SetUp();
-    // Every main window comes with its controller.
-    gui = dynamic_cast<guiController*>(win.getGui());
-    ASSERT_NE(gui, nullptr);
-  }
-  std::int64_t send(unsigned msg, std::uint64_t w = 0, std::int64_t l = 0) {
-    return platform.send(win.getHWnd(), msg, w, l);
-  }
-  // Window coordinates, origin at the bottom left, as the GUI sees them.
-  void moveTo(int x, int y) {
-    lastX = x;
-    lastY = 240 - y;
-    send(WM_MOUSEMOVE, 0, makeLParam(lastX, lastY));
-  }
-  void press(unsigned msg) { send(msg, 0, makeLParam(lastX, lastY)); }
   void leftClickAt(int x, int y) {
     moveTo(x, y);
     press(WM_LBUTTONDOWN);
@@ -73,7 +58,6 @@ class guiControllerTest : public scriptedPlatformTest {
     press(WM_RBUTTONDOWN);
     press(WM_RBUTTONUP);
   }
-  void run(const std::function<void()>& body) { runWithWindow(app, platform, win, body); }
   // A panel at (x, y) of 60 x 40 under `parent` (the desktop when null), placed freely.
   panel* addPanelAt(const std::wstring& id, float x, float y, widget* parent = nullptr) {
     panel* p = gui->addPanel(id, parent);
@@ -88,13 +72,8 @@ class guiControllerTest : public scriptedPlatformTest {
     for (EVENT_TYPE t : types) w->registerInputEventCallBack(t, delegates.back());
   }
 
-  SYSTEM::application app{L"", L""};
-  probeWindow win{&app, &device};
-  guiController* gui = nullptr;
   std::list<inputEventDelegate> delegates;
   std::vector<std::string> log;
-  int lastX = 0;
-  int lastY = 0;
 };
 
 }  // namespace

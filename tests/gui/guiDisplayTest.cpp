@@ -4,9 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <atomic>
-#include <chrono>
 #include <cstdint>
-#include <thread>
 #include <vector>
 
 #include "jev3d/gui/guiController.h"
@@ -18,6 +16,7 @@
 #include "jev3d/resources/textureStorage.h"
 #include "jev3d/system/application.h"
 #include "jev3d/system/winMain.h"
+#include "support/glDisplay.h"
 
 using namespace JEV;
 using namespace JEV::PLATFORM;
@@ -28,27 +27,15 @@ namespace {
 constexpr int W = 240;
 constexpr int H = 180;
 
-struct rgb {
-  int r, g, b;
-};
+using testDisplay::rgb;
 
 // Draws a lit-free red quad in perspective as its scene, then the GUI itself so that the
 // frame can be read back before the swap. The first frame posts a click on the button;
 // the frame after the click closes the window.
-class sceneWindow : public SYSTEM::winMain {
+class sceneWindow : public testDisplay::readBackWindow {
  public:
   sceneWindow(SYSTEM::application* app, renderer* device)
-      : winMain(app, device, nullptr, false, true, L"") {
-    setCaption(L"jev3d widgets over a scene");
-    setSize(W, H);
-    // The window draws its GUI itself, between the scene and the read-back.
-    renderGui = false;
-  }
-
-  bool init() override {
-    handle = getHWnd();
-    return getRenderingContext()->getTextureStorage()->loadDefaultTexture();
-  }
+      : readBackWindow(app, device, L"jev3d widgets over a scene", W, H) {}
 
   void draw() override {
     auto* gui = dynamic_cast<GUI::guiController*>(getGui());
@@ -57,9 +44,7 @@ class sceneWindow : public SYSTEM::winMain {
     drawScene();
     gui->render();
     std::vector<std::uint8_t>& target = clicked ? after : before;
-    target.assign(size_t(W) * H * 4, 0);
-    getRenderer()->readPixels(0, 0, W, H, renderer::PIXELDATA_RGBA, renderer::DATA_UNSIGNED_BYTE,
-                              target.data());
+    readFrame(target);
     if (clicked) {
       checkedAfter = button->checked.cV();
       closeWindow();
@@ -79,12 +64,6 @@ class sceneWindow : public SYSTEM::winMain {
     clicked = true;
   }
 
-  static rgb at(const std::vector<std::uint8_t>& px, int x, int y) {
-    const std::uint8_t* p = px.data() + (size_t(y) * W + size_t(x)) * 4;
-    return rgb{p[0], p[1], p[2]};
-  }
-
-  std::atomic<windowHandle> handle{0};
   GUI::panel* button = nullptr;
   std::atomic<bool> clicked{false};
   bool clickPosted = false;
@@ -150,16 +129,7 @@ TEST(guiOnDisplay, widgetsOverASceneChangeTheirPixelsAfterAClick) {
   RENDERING::renderGL device;
   sceneWindow win(&app, &device);
   app.addWin(&win);
-  std::atomic<bool> done{false};
-  // Closes the window if the frames never come, so that a broken display fails.
-  std::thread watchdog([&] {
-    for (int i = 0; i < 300 && !done; ++i)
-      std::this_thread::sleep_for(std::chrono::milliseconds(100));
-    if (!done && win.handle.load()) current().postMessage(win.handle.load(), WM_CLOSE, 0, 0);
-  });
-  EXPECT_EQ(app.mainLoop(), 1);
-  done = true;
-  watchdog.join();
+  EXPECT_EQ(testDisplay::runWatched(app, win), 1);
   ASSERT_TRUE(win.clicked.load()) << "the click reached the widget";
   ASSERT_FALSE(win.before.empty());
   ASSERT_FALSE(win.after.empty());
@@ -167,21 +137,21 @@ TEST(guiOnDisplay, widgetsOverASceneChangeTheirPixelsAfterAClick) {
 
   // The scene shows where no widget is: red quad above, blue background at the top edge
   // corners, and the bar's panel below.
-  const rgb scene = sceneWindow::at(win.before, W / 2, H - 40);
+  const rgb scene = win.at(win.before, W / 2, H - 40);
   EXPECT_GT(scene.r, 150);
   EXPECT_LT(scene.g, 80);
-  const rgb sky = sceneWindow::at(win.before, 5, H - 3);
+  const rgb sky = win.at(win.before, 5, H - 3);
   EXPECT_GT(sky.b, sky.r);
-  const rgb bar = sceneWindow::at(win.before, 210, 80);
+  const rgb bar = win.at(win.before, 210, 80);
   EXPECT_GT(bar.g, 100) << "the panel covers the scene";
   EXPECT_GT(bar.b, 100);
 
   // The button, green before the click, red at the next frame; the rest is unchanged.
-  const rgb green = sceneWindow::at(win.before, 60, 45);
-  const rgb red = sceneWindow::at(win.after, 60, 45);
+  const rgb green = win.at(win.before, 60, 45);
+  const rgb red = win.at(win.after, 60, 45);
   EXPECT_GT(green.g, green.r + 60);
   EXPECT_GT(red.r, red.g + 60);
-  const rgb barAfter = sceneWindow::at(win.after, 210, 80);
+  const rgb barAfter = win.at(win.after, 210, 80);
   EXPECT_EQ(barAfter.r, bar.r);
   EXPECT_EQ(barAfter.g, bar.g);
   EXPECT_EQ(barAfter.b, bar.b);

@@ -22,7 +22,7 @@
 #include "jev3d/renderer/renderstate/scissorstate.h"
 #include "jev3d/renderer/renderstate/zbufferstate.h"
 #include "jev3d/resources/textureStorage.h"
-#include "renderer/rendergl/glWindow.h"
+#include "support/glDisplay.h"
 
 using namespace JEV;
 using namespace JEV::PLATFORM;
@@ -40,36 +40,16 @@ const wchar_t* const skins[] = {L"GUI_DEFAULT_SKIN", L"GUI_PLASTIQUE_SKIN", L"GU
 
 // A window with its GL device, the default textures loaded, and the states the GUI draws
 // under: pixel camera, no lighting, no depth test, the skin on unit 0.
-struct skinFixture : ::testing::Test {
+struct skinFixture : testDisplay::glWindowFixture {
   void SetUp() override {
-    window = current().createWindow(windowDescriptor{L"widgets", rect{10, 10, side, side}, {}},
-                                    ignoreMessages);
-    ASSERT_NE(window, 0u);
-    bool recreate = false;
-    ASSERT_TRUE(gl.createContext(window, recreate));
-    ASSERT_TRUE(gl.init());
-    current().showWindow(window, SW_SHOW);
-    ASSERT_TRUE(waitExposed(current()));
-    rc.windowWidth = side;
-    rc.windowHeight = side;
-    ASSERT_TRUE(gl.resetDevice(&rc));
+    ASSERT_NO_FATAL_FAILURE(openWindow(L"widgets", side));
     ASSERT_TRUE(rc.getTextureStorage()->loadDefaultTexture());
-  }
-  void TearDown() override {
-    rc.discard();
-    gl.deleteContext();
-    if (window) current().destroyWindow(window);
   }
 
   // One frame of `root` in `skin`, read back.
   void frame(GUI::widget& root, const wchar_t* skin) {
-    ASSERT_TRUE(gl.makeCurrentContext(false));
-    ASSERT_TRUE(gl.emptyDiscardList());
+    ASSERT_NO_FATAL_FAILURE(beginFrame());
     RENDERSTATE::renderStateStack& stack = *rc.getRenderStateStack();
-    auto& target = stack.getCurrentRenderTargetState();
-    target.clearColour = CORE::color(0, 0, 0, 255);
-    gl.beginScene(target);
-    gl.clear(target);
     gl.setCameraState(MATH::matrix4<float>::getOrthoLH(0, side, 0, side, -1, 1),
                       MATH::matrix4<float>());
     textureInstance skinTexture(rc.getTextureStorage());
@@ -84,13 +64,10 @@ struct skinFixture : ::testing::Test {
     stack.popState(renderStateEnums::SCISSOR_STATE, true);
     stack.popState(renderStateEnums::ZBUFFER_STATE, true);
     stack.popState(renderStateEnums::LIGHTING_STATE, true);
-    pixels.assign(size_t(side) * side * 4, 0);
-    ASSERT_TRUE(gl.readPixels(0, 0, side, side, renderer::PIXELDATA_RGBA,
-                              renderer::DATA_UNSIGNED_BYTE, pixels.data()));
-    gl.swapBuffers();
+    ASSERT_NO_FATAL_FAILURE(readBack());
   }
   rgb at(int x, int y) const {
-    const std::uint8_t* p = pixels.data() + (size_t(y) * side + size_t(x)) * 4;
+    const std::uint8_t* p = pixelAt(x, y);
     return rgb(p[0], p[1], p[2]);
   }
   // Pixels darker than any skin's light centres in [x0, x1) x [y0, y1).
@@ -116,13 +93,9 @@ struct skinFixture : ::testing::Test {
     return out;
   }
 
-  windowHandle window = 0;
-  renderGL gl;
-  renderingContext rc{&gl, nullptr};
   lightingstate unlit{false, false};
   zbufferstate noDepth{false, zbufferstate::DEPTH_LEQUAL, false, false};
   scissorstate windowClip{0, 0, side, side, true, false};
-  std::vector<std::uint8_t> pixels;
 };
 
 // A white widget with the normal button tile at (48, 0), own colours.

@@ -12,7 +12,7 @@
 #include "jev3d/renderer/renderingContext.h"
 #include "jev3d/renderer/renderstate/colorMaterialstate.h"
 #include "jev3d/renderer/renderstate/lightstate.h"
-#include "renderer/rendergl/glWindow.h"
+#include "support/glDisplay.h"
 #include "support/meshes.h"
 
 using namespace JEV::PLATFORM;
@@ -27,19 +27,9 @@ namespace {
 
 constexpr int size = 128;
 
-struct pixelFixture : ::testing::Test {
+struct pixelFixture : testDisplay::glWindowFixture {
   void SetUp() override {
-    window = current().createWindow(windowDescriptor{L"mesh", rect{10, 10, size, size}, {}},
-                                    ignoreMessages);
-    ASSERT_NE(window, 0u);
-    bool recreate = false;
-    ASSERT_TRUE(gl.createContext(window, recreate));
-    ASSERT_TRUE(gl.init());
-    current().showWindow(window, SW_SHOW);
-    ASSERT_TRUE(waitExposed(current()));
-    rc.windowWidth = size;
-    rc.windowHeight = size;
-    ASSERT_TRUE(gl.resetDevice(&rc));
+    ASSERT_NO_FATAL_FAILURE(openWindow(L"mesh", size));
     // The device's copy of colour material starts as "ambient and diffuse" while GL
     // starts with it off, so the node's state would never be sent: make them agree.
     colorMaterialstate off(colorMaterialstate::COLOR_MATERIAL_OFF,
@@ -61,26 +51,16 @@ struct pixelFixture : ::testing::Test {
   void TearDown() override {
     node.disconnect(&light);
     node.discard();
-    rc.discard();
-    gl.deleteContext();
-    if (window) current().destroyWindow(window);
+    glWindowFixture::TearDown();
   }
 
   void frame() {
-    ASSERT_TRUE(gl.makeCurrentContext(false));
-    ASSERT_TRUE(gl.emptyDiscardList());
-    auto& target = rc.getRenderStateStack()->getCurrentRenderTargetState();
-    target.clearColour = color(0, 0, 0, 255);
-    gl.beginScene(target);
-    gl.clear(target);
+    ASSERT_NO_FATAL_FAILURE(beginFrame());
     light.render(&rc);
-    pixels.assign(size_t(size) * size * 4, 0);
-    ASSERT_TRUE(gl.readPixels(0, 0, size, size, renderer::PIXELDATA_RGBA,
-                              renderer::DATA_UNSIGNED_BYTE, pixels.data()));
-    gl.swapBuffers();
+    ASSERT_NO_FATAL_FAILURE(readBack());
   }
   color at(int x, int y) const {
-    const std::uint8_t* p = pixels.data() + (size_t(y) * size + size_t(x)) * 4;
+    const std::uint8_t* p = pixelAt(x, y);
     return color(p[0], p[1], p[2], 255);
   }
   // Pixels of exactly this colour (alpha aside).
@@ -94,12 +74,8 @@ struct pixelFixture : ::testing::Test {
     return n;
   }
 
-  windowHandle window = 0;
-  renderGL gl;
-  renderingContext rc{&gl, nullptr};
   lightstate light;
   editMeshNode node;
-  std::vector<std::uint8_t> pixels;
 };
 
 }  // namespace

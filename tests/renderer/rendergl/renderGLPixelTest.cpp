@@ -9,7 +9,6 @@
 #include <thread>
 #include <vector>
 
-#include "glWindow.h"
 #include "jev3d/gui/font.h"
 #include "jev3d/platform/messages.h"
 #include "jev3d/renderer/indexBuffer.h"
@@ -33,6 +32,7 @@
 #include "jev3d/resources/renderTargetStorage.h"
 #include "jev3d/resources/texture3D.h"
 #include "jev3d/resources/textureStorage.h"
+#include "support/glDisplay.h"
 
 using namespace JEV::PLATFORM;
 using namespace JEV::RENDERING;
@@ -61,42 +61,17 @@ struct pixel {
   int r, g, b;
 };
 
-struct glFixture : ::testing::Test {
-  void SetUp() override {
-    window = current().createWindow(windowDescriptor{L"pixels", rect{10, 10, size, size}, {}},
-                                    ignoreMessages);
-    ASSERT_NE(window, 0u);
-    bool recreate = false;
-    ASSERT_TRUE(gl.createContext(window, recreate));
-    ASSERT_TRUE(gl.init());
-    current().showWindow(window, SW_SHOW);
-    ASSERT_TRUE(waitExposed(current()));
-    rc.windowWidth = size;
-    rc.windowHeight = size;
-    ASSERT_TRUE(gl.resetDevice(&rc));
-  }
-  void TearDown() override {
-    rc.discard();
-    gl.deleteContext();
-    if (window) current().destroyWindow(window);
-  }
+struct glFixture : testDisplay::glWindowFixture {
+  void SetUp() override { ASSERT_NO_FATAL_FAILURE(openWindow(L"pixels", size)); }
 
   // One frame: begin the window target with its clear, walk `root`, read back.
   void frame(JEV::SG::node& root) {
-    ASSERT_TRUE(gl.makeCurrentContext(false));
-    ASSERT_TRUE(gl.emptyDiscardList());
-    auto& target = rc.getRenderStateStack()->getCurrentRenderTargetState();
-    target.clearColour = JEV::CORE::color(0, 0, 0, 255);
-    gl.beginScene(target);
-    gl.clear(target);
+    ASSERT_NO_FATAL_FAILURE(beginFrame());
     root.render(&rc);
-    pixels.assign(size_t(size) * size * 4, 0);
-    ASSERT_TRUE(gl.readPixels(0, 0, size, size, renderer::PIXELDATA_RGBA,
-                              renderer::DATA_UNSIGNED_BYTE, pixels.data()));
-    gl.swapBuffers();
+    ASSERT_NO_FATAL_FAILURE(readBack());
   }
   pixel at(int x, int y) const {
-    const std::uint8_t* p = pixels.data() + (size_t(y) * size + size_t(x)) * 4;
+    const std::uint8_t* p = pixelAt(x, y);
     return pixel{p[0], p[1], p[2]};
   }
   int brightness(int x, int y) const {
@@ -159,11 +134,6 @@ struct glFixture : ::testing::Test {
                         new JEV::CORE::textureServer(held, 1))));
     return picture;
   }
-
-  windowHandle window = 0;
-  renderGL gl;
-  renderingContext rc{&gl, nullptr};
-  std::vector<std::uint8_t> pixels;
 };
 
 // The identity camera maps [-1, 1] to the window; depth grows with z.
