@@ -1,5 +1,7 @@
 #include "jev3d/mesh/editMeshInterface.h"
 
+#include "jev3d/mesh/aabbtreeEditMeshFaceWrap.h"
+
 namespace JEV {
 namespace MESH {
 
@@ -38,6 +40,11 @@ void editMeshInterface::computeVertexFaceNormalizedNormals() {
   }
   for (unsigned int v = 0; v < mesh.vn(); ++v) mesh.vNor(v).normalize();
   for (unsigned int f = 0; f < mesh.fn(); ++f) mesh.fNor(f).normalize();
+}
+
+const MATH::triangleTree* editMeshInterface::getFaceIndex() const {
+  const aabbtreeEditMeshFaceWrap<float>* wrap = mesh.getFABBTree();
+  return wrap ? &wrap->getTree() : nullptr;
 }
 
 }  // namespace MESH
