@@ -76,8 +76,6 @@ unsigned int polylineDescriptor::updateControlPoint(float maxDist) {
 
 bool polylineDescriptor::updateOneControlPoint(unsigned int i, float maxDist) {
   polylineControlPoint& cp = controlPoints[i];
-  // A mesh index read from a file may name no mesh of this descriptor.
-  meshInterface* mesh = cp.MeshIndex < meshes.size() ? meshes[cp.MeshIndex] : nullptr;
   float r = 1.0f;
   float lastDist = 0.f;
   unsigned int attempts = 0;
@@ -86,13 +84,7 @@ bool polylineDescriptor::updateOneControlPoint(unsigned int i, float maxDist) {
   do {
     ++attempts;
     lastDist = r;
-    if (!mesh || mesh->fn() == 0) {
-      r *= 2.f;
-      continue;
-    }
-    const unsigned int leafSize = std::max(1u, mesh->fn() / 16);
-    if (!mesh->isFaceIndexValid()) mesh->computeFaceIndex(leafSize);
-    const MATH::triangleTree* index = mesh->getFaceIndex();
+    const MATH::triangleTree* index = getFaceIndex(cp.MeshIndex);
     if (!index) {
       r *= 2.f;
       continue;
@@ -110,6 +102,14 @@ bool polylineDescriptor::updateOneControlPoint(unsigned int i, float maxDist) {
   std::cerr << "updateControlPoint() FAIL i " << i << "   res " << 0 << " dist " << lastDist
             << "  F==F_new " << 0 << "\n";
   return false;
+}
+
+const MATH::triangleTree* polylineDescriptor::getFaceIndex(unsigned int meshIndex) const {
+  // A mesh index read from a file may name no mesh of this descriptor.
+  meshInterface* mesh = meshIndex < meshes.size() ? meshes[meshIndex] : nullptr;
+  if (!mesh || mesh->fn() == 0) return nullptr;
+  if (!mesh->isFaceIndexValid()) mesh->computeFaceIndex(std::max(1u, mesh->fn() / 16));
+  return mesh->getFaceIndex();
 }
 
 unsigned int polylineDescriptor::addControlPointAfter(int index, const polylineControlPoint& cp) {

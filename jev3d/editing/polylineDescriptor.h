@@ -8,6 +8,7 @@
 #include "jev3d/math/axisAlignedBox3.h"
 #include "jev3d/math/matrix4.h"
 #include "jev3d/math/point3.h"
+#include "jev3d/math/triangleTree.h"
 
 namespace JEV {
 namespace GUI {
@@ -115,6 +116,11 @@ class polylineDescriptor {
   // The "POLYLINE" element under parent, and its reading, for files that hold several.
   bool saveToXML(IO::XML::xmlNode* parent) const;
   bool openFromXML(const IO::XML::xmlNode* polyline);
+
+  // The face index of mesh meshIndex, built first (leaves of a sixteenth of the faces, at
+  // least 1) when the mesh has none that is current; null for a missing mesh, a mesh
+  // without faces, or one that keeps no index.
+  const MATH::triangleTree* getFaceIndex(unsigned int meshIndex) const;
 
   // What a copy weighs, for undo limits.
   unsigned int getNumBytes() const;

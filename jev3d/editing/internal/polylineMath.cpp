@@ -77,6 +77,15 @@ float segmentSegmentDistance(const point3f& a0, const point3f& a1, const point3f
   return (lerp(a0, a1, s) - lerp(b0, b1, t)).norm();
 }
 
+bool nearerOnRay(const MATH::ray3<float>& ray, const point3f& p, float r2, float& bestT) {
+  if (ray.squaredDistance(p) > r2) return false;
+  const float len2 = ray.direction.squaredNorm();
+  const float t = len2 > 0.f ? ((p - ray.origin) * ray.direction) / len2 : 0.f;
+  if (t >= bestT) return false;
+  bestT = t;
+  return true;
+}
+
 unsigned int segmentCount(unsigned int n, bool closed) {
   if (n < 2) return 0;
   return closed && n > 2 ? n : n - 1;

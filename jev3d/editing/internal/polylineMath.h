@@ -3,6 +3,7 @@
 #include <vector>
 
 #include "jev3d/math/point3.h"
+#include "jev3d/math/ray3.h"
 
 namespace JEV {
 namespace MESH {
@@ -18,6 +19,10 @@ float segmentSegmentDistance(const point3f& a0, const point3f& a1, const point3f
                              const point3f& b1);
 // Number of segments of a chain of n points: n - 1, or n when closed (and n > 2).
 unsigned int segmentCount(unsigned int n, bool closed);
+
+// True, with bestT lowered to p's place along the ray, when p lies within the squared
+// radius r2 of the ray and nearer its origin than bestT: the picking rule for control points.
+bool nearerOnRay(const MATH::ray3<float>& ray, const point3f& p, float r2, float& bestT);
 
 // Inserts evenly spaced points into every segment longer than maxLength, so that none is
 // longer. isNew (when given) marks the inserted points. A maxLength that is not positive
