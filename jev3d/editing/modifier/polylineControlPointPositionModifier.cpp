@@ -47,16 +47,40 @@ void polylineControlPointPositionModifier::updatePolyline(bool updateSpline) {
   }
   polyline.disabled = false;
   spline.disabled = false;
+  const auto& cps = descriptor->controlPoints;
+  std::vector<point3f> controls;
+  for (const cpoint& cp : cps) controls.push_back(cp.pos);
+  std::vector<unsigned char> shown(cps.size(), 1);
+  if (useWidgets.cV() && widgetsShown.cV())
+    for (size_t i = 0; i < cps.size(); ++i)
+      shown[i] = cps[i].widget && !cps[i].widget->isVisible() ? 0 : 1;
+
+  float length = drapeLength.cV();
+  if (length < 0.f) length = descriptor->computeAxisAlignedBox3f().diagonal() / 64.f;
   std::vector<point3f> points;
-  for (const cpoint& cp : descriptor->controlPoints) points.push_back(cp.pos);
-  polyline.setPoints(points);
-  if (updateSpline) spline.setControlPoints(points);
-  if (useWidgets.cV() && widgetsShown.cV()) {
-    std::vector<unsigned char> mask;
-    for (const cpoint& cp : descriptor->controlPoints)
-      mask.push_back(cp.widget ? (cp.widget->isVisible() ? 1 : 0) : 1);
-    polyline.updateVmask(mask);
+  std::vector<unsigned char> isNew;
+  INTERNAL::refinePoints(controls, length, false, points, &isNew);
+  // Inner points take the face and mesh of the control point before them, and are shown
+  // when both ends of their segment are.
+  polylineDescriptor drape;
+  drape.meshes = descriptor->meshes;
+  std::vector<unsigned char> mask;
+  size_t owner = 0, seen = 0;
+  for (size_t i = 0; i < points.size(); ++i) {
+    if (!isNew[i]) {
+      owner = seen++;
+      mask.push_back(shown[owner]);
+      continue;
+    }
+    drape.controlPoints.emplace_back(points[i], cps[owner].F, cps[owner].MeshIndex);
+    mask.push_back(shown[owner] && shown[owner + 1]);
   }
+  drape.updateControlPoint();
+  for (size_t i = 0, k = 0; i < points.size(); ++i)
+    if (isNew[i]) points[i] = drape.controlPoints[k++].pos;
+  polyline.setPoints(points);
+  polyline.updateVmask(mask);
+  if (updateSpline) spline.setControlPoints(controls);
 }
 
 bool polylineControlPointPositionModifier::selectControlPoint(int i) {

@@ -44,12 +44,19 @@ class polylineControlPointPositionModifier {
   void set(polylineDescriptor* d);
   polylineDescriptor* get() const { return descriptor; }
   polylineNode* getPolylineNode() { return &polyline; }
+  const polylineNode* getPolylineNode() const { return &polyline; }
   bSplineCurveNode* getSplineNode() { return &spline; }
+  const bSplineCurveNode* getSplineNode() const { return &spline; }
   void setUndoRedoStack(SYSTEM::undoRedoStack* s) { undoStack = s; }
+  // The frame both nodes draw in: that of the meshes the points lie on.
+  void setTransform(const MATH::matrix4<float>& m) {
+    polyline.transform = m;
+    spline.transform = m;
+  }
   // Stops editing and hides both nodes.
   void clear();
-  // Shows the control points as they are now (both nodes hidden below 2 points); with
-  // updateSpline the B-spline is sampled again too.
+  // Shows the control points as they are now, in order (both nodes hidden below 2 points);
+  // with updateSpline the B-spline is sampled again too.
   void updatePolyline(bool updateSpline);
 
   // Makes point i current (-1 for none); false when out of range.
@@ -107,6 +114,11 @@ class polylineControlPointPositionModifier {
   SYSTEM::fieldBase<bool> useWidgets{false};
   SYSTEM::fieldBase<bool> widgetsShown{false};
   SYSTEM::fieldBase<int> hoverCP{-1};
+  // The polyline's segments are drawn cut into pieces no longer than this, the inner points
+  // pulled onto the surfaces, so that the line follows the surface instead of cutting
+  // under it; 0 draws straight chords, a negative value takes 1/64 of the control points'
+  // extent.
+  SYSTEM::fieldBase<float> drapeLength{-1.f};
   // How near the ray a control point is picked, in scene units.
   SYSTEM::fieldBase<float> pickRadius{0.05f};
 
