@@ -96,6 +96,38 @@ bool earClip(const std::vector<unsigned int>& poly, const std::vector<point2>& a
   return true;
 }
 
+// The faces around each edge, as one sorted list: far lighter than a map of lists on a
+// scan of a million sides.
+class sideTable {
+ public:
+  void add(unsigned int a, unsigned int b, unsigned int face) {
+    if (a != b) entries.emplace_back(edgeKey(a, b), face);
+  }
+  void finish() { std::sort(entries.begin(), entries.end()); }
+  // The faces on edge a-b.
+  template <class V>
+  void forFaces(unsigned int a, unsigned int b, V visit) const {
+    const uint64_t key = edgeKey(a, b);
+    auto it = std::lower_bound(entries.begin(), entries.end(), std::make_pair(key, 0u));
+    for (; it != entries.end() && it->first == key; ++it) visit(it->second);
+  }
+  size_t count(unsigned int a, unsigned int b) const {
+    size_t n = 0;
+    forFaces(a, b, [&](unsigned int) { ++n; });
+    return n;
+  }
+
+ private:
+  std::vector<std::pair<uint64_t, unsigned int>> entries;
+};
+
+// True when face corners run from a straight to b.
+bool runs(const std::vector<unsigned int>& corners, unsigned int a, unsigned int b) {
+  for (size_t i = 0; i < corners.size(); ++i)
+    if (corners[i] == a && corners[(i + 1) % corners.size()] == b) return true;
+  return false;
+}
+
 void writeObj(const std::string& name, const std::vector<point3d>& pos,
               const std::vector<std::vector<unsigned int>>& faces) {
   std::ofstream out(name);
@@ -145,8 +177,7 @@ class splitter {
   std::vector<editMesh::vert> records;  // the mesh's own vertices, kept whole
   std::vector<std::vector<unsigned int>> faces;
   std::vector<point3d> normals;
-  // Each side of each face, under its two vertices: (face, corner of the side's start).
-  std::unordered_map<uint64_t, std::vector<std::pair<unsigned int, unsigned int>>> sides;
+  sideTable sides;
   // The curve's crossings of each edge: (share of the way from the smaller id, vertex).
   std::unordered_map<uint64_t, std::vector<std::pair<double, unsigned int>>> cuts;
   std::unordered_map<unsigned int, std::vector<std::pair<unsigned int, unsigned int>>> faceSegments;
@@ -190,8 +221,7 @@ bool splitter::initData(const editMesh& m, const std::vector<p3>& polyline, floa
     for (size_t i = 0; i < c.size(); ++i) {
       const point3d &a = pos[c[i]], &b = pos[c[(i + 1) % c.size()]];
       n += point3d((a.y - b.y) * (a.z + b.z), (a.z - b.z) * (a.x + b.x), (a.x - b.x) * (a.y + b.y));
-      if (c[i] != c[(i + 1) % c.size()])
-        sides[edgeKey(c[i], c[(i + 1) % c.size()])].emplace_back(f, unsigned(i));
+      sides.add(c[i], c[(i + 1) % c.size()], f);
     }
     normals.push_back(n.normalize());
     for (size_t t = 1; t + 1 < c.size(); ++t) {
@@ -199,6 +229,7 @@ bool splitter::initData(const editMesh& m, const std::vector<p3>& polyline, floa
       fanFace.push_back(f);
     }
   }
+  sides.finish();
   MATH::triangleTree tree;
   tree.build(flat.data(), flat.size(), fans.data(), fanFace.size(), 8, fanFace.data());
 
@@ -276,9 +307,11 @@ bool splitter::trace(unsigned int from, unsigned int to) {
     const unsigned int x = addVertex(pos[lo] + (pos[hi] - pos[lo]) * t);
     onEdge.emplace_back(t, x);
     addSegment(f, prev, x);
-    const auto& around = sides[key];
-    if (around.size() != 2) return fail("the curve leaves the surface over a border edge");
-    const unsigned int g = around[0].first == f ? around[1].first : around[0].first;
+    if (sides.count(u, w) != 2) return fail("the curve leaves the surface over a border edge");
+    unsigned int g = f;
+    sides.forFaces(u, w, [&](unsigned int h) {
+      if (h != f) g = h;
+    });
     if (g == f) return fail("the curve meets an edge used twice by one face");
     prev = x, here = pos[x], entry = key, f = g;
     if (f == fb) {
@@ -392,19 +425,16 @@ bool splitter::initOutTriangulation() {
 // Labels the pieces on either side of the curve and doubles the curve's vertices for the
 // right-hand side.
 bool splitter::advanceMultiSplit() {
-  std::unordered_map<uint64_t, std::vector<unsigned int>> around;
-  std::unordered_map<uint64_t, unsigned int> directed;  // (from, to) of a face's side -> face
+  sideTable around;
   for (unsigned int f = 0; f < outFaces.size(); ++f) {
     const auto& c = outFaces[f];
-    for (size_t i = 0; i < c.size(); ++i) {
-      const unsigned int p = c[i], q = c[(i + 1) % c.size()];
-      around[edgeKey(p, q)].push_back(f);
-      directed[uint64_t(p) << 32 | q] = f;
-    }
+    for (size_t i = 0; i < c.size(); ++i) around.add(c[i], c[(i + 1) % c.size()], f);
   }
-  std::unordered_map<uint64_t, bool> onCurve;
+  around.finish();
+  std::vector<uint64_t> onCurve;
   for (size_t i = 0; i < loop.size(); ++i)
-    onCurve[edgeKey(loop[i], loop[(i + 1) % loop.size()])] = true;
+    onCurve.push_back(edgeKey(loop[i], loop[(i + 1) % loop.size()]));
+  std::sort(onCurve.begin(), onCurve.end());
 
   std::vector<unsigned int> label(outFaces.size(), NONE);
   unsigned int pieces = 0;
@@ -417,10 +447,11 @@ bool splitter::advanceMultiSplit() {
       todo.pop_back();
       const auto& c = outFaces[f];
       for (size_t i = 0; i < c.size(); ++i) {
-        const uint64_t key = edgeKey(c[i], c[(i + 1) % c.size()]);
-        if (onCurve.count(key)) continue;
-        for (unsigned int g : around[key])
+        const unsigned int p = c[i], q = c[(i + 1) % c.size()];
+        if (std::binary_search(onCurve.begin(), onCurve.end(), edgeKey(p, q))) continue;
+        around.forFaces(p, q, [&](unsigned int g) {
           if (label[g] == NONE) label[g] = pieces, todo.push_back(g);
+        });
       }
     }
     ++pieces;
@@ -428,12 +459,15 @@ bool splitter::advanceMultiSplit() {
   unsigned int left = NONE;
   for (size_t i = 0; i < loop.size(); ++i) {
     const unsigned int p = loop[i], q = loop[(i + 1) % loop.size()];
-    const auto l = directed.find(uint64_t(p) << 32 | q), r = directed.find(uint64_t(q) << 32 | p);
-    if (l == directed.end() || r == directed.end())
-      return fail("the mesh is not consistently wound");
-    if (left == NONE) left = label[l->second];
-    if (label[l->second] != left || label[r->second] == left)
-      return fail("the curve does not separate the mesh");
+    // The face running p to q lies on the curve's left, the one running q to p on its right.
+    unsigned int l = NONE, r = NONE;
+    around.forFaces(p, q, [&](unsigned int g) {
+      if (runs(outFaces[g], p, q)) l = g;
+      if (runs(outFaces[g], q, p)) r = g;
+    });
+    if (l == NONE || r == NONE) return fail("the mesh is not consistently wound");
+    if (left == NONE) left = label[l];
+    if (label[l] != left || label[r] == left) return fail("the curve does not separate the mesh");
   }
   outSelected.assign(outFaces.size(), 0);
   std::unordered_map<unsigned int, unsigned int> twin;

@@ -3,13 +3,16 @@
 
 #include <cmath>
 #include <filesystem>
+#include <iostream>
 #include <set>
 #include <string>
 #include <vector>
 
 #include "jev3d/algo/remeshing/splitMeshModifier.h"
+#include "jev3d/io/ply/ioPly.h"
 #include "jev3d/math/triangleTree.h"
 #include "remeshingChecks.h"
+#include "support/dataFiles.h"
 #include "support/meshes.h"
 #include "support/recordingCallBack.h"
 #include "support/tempDir.h"
@@ -265,4 +268,57 @@ TEST_F(splitFixture, verboseRunsNameTheirStagesAndDebugRunsWriteTheirMeshes) {
   for (const char* name : {"splitMeshfinalBeforeAdvanceMultiSplit.obj",
                            "splitMeshfinalBeforeAdvanceMultiSplit.ply", "splitMeshfinalResult.obj"})
     EXPECT_GT(std::filesystem::file_size(dir.path(name)), 100u) << name;
+}
+
+TEST(splitMeshModifier, smallRingsOnAScannedHorseCutOutDiscs) {
+  const char* name = "ply/cyberware_horse.ply";
+  JEV3D_REQUIRE_DATA(name);
+  std::vector<point3f> positions;
+  std::vector<unsigned> triangles;
+  unsigned vc = 0, tc = 0;
+  ASSERT_TRUE(JEV::IO::PLY::ioPly::readPlyFromFile(dataFile(name), positions, vc, triangles, tc));
+  editMesh horse;
+  for (const point3f& p : positions) horse.addVertex(p);
+  for (size_t t = 0; t + 2 < triangles.size(); t += 3)
+    horse.addTriFace(triangles[t], triangles[t + 1], triangles[t + 2]);
+  testMeshes::finishMesh(horse);
+  horse.computeBBox();
+  const float diagonal = (horse.getBBoxMax() - horse.getBBoxMin()).norm();
+  const double areaBefore = remeshingChecks::area(horse);
+
+  // Rings of radius 1% of the size in the tangent planes of vertices spread over the scan.
+  const unsigned int tries = 10;
+  unsigned int cut = 0;
+  for (unsigned int k = 0; k < tries; ++k) {
+    const unsigned int v = k * (horse.vn() / tries);
+    const point3f centre = horse.vPos(v), normal = horse.vNor(v).getNormalized();
+    const point3f u = normal.cross(point3f(0.36f, 0.48f, 0.8f)).getNormalized();
+    const point3f w = normal.cross(u);
+    std::vector<point3f> ring;
+    for (int i = 0; i < 12; ++i) {
+      const double t = 2 * pi * i / 12;
+      ring.push_back(centre + (u * float(std::cos(t)) + w * float(std::sin(t))) * 0.01f * diagonal);
+    }
+    editMesh work = horse;
+    splitMeshModifier split;
+    if (!split.exec(work, ring)) {
+      // A failure leaves the mesh as it was.
+      EXPECT_EQ(work.fn(), horse.fn()) << split.getError();
+      continue;
+    }
+    ++cut;
+    EXPECT_EQ(work.checkInvariants(), "") << v;
+    EXPECT_NEAR(remeshingChecks::area(work), areaBefore, 1e-4 * areaBefore) << v;
+    double selected = 0;
+    for (unsigned int f = 0; f < work.fn(); ++f)
+      if (work.isFaceSelected(f)) selected += JEV::MESH::ALGO::REMESHING::computeAreaFace(work, f);
+    // About the disc's area, on a surface that may curve within it.
+    const double disc = pi * std::pow(0.01 * diagonal, 2);
+    EXPECT_GT(selected, 0.5 * disc) << v;
+    EXPECT_LT(selected, 3.0 * disc) << v;
+    for (size_t i = 0; i < split.getCutLoop(0).size(); ++i)
+      EXPECT_EQ(work.vPos(split.getCutLoop(0)[i]), work.vPos(split.getCutLoop(1)[i]));
+  }
+  std::cout << "rings cut: " << cut << " of " << tries << "\n";
+  EXPECT_GE(cut, tries * 3 / 4);
 }
