@@ -5,7 +5,9 @@
 #include <cwchar>
 #include <iostream>
 #include <limits>
+#include <queue>
 #include <sstream>
+#include <utility>
 
 #include "jev3d/editing/internal/polylineMath.h"
 #include "jev3d/io/xml/stringConversion.h"
@@ -228,6 +230,104 @@ unsigned int polylineDescriptor::simplify(float tolerance, bool closed) {
 void polylineDescriptor::exportToSpline(std::vector<MATH::point3<float>>& out,
                                         unsigned int samplesPerSpan, bool closed) const {
   INTERNAL::discretizeBSpline(positions(), samplesPerSpan, closed, out);
+}
+
+void polylineDescriptor::computeGeodesicGraph(const meshInterface& mesh, geodesicGraph& graph) {
+  std::vector<unsigned int> all;
+  for (unsigned int f = 0; f < mesh.fn(); ++f) all.push_back(f);
+  computeGeodesicGraph(mesh, all, graph);
+}
+
+void polylineDescriptor::computeGeodesicGraph(const meshInterface& mesh,
+                                              const std::vector<unsigned int>& faces,
+                                              geodesicGraph& graph) {
+  // Every side both ways, sorted, so each vertex's neighbours are one run.
+  std::vector<std::pair<unsigned int, unsigned int>> sides;
+  const unsigned int vn = mesh.vn();
+  for (unsigned int f : faces) {
+    if (f >= mesh.fn() || mesh.isFaceDeleted(f)) continue;
+    const unsigned int n = mesh.f2vNum(f);
+    for (unsigned int i = 0; i < n; ++i) {
+      const unsigned int a = mesh.fV(f, i), b = mesh.fV(f, (i + 1) % n);
+      if (a == b || a >= vn || b >= vn) continue;
+      sides.emplace_back(a, b);
+      sides.emplace_back(b, a);
+    }
+  }
+  std::sort(sides.begin(), sides.end());
+  sides.erase(std::unique(sides.begin(), sides.end()), sides.end());
+  graph.offsets.assign(size_t(vn) + 1, 0);
+  graph.neighbours.clear();
+  graph.lengths.clear();
+  for (const auto& s : sides) {
+    ++graph.offsets[s.first + 1];
+    graph.neighbours.push_back(s.second);
+    graph.lengths.push_back((mesh.vPos(s.first) - mesh.vPos(s.second)).norm());
+  }
+  for (unsigned int v = 0; v < vn; ++v) graph.offsets[v + 1] += graph.offsets[v];
+}
+
+namespace {
+
+// Dijkstra from a to b over the graph; appends the path after a (b included). False when
+// b cannot be reached.
+bool shortestPath(const polylineDescriptor::geodesicGraph& g, unsigned int a, unsigned int b,
+                  std::vector<unsigned int>& path) {
+  const size_t vn = g.offsets.size() - 1;
+  std::vector<float> dist(vn, std::numeric_limits<float>::infinity());
+  std::vector<unsigned int> from(vn, 0xFFFFFFFFu);
+  using item = std::pair<float, unsigned int>;
+  std::priority_queue<item, std::vector<item>, std::greater<item>> open;
+  dist[a] = 0.f;
+  open.emplace(0.f, a);
+  while (!open.empty()) {
+    const auto [d, v] = open.top();
+    open.pop();
+    if (v == b) break;
+    if (d > dist[v]) continue;
+    for (unsigned int k = g.offsets[v]; k < g.offsets[v + 1]; ++k) {
+      const unsigned int w = g.neighbours[k];
+      if (d + g.lengths[k] < dist[w]) {
+        dist[w] = d + g.lengths[k];
+        from[w] = v;
+        open.emplace(dist[w], w);
+      }
+    }
+  }
+  if (a != b && from[b] == 0xFFFFFFFFu) return false;
+  std::vector<unsigned int> back;
+  for (unsigned int v = b; v != a; v = from[v]) back.push_back(v);
+  path.insert(path.end(), back.rbegin(), back.rend());
+  return true;
+}
+
+}  // namespace
+
+bool polylineDescriptor::computeGeodesicGraph(const meshInterface& mesh, geodesicGraph& graph,
+                                              std::vector<unsigned int>& path, bool closed) const {
+  path.clear();
+  computeGeodesicGraph(mesh, graph);
+  if (controlPoints.size() < 2) return false;
+  // The live vertex nearest to each control point.
+  std::vector<unsigned int> stops;
+  for (const polylineControlPoint& cp : controlPoints) {
+    unsigned int best = 0xFFFFFFFFu;
+    float bestDistance = std::numeric_limits<float>::max();
+    for (unsigned int v = 0; v < mesh.vn(); ++v) {
+      if (mesh.isVertDeleted(v) || graph.offsets[v] == graph.offsets[v + 1]) continue;
+      const float d = (mesh.vPos(v) - cp.pos).squaredNorm();
+      if (d < bestDistance) bestDistance = d, best = v;
+    }
+    if (best == 0xFFFFFFFFu) return false;
+    stops.push_back(best);
+  }
+  if (closed) stops.push_back(stops.front());
+  std::vector<unsigned int> found{stops.front()};
+  for (size_t i = 0; i + 1 < stops.size(); ++i)
+    if (!shortestPath(graph, stops[i], stops[i + 1], found)) return false;
+  if (closed && found.size() > 1) found.pop_back();
+  path.swap(found);
+  return true;
 }
 
 bool polylineDescriptor::saveToXML(IO::XML::xmlNode* parent) const {

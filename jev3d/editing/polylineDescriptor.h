@@ -107,6 +107,26 @@ class polylineDescriptor {
   void exportToSpline(std::vector<MATH::point3<float>>& out, unsigned int samplesPerSpan = 8,
                       bool closed = false) const;
 
+  // The sides of a mesh's faces as a graph over its vertices, for shortest paths over the
+  // surface: the neighbours of vertex v are neighbours[offsets[v] .. offsets[v + 1]), each
+  // at the length in lengths beside it.
+  struct geodesicGraph {
+    std::vector<unsigned int> offsets;
+    std::vector<unsigned int> neighbours;
+    std::vector<float> lengths;
+  };
+  // The graph of the live faces of mesh.
+  static void computeGeodesicGraph(const meshInterface& mesh, geodesicGraph& graph);
+  // The graph of the listed faces only (ids out of range or deleted are skipped).
+  static void computeGeodesicGraph(const meshInterface& mesh,
+                                   const std::vector<unsigned int>& faces, geodesicGraph& graph);
+  // The graph of the live faces and the shortest path over it that joins the vertices
+  // nearest to the control points, in order (closing the loop when closed): the path's
+  // vertices, each once between turns. False, with path empty, for fewer than 2 points or
+  // a point whose vertex cannot reach the next one.
+  bool computeGeodesicGraph(const meshInterface& mesh, geodesicGraph& graph,
+                            std::vector<unsigned int>& path, bool closed = false) const;
+
   // Files, version "1.0", root "polylineDescriptor". Reading replaces the points and the
   // current point only when the whole file is valid; false leaves the descriptor as it was.
   bool saveToXML(const std::wstring& fileName) const;

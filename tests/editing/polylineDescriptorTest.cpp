@@ -319,3 +319,39 @@ TEST(polylineUndo, arraySnapshotsRestoreEverySchemeAtOnce) {
   EXPECT_EQ(set.size(), 3u);
   EXPECT_TRUE(set[0].controlPoints.empty());
 }
+
+TEST(polylineDescriptor, geodesicPathsFollowTheEdgesBetweenTheControlPoints) {
+  editMesh grid;
+  testMeshes::makeGrid(grid, 6, 4, true);
+  testMeshes::finishMesh(grid);
+  editMeshInterface view(grid);
+  polylineDescriptor::geodesicGraph graph;
+  polylineDescriptor::computeGeodesicGraph(view, graph);
+  ASSERT_EQ(graph.offsets.size(), grid.vn() + 1u);
+  // An inner vertex of a quad grid has four neighbours one unit away, a corner two.
+  const unsigned int inner = 1 * 7 + 1;
+  EXPECT_EQ(graph.offsets[inner + 1] - graph.offsets[inner], 4u);
+  EXPECT_EQ(graph.offsets[1] - graph.offsets[0], 2u);
+  for (float l : graph.lengths) EXPECT_FLOAT_EQ(l, 1.f);
+  // Only the first column of cells.
+  polylineDescriptor::computeGeodesicGraph(view, {0, 6, 12, 18, 99}, graph);
+  EXPECT_EQ(graph.offsets[3] - graph.offsets[2], 0u);
+
+  polylineDescriptor d;
+  d.controlPoints = {cpoint(point3f(0.1f, 0.1f, 0), 0, 0), cpoint(point3f(3.9f, 0.2f, 0), 0, 0),
+                     cpoint(point3f(4.1f, 2.8f, 0), 0, 0)};
+  std::vector<unsigned int> path;
+  ASSERT_TRUE(d.computeGeodesicGraph(view, graph, path));
+  // 4 steps along the bottom row, then 3 up the column at x = 4.
+  ASSERT_EQ(path.size(), 8u);
+  EXPECT_EQ(path.front(), 0u);
+  EXPECT_EQ(path[4], 4u);
+  EXPECT_EQ(path.back(), 3u * 7 + 4);
+  for (size_t i = 0; i + 1 < path.size(); ++i)
+    EXPECT_FLOAT_EQ((grid.vPos(path[i]) - grid.vPos(path[i + 1])).norm(), 1.f);
+  ASSERT_TRUE(d.computeGeodesicGraph(view, graph, path, true));
+  EXPECT_EQ(path.size(), 4u + 3u + 7u);  // back from (4, 3) to (0, 0) in 7 steps
+  d.controlPoints.resize(1);
+  EXPECT_FALSE(d.computeGeodesicGraph(view, graph, path));
+  EXPECT_TRUE(path.empty());
+}
