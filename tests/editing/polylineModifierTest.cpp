@@ -8,6 +8,7 @@
 #include "jev3d/editing/modifier/polylineControlPointPositionModifier.h"
 #include "jev3d/editing/modifier/polylineControlPointPositionModifierManager.h"
 #include "jev3d/editing/undoRedoStack.h"
+#include "jev3d/gui/widget.h"
 #include "jev3d/mesh/aabbtreeEditMeshFaceWrap.h"
 #include "jev3d/mesh/editMeshInterface.h"
 #include "support/meshes.h"
@@ -272,4 +273,32 @@ TEST(polylineManager, doubleClicksTieTwoPointsAndUnusedRecordsGo) {
   EXPECT_EQ(m.deleteUnusedPointer(), 3u);  // two empty polylines and the edge to one
   ASSERT_EQ(m.getSchemes().size(), 1u);
   EXPECT_TRUE(m.getEdges().empty());
+}
+
+TEST_F(editorFixture, segmentsOfPointsWhoseHandlesAreHiddenAreLeftOut) {
+  editor.drapeLength = 0.f;
+  for (float x : {0.f, 0.2f, 0.4f, 0.6f}) click(x, 0.f);
+  ASSERT_EQ(curve.controlPoints.size(), 4u);
+  JEV::GUI::widget shown(L"a", nullptr, nullptr), hidden(L"b", nullptr, nullptr);
+  hidden.visible = false;
+  for (cpoint& cp : curve.controlPoints) cp.widget = &shown;
+  curve.controlPoints[2].widget = &hidden;
+  // The handles count only when both switches are on.
+  editor.useWidgets = true;
+  editor.updatePolyline(false);
+  EXPECT_EQ(editor.getPolylineNode()->getVmask(), std::vector<unsigned char>(4, 1));
+  editor.widgetsShown = true;
+  editor.updatePolyline(false);
+  EXPECT_EQ(editor.getPolylineNode()->getVmask(), (std::vector<unsigned char>{1, 1, 0, 1}));
+  // Draped, the inner points of the two segments at the hidden point are hidden too.
+  editor.drapeLength = 0.05f;
+  editor.updatePolyline(false);
+  const auto& points = editor.getPolylineNode()->getPoints();
+  const auto& mask = editor.getPolylineNode()->getVmask();
+  ASSERT_EQ(mask.size(), points.size());
+  for (size_t i = 0; i < points.size(); ++i) {
+    const bool nearHidden = points[i].x > 0.2f + 1e-3f && points[i].x < 0.6f - 1e-3f;
+    EXPECT_EQ(mask[i], nearHidden ? 0 : 1) << i << " at x " << points[i].x;
+  }
+  for (cpoint& cp : curve.controlPoints) cp.widget = nullptr;
 }
