@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <cwchar>
 #include <iostream>
 #include <limits>
 #include <queue>
@@ -10,6 +9,7 @@
 #include <utility>
 
 #include "jev3d/editing/internal/polylineMath.h"
+#include "jev3d/editing/internal/polylineXml.h"
 #include "jev3d/io/xml/stringConversion.h"
 #include "jev3d/io/xml/xmlDeclaration.h"
 #include "jev3d/io/xml/xmlDocument.h"
@@ -23,38 +23,11 @@ namespace EDITING {
 namespace {
 
 using point3f = MATH::point3<float>;
+using INTERNAL::asElement;
+using INTERNAL::readCoordinate;
+using INTERNAL::readIndex;
 using IO::XML::xmlElement;
 using IO::XML::xmlNode;
-
-const xmlElement* asElement(const xmlNode* n, const wchar_t* name) {
-  if (!n || n->getType() != IO::XML::XML_ELEMENT || n->getValueW() != name) return nullptr;
-  return static_cast<const xmlElement*>(n);
-}
-
-// A float attribute that must hold exactly one finite number: the layer's own float
-// query accepts any text, which a file must not get away with.
-bool readCoordinate(const xmlElement& e, const wchar_t* name, float& out) {
-  const IO::XML::xmlAttribute* a = e.getAttribute(std::wstring(name));
-  if (!a) return false;
-  const std::wstring& text = a->getValueW();
-  if (text.empty()) return false;
-  wchar_t* end = nullptr;
-  const double v = std::wcstod(text.c_str(), &end);
-  while (end && (*end == L' ' || *end == L'\t')) ++end;
-  if (!end || *end != 0 || !std::isfinite(v) || std::fabs(v) > std::numeric_limits<float>::max())
-    return false;
-  out = float(v);
-  return true;
-}
-
-// Digits only: the stream behind the layer's query would wrap a minus sign around.
-bool readIndex(const xmlElement& e, const wchar_t* name, unsigned int& out) {
-  const IO::XML::xmlAttribute* a = e.getAttribute(std::wstring(name));
-  if (!a || a->getValueW().empty()) return false;
-  for (wchar_t c : a->getValueW())
-    if (c < L'0' || c > L'9') return false;
-  return a->queryUnsignedIntValue(out);
-}
 
 bool readControlPoint(const xmlElement& e, polylineDescriptor::polylineControlPoint& cp) {
   if (!readIndex(e, L"F", cp.F) || !readIndex(e, L"MeshIndex", cp.MeshIndex)) return false;

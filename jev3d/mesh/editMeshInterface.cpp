@@ -5,6 +5,11 @@
 namespace JEV {
 namespace MESH {
 
+const MATH::triangleTree* editMeshInterface::getFaceIndex() const {
+  const aabbtreeEditMeshFaceWrap<float>* wrap = mesh.getFABBTree();
+  return wrap ? &wrap->getTree() : nullptr;
+}
+
 void editMeshInterface::clearVertexNormal() {
   for (unsigned int v = 0; v < mesh.vn(); ++v) mesh.vNor(v).setZero();
 }
@@ -40,11 +45,6 @@ void editMeshInterface::computeVertexFaceNormalizedNormals() {
   }
   for (unsigned int v = 0; v < mesh.vn(); ++v) mesh.vNor(v).normalize();
   for (unsigned int f = 0; f < mesh.fn(); ++f) mesh.fNor(f).normalize();
-}
-
-const MATH::triangleTree* editMeshInterface::getFaceIndex() const {
-  const aabbtreeEditMeshFaceWrap<float>* wrap = mesh.getFABBTree();
-  return wrap ? &wrap->getTree() : nullptr;
 }
 
 }  // namespace MESH

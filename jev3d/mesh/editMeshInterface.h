@@ -38,6 +38,9 @@ class editMeshInterface : public meshInterface {
   bool isFaceDeleted(unsigned int f) const override { return mesh.isFaceDeleted(f); }
   bool isFaceSelected(unsigned int f) const override { return mesh.isFaceSelected(f); }
   bool isVertDeleted(unsigned int v) const override { return mesh.isVertDeleted(v); }
+  bool isFaceIndexValid() const override { return mesh.getFABBTree() != nullptr; }
+  void computeFaceIndex(unsigned int leafSize) override { mesh.computeFABBTree(leafSize); }
+  const MATH::triangleTree* getFaceIndex() const override;
 
   void clearAxisAlignedBoundingBoxRef() override { mesh.updateBBox(); }
   void clearAxisAlignedBoundingBoxVert() override { mesh.updateBBox(); }
@@ -47,9 +50,6 @@ class editMeshInterface : public meshInterface {
   // The indexes of an editMesh go stale by themselves once positions are reported moved.
   void clearSpatialIndexing() override { mesh.updateBBox(); }
   void clear() override { mesh.clear(false); }
-  bool isFaceIndexValid() const override { return mesh.getFABBTree() != nullptr; }
-  void computeFaceIndex(unsigned int leafSize) override { mesh.computeFABBTree(leafSize); }
-  const MATH::triangleTree* getFaceIndex() const override;
 
   void vertexReserve(unsigned int n) override { mesh.expandVertexArray(n); }
   void faceReserve(unsigned int n) override { mesh.expandFaceArray(n); }

@@ -43,6 +43,13 @@ class meshInterface {
   virtual bool isFaceSelected(unsigned int f) const = 0;
   virtual bool isVertDeleted(unsigned int v) const = 0;
 
+  // The face index for closest-point searches: whether one is built and current, building
+  // one (leaves of at most leafSize triangles), and the index itself, whose hits name the
+  // mesh's face ids. A mesh that keeps no index answers false and null.
+  virtual bool isFaceIndexValid() const { return false; }
+  virtual void computeFaceIndex(unsigned int /*leafSize*/) {}
+  virtual const MATH::triangleTree* getFaceIndex() const { return nullptr; }
+
   // Stale derived data dropped after the caller moved or rebuilt the mesh.
   virtual void clearAxisAlignedBoundingBoxRef() = 0;
   virtual void clearAxisAlignedBoundingBoxVert() = 0;
@@ -51,13 +58,6 @@ class meshInterface {
   virtual void clearSpatialIndexing() = 0;
   // Empties the mesh: no vertex, no face, no derived data.
   virtual void clear() = 0;
-
-  // The face index for closest-point searches: whether one is built and current, building
-  // one (leaves of at most leafSize triangles), and the index itself, whose hits name the
-  // mesh's face ids. A mesh that keeps no index answers false and null.
-  virtual bool isFaceIndexValid() const { return false; }
-  virtual void computeFaceIndex(unsigned int /*leafSize*/) {}
-  virtual const MATH::triangleTree* getFaceIndex() const { return nullptr; }
 
   // Building. vertexNormalResize and vertexColorResize size the per-vertex arrays (new
   // entries zero), making hasVN / hasVC true.

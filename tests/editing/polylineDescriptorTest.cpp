@@ -4,7 +4,6 @@
 
 #include <cmath>
 #include <filesystem>
-#include <fstream>
 #include <random>
 #include <string>
 
@@ -14,6 +13,7 @@
 #include "jev3d/editing/undoRedoStack.h"
 #include "jev3d/math/triangleQueries.h"
 #include "jev3d/mesh/editMeshInterface.h"
+#include "support/fileBytes.h"
 #include "support/meshes.h"
 #include "support/tempDir.h"
 
@@ -225,8 +225,7 @@ TEST(polylineDescriptorFile, readsBackEqualWithEveryFloatBitKept) {
   tempDir dir;
   const polylineDescriptor d = sampleDescriptor(25, 3);
   ASSERT_TRUE(d.saveToXML(dir.file("curve.xml")));
-  std::ifstream in(dir.file("curve.xml"));
-  const std::string text((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
+  const std::string text = readBytes(dir.file("curve.xml"));
   EXPECT_NE(text.find("<?xml version=\"1.0\""), std::string::npos);
   EXPECT_NE(text.find("<polylineDescriptor>"), std::string::npos);
   EXPECT_NE(text.find("<POLYLINE CurrCP=\"12\">"), std::string::npos);
@@ -240,40 +239,42 @@ TEST(polylineDescriptorFile, readsBackEqualWithEveryFloatBitKept) {
   EXPECT_EQ(back, polylineDescriptor());
 }
 
-TEST(polylineDescriptorFile, truncatedOrMalformedFilesFailAndChangeNothing) {
+TEST(polylineDescriptorFile, truncatedDamagedOrMalformedFilesFailAndChangeNothing) {
   tempDir dir;
   const polylineDescriptor d = sampleDescriptor(6, 5);
   ASSERT_TRUE(d.saveToXML(dir.file("curve.xml")));
-  std::ifstream in(dir.file("curve.xml"));
-  const std::string text((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
+  const std::string text = readBytes(dir.file("curve.xml"));
   const polylineDescriptor held = sampleDescriptor(3, 9);
+  const std::string bad = dir.file("bad.xml");
   auto expectRefused = [&](const std::string& content, const std::string& what) {
-    {
-      std::ofstream out(dir.file("bad.xml"), std::ios::binary | std::ios::trunc);
-      out << content;
-    }
+    writeBytes(bad, content);
     polylineDescriptor target = held;
-    EXPECT_FALSE(target.openFromXML(dir.file("bad.xml"))) << what;
+    EXPECT_FALSE(target.openFromXML(bad)) << what;
     EXPECT_EQ(target, held) << what;
   };
   // Every cut through the closing tags and points.
   for (size_t cut = 0; cut + 1 < text.size(); cut += 7)
     expectRefused(text.substr(0, cut), "cut at " + std::to_string(cut));
-  auto replaced = [&](const std::string& from, const std::string& to) {
-    std::string t = text;
-    const size_t at = t.find(from);
-    EXPECT_NE(at, std::string::npos) << from;
-    return at == std::string::npos ? t : t.replace(at, from.size(), to);
-  };
-  expectRefused(replaced("F=\"8\"", "F=\"8x\""), "face not a number");
-  expectRefused(replaced("MeshIndex=\"1\"", "MeshIndex=\"-1\""), "negative mesh");
-  expectRefused(replaced("X=\"", "X=\"nan"), "coordinate not a number");
-  expectRefused(replaced("Y=\"", "Y=\"1e99"), "coordinate beyond float");
-  expectRefused(replaced("<CP3 ", "<CP7 "), "points out of order");
-  expectRefused(replaced("CurrCP=\"3\"", "CurrCP=\"6\""), "current point past the end");
-  expectRefused(replaced("<POS ", "<POSITION "), "point without position");
-  expectRefused(replaced("<polylineDescriptor>", "<polyline>"), "another root");
+  expectRefused(replacedOnce(text, "F=\"8\"", "F=\"8x\""), "face not a number");
+  expectRefused(replacedOnce(text, "MeshIndex=\"1\"", "MeshIndex=\"-1\""), "negative mesh");
+  expectRefused(replacedOnce(text, "X=\"", "X=\"nan"), "coordinate not a number");
+  expectRefused(replacedOnce(text, "Y=\"", "Y=\"1e99"), "coordinate beyond float");
+  expectRefused(replacedOnce(text, "<CP3 ", "<CP7 "), "points out of order");
+  expectRefused(replacedOnce(text, "CurrCP=\"3\"", "CurrCP=\"6\""), "current point past the end");
+  expectRefused(replacedOnce(text, "<POS ", "<POSITION "), "point without position");
+  expectRefused(replacedOnce(text, "<polylineDescriptor>", "<polyline>"), "another root");
   EXPECT_FALSE(polylineDescriptor().openFromXML(dir.file("missing.xml")));
+  // Bytes changed at random: a read either fails and changes nothing, or gives a whole
+  // descriptor.
+  forEachDamagedCopy(text, bad, 11, 0, 300, [&](const std::string& path) {
+    polylineDescriptor target = held;
+    if (!target.openFromXML(path)) {
+      EXPECT_EQ(target, held);
+    } else {
+      EXPECT_GE(target.CurrCP.cV(), -1);
+      EXPECT_LT(target.CurrCP.cV(), int(target.controlPoints.size()));
+    }
+  });
 }
 
 TEST(polylineUndo, snapshotsPutThePolylineBackAndForth) {

@@ -2,7 +2,6 @@
 // with its file; no window.
 #include <gtest/gtest.h>
 
-#include <fstream>
 #include <string>
 
 #include "jev3d/editing/modifier/polylineControlPointPositionModifier.h"
@@ -11,6 +10,7 @@
 #include "jev3d/gui/widget.h"
 #include "jev3d/mesh/aabbtreeEditMeshFaceWrap.h"
 #include "jev3d/mesh/editMeshInterface.h"
+#include "support/fileBytes.h"
 #include "support/meshes.h"
 #include "support/tempDir.h"
 
@@ -211,8 +211,7 @@ TEST(polylineManager, schemesAndEdgesReadBackEqualAndBadFilesChangeNothing) {
 
   tempDir dir;
   ASSERT_TRUE(m.saveToXML(dir.file("set.xml")));
-  std::ifstream in(dir.file("set.xml"));
-  const std::string text((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
+  const std::string text = readBytes(dir.file("set.xml"));
   for (const char* part :
        {"<?xml version=\"1.0\"", "<polylineControlPointPositionModifierManager>", "<Polylines>",
         "<PolylineDescriptor Name=\"rim\">", "<POLYLINE CurrCP=\"2\">", "<Edges>",
@@ -224,10 +223,7 @@ TEST(polylineManager, schemesAndEdgesReadBackEqualAndBadFilesChangeNothing) {
   EXPECT_EQ(back.getEdges(), m.getEdges());
 
   auto refused = [&](const std::string& content, const std::string& what) {
-    {
-      std::ofstream out(dir.file("bad.xml"), std::ios::binary | std::ios::trunc);
-      out << content;
-    }
+    writeBytes(dir.file("bad.xml"), content);
     manager target;
     target.addNewScheme(a, L"kept");
     EXPECT_FALSE(target.openFromXML(dir.file("bad.xml"))) << what;
@@ -237,18 +233,12 @@ TEST(polylineManager, schemesAndEdgesReadBackEqualAndBadFilesChangeNothing) {
   };
   for (size_t cut = 0; cut + 1 < text.size(); cut += 11)
     refused(text.substr(0, cut), "cut at " + std::to_string(cut));
-  auto replaced = [&](const std::string& from, const std::string& to) {
-    std::string t = text;
-    const size_t at = t.find(from);
-    EXPECT_NE(at, std::string::npos) << from;
-    return at == std::string::npos ? t : t.replace(at, from.size(), to);
-  };
-  refused(replaced("ToName=\"rim\"", "ToName=\"gone\""), "edge to an unknown polyline");
-  refused(replaced("From=\"3\"", "From=\"30\""), "edge to a point past the end");
-  refused(replaced("From=\"3\"", "From=\"-3\""), "negative point");
-  refused(replaced("Name=\"Polyline2\"", "Name=\"rim\""), "two polylines of one name");
-  refused(replaced("<Edges>", "<Edgez>"), "no edge list");
-  refused(replaced("MeshIndex=\"0\"", "MeshIndex=\"x\""), "bad control point");
+  refused(replacedOnce(text, "ToName=\"rim\"", "ToName=\"gone\""), "edge to an unknown polyline");
+  refused(replacedOnce(text, "From=\"3\"", "From=\"30\""), "edge to a point past the end");
+  refused(replacedOnce(text, "From=\"3\"", "From=\"-3\""), "negative point");
+  refused(replacedOnce(text, "Name=\"Polyline2\"", "Name=\"rim\""), "two polylines of one name");
+  refused(replacedOnce(text, "<Edges>", "<Edgez>"), "no edge list");
+  refused(replacedOnce(text, "MeshIndex=\"0\"", "MeshIndex=\"x\""), "bad control point");
 }
 
 TEST(polylineManager, doubleClicksTieTwoPointsAndUnusedRecordsGo) {

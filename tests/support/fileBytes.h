@@ -1,5 +1,7 @@
 #pragma once
 
+#include <gtest/gtest.h>
+
 #include <cstdio>
 #include <fstream>
 #include <iterator>
@@ -43,4 +45,11 @@ void forEachDamagedCopy(const std::string& valid, const std::string& path, unsig
     writeBytes(path, bytes);
     read(path);
   }
+}
+
+// text with the first `from` replaced by `to`; the test fails when `from` is absent.
+inline std::string replacedOnce(std::string text, const std::string& from, const std::string& to) {
+  const size_t at = text.find(from);
+  EXPECT_NE(at, std::string::npos) << from;
+  return at == std::string::npos ? text : text.replace(at, from.size(), to);
 }

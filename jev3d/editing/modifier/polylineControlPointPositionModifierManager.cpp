@@ -5,6 +5,7 @@
 #include <set>
 
 #include "jev3d/editing/internal/polylineMath.h"
+#include "jev3d/editing/internal/polylineXml.h"
 #include "jev3d/io/xml/stringConversion.h"
 #include "jev3d/io/xml/xmlDeclaration.h"
 #include "jev3d/io/xml/xmlDocument.h"
@@ -16,13 +17,11 @@ namespace EDITING {
 
 namespace {
 
+using INTERNAL::asElement;
+using INTERNAL::readIndex;
+using INTERNAL::readName;
 using IO::XML::xmlElement;
 using IO::XML::xmlNode;
-
-const xmlElement* asElement(const xmlNode* n, const wchar_t* name) {
-  if (!n || n->getType() != IO::XML::XML_ELEMENT || n->getValueW() != name) return nullptr;
-  return static_cast<const xmlElement*>(n);
-}
 
 // The element children of e, which must all be called name.
 bool elementChildren(const xmlElement& e, const wchar_t* name,
@@ -34,21 +33,6 @@ bool elementChildren(const xmlElement& e, const wchar_t* name,
     if (!element) return false;
     out.push_back(element);
   }
-  return true;
-}
-
-bool readIndex(const xmlElement& e, const wchar_t* name, unsigned int& out) {
-  const IO::XML::xmlAttribute* a = e.getAttribute(std::wstring(name));
-  if (!a || a->getValueW().empty()) return false;
-  for (wchar_t c : a->getValueW())
-    if (c < L'0' || c > L'9') return false;
-  return a->queryUnsignedIntValue(out);
-}
-
-bool readName(const xmlElement& e, const wchar_t* name, std::wstring& out) {
-  const IO::XML::xmlAttribute* a = e.getAttribute(std::wstring(name));
-  if (!a) return false;
-  out = a->getValueW();
   return true;
 }
 
