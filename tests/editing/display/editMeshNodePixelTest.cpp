@@ -13,6 +13,7 @@
 #include "jev3d/renderer/renderstate/colorMaterialstate.h"
 #include "jev3d/renderer/renderstate/lightstate.h"
 #include "support/glDisplay.h"
+#include "support/litSphere.h"
 #include "support/meshes.h"
 
 using namespace JEV::PLATFORM;
@@ -27,30 +28,13 @@ namespace {
 
 constexpr int size = 128;
 
-struct pixelFixture : testDisplay::glWindowFixture {
+struct pixelFixture : testDisplay::glWindowFixture, testDisplay::litSphere {
   void SetUp() override {
     ASSERT_NO_FATAL_FAILURE(openWindow(L"mesh", size));
-    // The device's copy of colour material starts as "ambient and diffuse" while GL
-    // starts with it off, so the node's state would never be sent: make them agree.
-    colorMaterialstate off(colorMaterialstate::COLOR_MATERIAL_OFF,
-                           colorMaterialstate::FACE_FRONT_AND_BACK);
-    gl.setColorMaterialState(off);
-    // A unit sphere at half size in the middle of the window, lit from the viewer's side
-    // (the identity camera looks along +z).
-    testMeshes::makeSphere(node.getEditMesh(), 16, 24);
-    testMeshes::finishMesh(node.getEditMesh());
-    node.setTransformMatrix(matrix4f::getScale(0.5f, 0.5f, 0.5f));
-    light.enable = true;
-    // Dim enough that no channel saturates, so that colours stay apart.
-    light.ambient = color(20, 20, 20, 255);
-    light.diffuse = color(110, 110, 110, 255);
-    light.specular = color(0, 0, 0, 255);
-    light.direction = point3f(0.f, 0.f, 1.f);
-    node.connect(&light, false);
+    setUpLitSphere(gl);
   }
   void TearDown() override {
-    node.disconnect(&light);
-    node.discard();
+    tearDownLitSphere();
     glWindowFixture::TearDown();
   }
 
@@ -73,9 +57,6 @@ struct pixelFixture : testDisplay::glWindowFixture {
       }
     return n;
   }
-
-  lightstate light;
-  editMeshNode node;
 };
 
 }  // namespace

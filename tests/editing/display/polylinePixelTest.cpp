@@ -11,6 +11,7 @@
 #include "jev3d/renderer/renderstate/colorMaterialstate.h"
 #include "jev3d/renderer/renderstate/lightstate.h"
 #include "support/glDisplay.h"
+#include "support/litSphere.h"
 #include "support/meshes.h"
 
 using namespace JEV::RENDERING::RENDERSTATE;
@@ -25,31 +26,17 @@ namespace {
 
 constexpr int size = 160;
 
-struct polylinePixelFixture : testDisplay::glWindowFixture {
+struct polylinePixelFixture : testDisplay::glWindowFixture, testDisplay::litSphere {
   void SetUp() override {
     ASSERT_NO_FATAL_FAILURE(openWindow(L"polyline", size));
-    colorMaterialstate off(colorMaterialstate::COLOR_MATERIAL_OFF,
-                           colorMaterialstate::FACE_FRONT_AND_BACK);
-    gl.setColorMaterialState(off);
-    // A unit sphere at half size, lit from the viewer's side (the identity camera looks
-    // along +z, so the viewer sees its z < 0 half).
-    testMeshes::makeSphere(node.getEditMesh(), 16, 24);
-    testMeshes::finishMesh(node.getEditMesh());
-    node.setTransformMatrix(matrix4f::getScale(0.5f, 0.5f, 0.5f));
-    light.enable = true;
-    light.ambient = color(20, 20, 20, 255);
-    light.diffuse = color(110, 110, 110, 255);
-    light.specular = color(0, 0, 0, 255);
-    light.direction = point3f(0.f, 0.f, 1.f);
-    node.connect(&light, false);
+    setUpLitSphere(gl);
     curve.meshes.push_back(&node);
     editor.setTransform(node.getTransformMatrix());
   }
   void TearDown() override {
     editor.getPolylineNode()->disconnect(&light);
-    node.disconnect(&light);
     editor.getPolylineNode()->discard();
-    node.discard();
+    tearDownLitSphere();
     glWindowFixture::TearDown();
   }
   // A ring of control points around the axis, pulled onto the sphere.
@@ -89,8 +76,6 @@ struct polylinePixelFixture : testDisplay::glWindowFixture {
     return n;
   }
 
-  lightstate light;
-  editMeshNode node;
   polylineDescriptor curve;
   polylineControlPointPositionModifier editor;
 };
