@@ -365,8 +365,10 @@ bool splitter::cutFace(unsigned int f, std::vector<std::vector<unsigned int>>& o
   boundaryCycle(f, parts[0]);
   size_t walked = 0;
   std::unordered_map<unsigned int, bool> used;
+  // With no vertex of more than two segments, every walk below is a simple path.
+  for (const auto& at : next)
+    if (at.second.size() > 2) return fail("the curve crosses itself");
   for (const auto& start : next) {
-    if (start.second.size() > 2) return fail("the curve crosses itself");
     if (start.second.size() != 1 || used[start.first]) continue;
     std::vector<unsigned int> chain{start.first};
     unsigned int before = NONE, at = start.first;
