@@ -41,8 +41,8 @@ class splitMeshModifier {
   float maxDistance = -1.f;
 
   // Needs live faces of at least three corners with their edges shared by at most two.
-  // Edges, VE and normals are rebuilt; deleted elements are squeezed out and face ids
-  // change.
+  // Edges, VE and normals are rebuilt; deleted elements are squeezed out, face ids change,
+  // vertices keep their records (colours) and the selection becomes the left side.
   bool exec(editMesh& mesh, const std::vector<MATH::point3<float>>& polyline,
             SYSTEM::callBack* cb = nullptr);
 
