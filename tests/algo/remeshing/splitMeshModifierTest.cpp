@@ -163,6 +163,24 @@ TEST_F(splitFixture, aClosedCurveCutsTheSphereIntoTwoPiecesMeetingAlongIt) {
   EXPECT_NEAR(selectedArea / areaBefore, (1 - 0.4) / 2, 0.01);
 }
 
+TEST_F(splitFixture, aCurrentFaceIndexOfTheMeshGivesTheSameCut) {
+  const std::vector<point3f> curve = circleOnSphere(point3f(0.2f, -0.5f, 1.f), 0.3f, 11);
+  editMesh indexed = sphere;
+  // Ids of the mesh's own index skip a deleted face, which the cut must map back.
+  indexed.deleteFace(0);
+  sphere.deleteFace(0);
+  indexed.computeFABBTree(4);
+  ASSERT_NE(indexed.getFABBTree(), nullptr);
+  splitMeshModifier a, b;
+  ASSERT_TRUE(a.exec(sphere, curve)) << a.getError();
+  ASSERT_TRUE(b.exec(indexed, curve)) << b.getError();
+  ASSERT_EQ(indexed.vn(), sphere.vn());
+  ASSERT_EQ(indexed.fn(), sphere.fn());
+  for (unsigned int v = 0; v < sphere.vn(); ++v) EXPECT_EQ(indexed.vPos(v), sphere.vPos(v));
+  EXPECT_EQ(a.getCutLoop(1), b.getCutLoop(1));
+  EXPECT_EQ(indexed.checkInvariants(), "");
+}
+
 TEST_F(splitFixture, theCurveRunBackwardsSelectsTheOtherSide) {
   std::vector<point3f> curve = circleOnSphere(point3f(0, 0, 1), 0.1f, 9);
   std::reverse(curve.begin(), curve.end());
