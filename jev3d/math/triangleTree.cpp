@@ -75,6 +75,7 @@ void triangleTree::build(const point3<float>* positions, std::size_t positionCou
   }
   std::sort(leaves.begin(), leaves.end(),
             [](const leafRef& a, const leafRef& b) { return a.first < b.first; });
+  INTERNAL::reserveOnHugePages(packets, packetCount);
   packets.resize(packetCount);
   triangleIds.resize(4 * packetCount);
   faceOfTriangle.resize(4 * packetCount);
@@ -111,15 +112,15 @@ void prefetchLeaf(const std::vector<INTERNAL::trianglePacket>& packets, std::uin
 // Calls hitAt(slot, t, u, v) for each triangle of the leaf that the ray meets within tMax.
 template <class HitAt>
 void intersectLeaf(const std::vector<INTERNAL::trianglePacket>& packets, std::uint32_t first,
-                   std::uint32_t count, const point3<float>& origin, const point3<float>& direction,
-                   const float& tMax, HitAt hitAt) {
-  for (std::uint32_t i = 0; i < count; ++i) {
-    const INTERNAL::trianglePacket& packet = packets[first + i / 4];
-    const int lane = int(i % 4);
-    float t, u, v;
-    if (intersectRayTriangle(origin, direction, packet.cornerA(lane), packet.cornerB(lane),
-                             packet.cornerC(lane), tMax, t, u, v)) {
-      hitAt(4 * first + i, t, u, v);
+                   std::uint32_t count, const watertightRay& ray, const float& tMax, HitAt hitAt) {
+  for (std::uint32_t i = 0; i < count; i += 4) {
+    INTERNAL::packetRayHits r;
+    int mask = INTERNAL::intersectPacket(packets[first + i / 4], ray, tMax, r);
+    // Lanes past the leaf's end repeat its last triangle.
+    if (count - i < 4) mask &= (1 << (count - i)) - 1;
+    for (; mask != 0; mask &= mask - 1) {
+      const int lane = __builtin_ctz(unsigned(mask));
+      hitAt(4 * first + i + std::uint32_t(lane), r.t[lane], r.u[lane], r.v[lane]);
     }
   }
 }
@@ -168,6 +169,7 @@ bool triangleTree::firstHit(const point3<float>& origin, const point3<float>& di
     return false;
   }
   const INTERNAL::rayBoxTest boxTest(origin, direction);
+  const watertightRay ray(origin, direction);
   float best = tMax;
   const std::size_t none = triangleIds.size();
   std::size_t bestSlot = none;
@@ -175,7 +177,7 @@ bool triangleTree::firstHit(const point3<float>& origin, const point3<float>& di
   INTERNAL::bvhNearestFirst(
       nodes, best, [&](const bvhNode& n, float* key) { boxTest.entries(n, best, key); },
       [&](std::uint32_t first, std::uint32_t count, float& bound) {
-        intersectLeaf(packets, first, count, origin, direction, bound,
+        intersectLeaf(packets, first, count, ray, bound,
                       [&](std::size_t slot, float t, float u, float v) {
                         if (t < bound || bestSlot == none) {
                           bound = t, bestSlot = slot, bestU = u, bestV = v;
@@ -200,10 +202,11 @@ std::size_t triangleTree::allHits(const point3<float>& origin, const point3<floa
     return 0;
   }
   const INTERNAL::rayBoxTest boxTest(origin, direction);
+  const watertightRay ray(origin, direction);
   INTERNAL::bvhAllWithin(
       nodes, tMax, [&](const bvhNode& n, float* key) { boxTest.entries(n, tMax, key); },
       [&](std::uint32_t first, std::uint32_t count) {
-        intersectLeaf(packets, first, count, origin, direction, tMax,
+        intersectLeaf(packets, first, count, ray, tMax,
                       [&](std::size_t slot, float t, float u, float v) {
                         rayHit h;
                         h.face = faceOfTriangle[slot];

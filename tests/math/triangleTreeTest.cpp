@@ -290,10 +290,18 @@ TEST(triangleTree, axisAlignedRaysFindEveryCellOfAFlatGrid) {
       }
     }
   }
-  // Origins on the boundary planes of the boxes, moving inside the plane of the grid.
+  // Origins on the boundary planes of the boxes, moving inside the plane of the grid: an
+  // inner plane runs along edges that two cells share, and one of them takes the ray.
   rayHit hit;
-  EXPECT_TRUE(tree.firstHit(vec(0.0f, 0.5f, 1.0f), vec(0, 0, -1), unbounded, hit));
-  EXPECT_TRUE(tree.firstHit(vec(float(n), 3.5f, 1.0f), vec(0, 0, -1), unbounded, hit));
+  for (int x = 1; x < n; ++x) {
+    ASSERT_TRUE(tree.firstHit(vec(float(x), 3.5f, 1.0f), vec(0, 0, -1), unbounded, hit)) << x;
+    EXPECT_EQ(hit.t, 1.0f);
+  }
+  // On the outer border an edge has one triangle, which takes the ray on one of two
+  // opposite sides only: the edge rule gives each edge to one side.
+  const bool left = tree.firstHit(vec(0.0f, 0.5f, 1.0f), vec(0, 0, -1), unbounded, hit);
+  const bool right = tree.firstHit(vec(float(n), 0.5f, 1.0f), vec(0, 0, -1), unbounded, hit);
+  EXPECT_NE(left, right);
   EXPECT_FALSE(tree.firstHit(vec(0.5f, 0.5f, 1.0f), vec(0, 0, 1), unbounded, hit));
   EXPECT_FALSE(tree.firstHit(vec(0.5f, 0.5f, 1.0f), vec(0, 0, -1), 0.5f, hit));
 }
