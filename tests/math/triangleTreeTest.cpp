@@ -442,3 +442,41 @@ TEST(triangleTree, realScansMatchBruteForce) {
     }
   }
 }
+
+TEST(triangleTree, largeSoupsBuiltInTwoHalvesMatchBruteForce) {
+  // Big enough that the two halves of the root are built on two threads and spliced.
+  std::mt19937 rng(808);
+  const triangleSoup soup = randomSoup(rng, 50000);
+  triangleTree tree;
+  tree.build(soup.positions.data(), soup.positions.size(), soup.indices.data(),
+             soup.triangleCount());
+  ASSERT_EQ(tree.size(), soup.triangleCount());
+  vec lo, hi;
+  ASSERT_TRUE(tree.bounds(lo, hi));
+  for (const vec& p : soup.positions) {
+    EXPECT_TRUE(lo.x <= p.x && lo.y <= p.y && lo.z <= p.z);
+    EXPECT_TRUE(p.x <= hi.x && p.y <= hi.y && p.z <= hi.z);
+  }
+  std::uniform_real_distribution<float> around(-0.3f, 1.3f);
+  for (int q = 0; q < 150; ++q) {
+    const vec p(around(rng), around(rng), around(rng));
+    expectClosestLikeBruteForce(tree, soup, p, unbounded);
+    const vec d = randomDirection(rng);
+    const std::vector<rayHit> expected = bruteHits(soup, p, d, unbounded);
+    rayHit hit;
+    ASSERT_EQ(tree.firstHit(p, d, unbounded, hit), !expected.empty());
+    if (!expected.empty()) {
+      EXPECT_EQ(hit.t, expected.front().t);
+    }
+  }
+  // Every triangle is reachable: its own centroid finds it at distance 0.
+  for (std::size_t t = 0; t < soup.triangleCount(); t += 97) {
+    const vec centroid =
+        (soup.positions[soup.indices[3 * t]] + soup.positions[soup.indices[3 * t + 1]] +
+         soup.positions[soup.indices[3 * t + 2]]) /
+        3.0f;
+    closestPointHit hit;
+    ASSERT_TRUE(tree.closestPoint(centroid, unbounded, hit));
+    EXPECT_LE(hit.squaredDistance, 1e-12f);
+  }
+}
