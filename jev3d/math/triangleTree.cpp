@@ -25,8 +25,7 @@ triangleTree& triangleTree::operator=(triangleTree&&) noexcept = default;
 void triangleTree::clear() {
   nodes.clear();
   packets.clear();
-  triangleIds.clear();
-  faceOfTriangle.clear();
+  lanes.clear();
   held = 0;
 }
 
@@ -77,8 +76,7 @@ void triangleTree::build(const point3<float>* positions, std::size_t positionCou
             [](const leafRef& a, const leafRef& b) { return a.first < b.first; });
   INTERNAL::reserveOnHugePages(packets, packetCount);
   packets.resize(packetCount);
-  triangleIds.resize(4 * packetCount);
-  faceOfTriangle.resize(4 * packetCount);
+  lanes.resize(4 * packetCount);
   std::uint32_t packet = 0;
   for (const leafRef& leaf : leaves) {
     *leaf.child = packet;
@@ -88,8 +86,7 @@ void triangleTree::build(const point3<float>* positions, std::size_t positionCou
       const unsigned int* corner = indices + 3 * std::size_t(t);
       packets[packet + slot / 4].set(int(slot % 4), positions[corner[0]], positions[corner[1]],
                                      positions[corner[2]]);
-      triangleIds[4 * packet + slot] = t;
-      faceOfTriangle[4 * packet + slot] = faceIds ? faceIds[t] : t;
+      lanes[4 * packet + slot] = {t, faceIds ? faceIds[t] : t};
     }
     packet += slots / 4;
   }
@@ -131,7 +128,7 @@ bool triangleTree::closestPoint(const point3<float>& p, float maxSquaredDistance
                                 closestPointHit& hit) const {
   if (nodes.empty() || !(maxSquaredDistance >= 0.0f) || !INTERNAL::isFinite(p)) return false;
   float best = maxSquaredDistance;
-  const std::size_t none = triangleIds.size();
+  const std::size_t none = lanes.size();
   std::size_t bestSlot = none;
   point3<float> bestPoint;
   float bestU = 0.0f, bestV = 0.0f;
@@ -153,8 +150,8 @@ bool triangleTree::closestPoint(const point3<float>& p, float maxSquaredDistance
       },
       [&](std::uint32_t first, std::uint32_t count) { prefetchLeaf(packets, first, count); });
   if (bestSlot == none) return false;
-  hit.face = faceOfTriangle[bestSlot];
-  hit.triangle = triangleIds[bestSlot];
+  hit.face = lanes[bestSlot].face;
+  hit.triangle = lanes[bestSlot].triangle;
   hit.squaredDistance = best;
   hit.point = bestPoint;
   hit.u = bestU;
@@ -171,7 +168,7 @@ bool triangleTree::firstHit(const point3<float>& origin, const point3<float>& di
   const INTERNAL::rayBoxTest boxTest(origin, direction);
   const watertightRay ray(origin, direction);
   float best = tMax;
-  const std::size_t none = triangleIds.size();
+  const std::size_t none = lanes.size();
   std::size_t bestSlot = none;
   float bestU = 0.0f, bestV = 0.0f;
   INTERNAL::bvhNearestFirst(
@@ -186,8 +183,8 @@ bool triangleTree::firstHit(const point3<float>& origin, const point3<float>& di
       },
       [&](std::uint32_t first, std::uint32_t count) { prefetchLeaf(packets, first, count); });
   if (bestSlot == none) return false;
-  hit.face = faceOfTriangle[bestSlot];
-  hit.triangle = triangleIds[bestSlot];
+  hit.face = lanes[bestSlot].face;
+  hit.triangle = lanes[bestSlot].triangle;
   hit.t = best;
   hit.u = bestU;
   hit.v = bestV;
@@ -209,8 +206,8 @@ std::size_t triangleTree::allHits(const point3<float>& origin, const point3<floa
         intersectLeaf(packets, first, count, ray, tMax,
                       [&](std::size_t slot, float t, float u, float v) {
                         rayHit h;
-                        h.face = faceOfTriangle[slot];
-                        h.triangle = triangleIds[slot];
+                        h.face = lanes[slot].face;
+                        h.triangle = lanes[slot].triangle;
                         h.t = t, h.u = u, h.v = v;
                         hits.push_back(h);
                       });

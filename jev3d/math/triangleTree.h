@@ -76,8 +76,11 @@ class triangleTree {
   std::vector<INTERNAL::bvhNode> nodes;
   // Triangles in leaf order, four to a packet; a leaf starts a packet.
   std::vector<INTERNAL::trianglePacket> packets;
-  std::vector<unsigned int> triangleIds;     // input index of each packet lane
-  std::vector<unsigned int> faceOfTriangle;  // face id of each packet lane
+  // Input index and face id of each packet lane, side by side: a hit reads both.
+  struct laneIds {
+    unsigned int triangle, face;
+  };
+  std::vector<laneIds> lanes;
   std::size_t held = 0;
 };
 
