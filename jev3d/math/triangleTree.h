@@ -63,7 +63,8 @@ class triangleTree {
   bool closestPoint(const point3<float>& p, float maxSquaredDistance, closestPointHit& hit) const;
 
   // First triangle met by origin + t·direction for t in [0, tMax], from either side;
-  // direction need not be unit. False when none is met.
+  // direction need not be unit. False when none is met. The test is watertight: a ray
+  // through an edge or a vertex that triangles share meets exactly one of them there.
   bool firstHit(const point3<float>& origin, const point3<float>& direction, float tMax,
                 rayHit& hit) const;
 

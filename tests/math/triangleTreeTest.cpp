@@ -54,6 +54,13 @@ triangleSoup flatGrid(int n) {
   return grid;
 }
 
+triangleTree treeOf(const triangleSoup& soup, unsigned leafSize = 8) {
+  triangleTree tree;
+  tree.build(soup.positions.data(), soup.positions.size(), soup.indices.data(),
+             soup.triangleCount(), leafSize);
+  return tree;
+}
+
 closestPointHit bruteClosest(const triangleSoup& soup, const vec& p, float bound, bool& found) {
   closestPointHit best;
   best.squaredDistance = bound;
@@ -250,9 +257,7 @@ TEST(triangleTree, firstHitEqualsBruteForceOnRandomSoups) {
 TEST(triangleTree, allHitsEqualBruteForceOnRandomSoups) {
   std::mt19937 rng(4321);
   const triangleSoup soup = randomSoup(rng, 1500);
-  triangleTree tree;
-  tree.build(soup.positions.data(), soup.positions.size(), soup.indices.data(),
-             soup.triangleCount());
+  const triangleTree tree = treeOf(soup);
   std::uniform_real_distribution<float> around(-0.5f, 1.5f);
   std::size_t total = 0;
   std::vector<rayHit> hits;
@@ -447,9 +452,7 @@ TEST(triangleTree, largeSoupsBuiltInTwoHalvesMatchBruteForce) {
   // Big enough that the two halves of the root are built on two threads and spliced.
   std::mt19937 rng(808);
   const triangleSoup soup = randomSoup(rng, 50000);
-  triangleTree tree;
-  tree.build(soup.positions.data(), soup.positions.size(), soup.indices.data(),
-             soup.triangleCount());
+  const triangleTree tree = treeOf(soup);
   ASSERT_EQ(tree.size(), soup.triangleCount());
   vec lo, hi;
   ASSERT_TRUE(tree.bounds(lo, hi));

@@ -35,6 +35,18 @@ void makeSphere(editMesh& m, float r, const p3& c) {
 // Distance of p to the true sphere, negative inside.
 float sphereDistance(const p3& p, float r, const p3& c) { return (p - c).norm() - r; }
 
+// Signed distances of points to b by its normals, with the closest points and faces.
+struct signedMeasure {
+  std::vector<float> d;
+  std::vector<p3> closest;
+  std::vector<unsigned> faces;
+};
+signedMeasure measureSigned(const std::vector<p3>& points, editMeshInterface& b) {
+  signedMeasure m;
+  EXPECT_TRUE(distance::computeSignedDistance(points, &b, true, MAX_T, m.d, m.closest, m.faces));
+  return m;
+}
+
 TEST(distance, signsInsideAndOutsideSphere) {
   editMesh sphere;
   makeSphere(sphere, 1.0f, p3(0, 0, 0));
@@ -51,22 +63,19 @@ TEST(distance, signsInsideAndOutsideSphere) {
     if (std::fabs(radius - 1.f) < 0.02f) continue;
     points.push_back(dir * radius);
   }
-  std::vector<float> d;
-  std::vector<p3> closest;
-  std::vector<unsigned> faces;
-  ASSERT_TRUE(distance::computeSignedDistance(points, &b, true, MAX_T, d, closest, faces));
-  ASSERT_EQ(d.size(), points.size());
+  const signedMeasure m = measureSigned(points, b);
+  ASSERT_EQ(m.d.size(), points.size());
   for (std::size_t i = 0; i < points.size(); ++i) {
     const float expected = sphereDistance(points[i], 1.f, p3(0, 0, 0));
-    EXPECT_EQ(d[i] < 0, expected < 0) << i;
-    EXPECT_NEAR(d[i], expected, 3e-3f) << i;
-    EXPECT_NEAR((closest[i] - points[i]).norm(), std::fabs(d[i]), 1e-5f);
-    EXPECT_LT(faces[i], sphere.fn());
+    EXPECT_EQ(m.d[i] < 0, expected < 0) << i;
+    EXPECT_NEAR(m.d[i], expected, 3e-3f) << i;
+    EXPECT_NEAR((m.closest[i] - points[i]).norm(), std::fabs(m.d[i]), 1e-5f);
+    EXPECT_LT(m.faces[i], sphere.fn());
   }
   // Without normals the same sizes come back unsigned.
   std::vector<float> unsignedD;
   ASSERT_TRUE(distance::computeSignedDistance(points, &b, false, MAX_T, unsignedD));
-  for (std::size_t i = 0; i < points.size(); ++i) EXPECT_FLOAT_EQ(unsignedD[i], std::fabs(d[i]));
+  for (std::size_t i = 0; i < points.size(); ++i) EXPECT_FLOAT_EQ(unsignedD[i], std::fabs(m.d[i]));
 }
 
 TEST(distance, signsInsideAndOutsideCube) {
@@ -241,11 +250,8 @@ TEST(distance, signedDistanceOfAScanWalkEqualsBruteForce) {
                        p3(jitter(rng), jitter(rng), jitter(rng)));
     }
   }
-  std::vector<float> d;
-  std::vector<p3> closest;
-  std::vector<unsigned> faces;
-  ASSERT_TRUE(distance::computeSignedDistance(points, &b, true, MAX_T, d, closest, faces));
-  ASSERT_EQ(d.size(), points.size());
+  const signedMeasure m = measureSigned(points, b);
+  ASSERT_EQ(m.d.size(), points.size());
   for (std::size_t i = 0; i < points.size(); ++i) {
     float best = MAX_T;
     for (unsigned f = 0; f < sb.fn(); ++f) {
@@ -256,11 +262,11 @@ TEST(distance, signedDistanceOfAScanWalkEqualsBruteForce) {
         best = std::min(best, (q - points[i]).squaredNorm());
       }
     }
-    EXPECT_EQ(std::fabs(d[i]), std::sqrt(best)) << i;
-    EXPECT_EQ((closest[i] - points[i]).squaredNorm(), best) << i;
-    ASSERT_LT(faces[i], sb.fn());
+    EXPECT_EQ(std::fabs(m.d[i]), std::sqrt(best)) << i;
+    EXPECT_EQ((m.closest[i] - points[i]).squaredNorm(), best) << i;
+    ASSERT_LT(m.faces[i], sb.fn());
     // Inside the sphere the sign is negative, outside positive.
-    EXPECT_EQ(d[i] < 0.f, points[i].norm() < 1.f) << i;
+    EXPECT_EQ(m.d[i] < 0.f, points[i].norm() < 1.f) << i;
   }
 }
 
