@@ -25,8 +25,7 @@ triangleTree& triangleTree::operator=(triangleTree&&) noexcept = default;
 void triangleTree::clear() {
   nodes.clear();
   packets.clear();
-  triangleIds.clear();
-  faceOfTriangle.clear();
+  lanes.clear();
   held = 0;
 }
 
@@ -75,9 +74,9 @@ void triangleTree::build(const point3<float>* positions, std::size_t positionCou
   }
   std::sort(leaves.begin(), leaves.end(),
             [](const leafRef& a, const leafRef& b) { return a.first < b.first; });
+  INTERNAL::reserveOnHugePages(packets, packetCount);
   packets.resize(packetCount);
-  triangleIds.resize(4 * packetCount);
-  faceOfTriangle.resize(4 * packetCount);
+  lanes.resize(4 * packetCount);
   std::uint32_t packet = 0;
   for (const leafRef& leaf : leaves) {
     *leaf.child = packet;
@@ -87,8 +86,7 @@ void triangleTree::build(const point3<float>* positions, std::size_t positionCou
       const unsigned int* corner = indices + 3 * std::size_t(t);
       packets[packet + slot / 4].set(int(slot % 4), positions[corner[0]], positions[corner[1]],
                                      positions[corner[2]]);
-      triangleIds[4 * packet + slot] = t;
-      faceOfTriangle[4 * packet + slot] = faceIds ? faceIds[t] : t;
+      lanes[4 * packet + slot] = {t, faceIds ? faceIds[t] : t};
     }
     packet += slots / 4;
   }
@@ -111,15 +109,15 @@ void prefetchLeaf(const std::vector<INTERNAL::trianglePacket>& packets, std::uin
 // Calls hitAt(slot, t, u, v) for each triangle of the leaf that the ray meets within tMax.
 template <class HitAt>
 void intersectLeaf(const std::vector<INTERNAL::trianglePacket>& packets, std::uint32_t first,
-                   std::uint32_t count, const point3<float>& origin, const point3<float>& direction,
-                   const float& tMax, HitAt hitAt) {
-  for (std::uint32_t i = 0; i < count; ++i) {
-    const INTERNAL::trianglePacket& packet = packets[first + i / 4];
-    const int lane = int(i % 4);
-    float t, u, v;
-    if (intersectRayTriangle(origin, direction, packet.cornerA(lane), packet.cornerB(lane),
-                             packet.cornerC(lane), tMax, t, u, v)) {
-      hitAt(4 * first + i, t, u, v);
+                   std::uint32_t count, const watertightRay& ray, const float& tMax, HitAt hitAt) {
+  for (std::uint32_t i = 0; i < count; i += 4) {
+    INTERNAL::packetRayHits r;
+    int mask = INTERNAL::intersectPacket(packets[first + i / 4], ray, tMax, r);
+    // Lanes past the leaf's end repeat its last triangle.
+    if (count - i < 4) mask &= (1 << (count - i)) - 1;
+    for (; mask != 0; mask &= mask - 1) {
+      const int lane = __builtin_ctz(unsigned(mask));
+      hitAt(4 * first + i + std::uint32_t(lane), r.t[lane], r.u[lane], r.v[lane]);
     }
   }
 }
@@ -130,7 +128,7 @@ bool triangleTree::closestPoint(const point3<float>& p, float maxSquaredDistance
                                 closestPointHit& hit) const {
   if (nodes.empty() || !(maxSquaredDistance >= 0.0f) || !INTERNAL::isFinite(p)) return false;
   float best = maxSquaredDistance;
-  const std::size_t none = triangleIds.size();
+  const std::size_t none = lanes.size();
   std::size_t bestSlot = none;
   point3<float> bestPoint;
   float bestU = 0.0f, bestV = 0.0f;
@@ -152,8 +150,8 @@ bool triangleTree::closestPoint(const point3<float>& p, float maxSquaredDistance
       },
       [&](std::uint32_t first, std::uint32_t count) { prefetchLeaf(packets, first, count); });
   if (bestSlot == none) return false;
-  hit.face = faceOfTriangle[bestSlot];
-  hit.triangle = triangleIds[bestSlot];
+  hit.face = lanes[bestSlot].face;
+  hit.triangle = lanes[bestSlot].triangle;
   hit.squaredDistance = best;
   hit.point = bestPoint;
   hit.u = bestU;
@@ -168,14 +166,15 @@ bool triangleTree::firstHit(const point3<float>& origin, const point3<float>& di
     return false;
   }
   const INTERNAL::rayBoxTest boxTest(origin, direction);
+  const watertightRay ray(origin, direction);
   float best = tMax;
-  const std::size_t none = triangleIds.size();
+  const std::size_t none = lanes.size();
   std::size_t bestSlot = none;
   float bestU = 0.0f, bestV = 0.0f;
   INTERNAL::bvhNearestFirst(
       nodes, best, [&](const bvhNode& n, float* key) { boxTest.entries(n, best, key); },
       [&](std::uint32_t first, std::uint32_t count, float& bound) {
-        intersectLeaf(packets, first, count, origin, direction, bound,
+        intersectLeaf(packets, first, count, ray, bound,
                       [&](std::size_t slot, float t, float u, float v) {
                         if (t < bound || bestSlot == none) {
                           bound = t, bestSlot = slot, bestU = u, bestV = v;
@@ -184,8 +183,8 @@ bool triangleTree::firstHit(const point3<float>& origin, const point3<float>& di
       },
       [&](std::uint32_t first, std::uint32_t count) { prefetchLeaf(packets, first, count); });
   if (bestSlot == none) return false;
-  hit.face = faceOfTriangle[bestSlot];
-  hit.triangle = triangleIds[bestSlot];
+  hit.face = lanes[bestSlot].face;
+  hit.triangle = lanes[bestSlot].triangle;
   hit.t = best;
   hit.u = bestU;
   hit.v = bestV;
@@ -200,14 +199,15 @@ std::size_t triangleTree::allHits(const point3<float>& origin, const point3<floa
     return 0;
   }
   const INTERNAL::rayBoxTest boxTest(origin, direction);
+  const watertightRay ray(origin, direction);
   INTERNAL::bvhAllWithin(
       nodes, tMax, [&](const bvhNode& n, float* key) { boxTest.entries(n, tMax, key); },
       [&](std::uint32_t first, std::uint32_t count) {
-        intersectLeaf(packets, first, count, origin, direction, tMax,
+        intersectLeaf(packets, first, count, ray, tMax,
                       [&](std::size_t slot, float t, float u, float v) {
                         rayHit h;
-                        h.face = faceOfTriangle[slot];
-                        h.triangle = triangleIds[slot];
+                        h.face = lanes[slot].face;
+                        h.triangle = lanes[slot].triangle;
                         h.t = t, h.u = u, h.v = v;
                         hits.push_back(h);
                       });

@@ -63,7 +63,8 @@ class triangleTree {
   bool closestPoint(const point3<float>& p, float maxSquaredDistance, closestPointHit& hit) const;
 
   // First triangle met by origin + t·direction for t in [0, tMax], from either side;
-  // direction need not be unit. False when none is met.
+  // direction need not be unit. False when none is met. The test is watertight: a ray
+  // through an edge or a vertex that triangles share meets exactly one of them there.
   bool firstHit(const point3<float>& origin, const point3<float>& direction, float tMax,
                 rayHit& hit) const;
 
@@ -76,8 +77,11 @@ class triangleTree {
   std::vector<INTERNAL::bvhNode> nodes;
   // Triangles in leaf order, four to a packet; a leaf starts a packet.
   std::vector<INTERNAL::trianglePacket> packets;
-  std::vector<unsigned int> triangleIds;     // input index of each packet lane
-  std::vector<unsigned int> faceOfTriangle;  // face id of each packet lane
+  // Input index and face id of each packet lane, side by side: a hit reads both.
+  struct laneIds {
+    unsigned int triangle, face;
+  };
+  std::vector<laneIds> lanes;
   std::size_t held = 0;
 };
 

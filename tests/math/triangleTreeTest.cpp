@@ -54,6 +54,13 @@ triangleSoup flatGrid(int n) {
   return grid;
 }
 
+triangleTree treeOf(const triangleSoup& soup, unsigned leafSize = 8) {
+  triangleTree tree;
+  tree.build(soup.positions.data(), soup.positions.size(), soup.indices.data(),
+             soup.triangleCount(), leafSize);
+  return tree;
+}
+
 closestPointHit bruteClosest(const triangleSoup& soup, const vec& p, float bound, bool& found) {
   closestPointHit best;
   best.squaredDistance = bound;
@@ -250,9 +257,7 @@ TEST(triangleTree, firstHitEqualsBruteForceOnRandomSoups) {
 TEST(triangleTree, allHitsEqualBruteForceOnRandomSoups) {
   std::mt19937 rng(4321);
   const triangleSoup soup = randomSoup(rng, 1500);
-  triangleTree tree;
-  tree.build(soup.positions.data(), soup.positions.size(), soup.indices.data(),
-             soup.triangleCount());
+  const triangleTree tree = treeOf(soup);
   std::uniform_real_distribution<float> around(-0.5f, 1.5f);
   std::size_t total = 0;
   std::vector<rayHit> hits;
@@ -290,10 +295,18 @@ TEST(triangleTree, axisAlignedRaysFindEveryCellOfAFlatGrid) {
       }
     }
   }
-  // Origins on the boundary planes of the boxes, moving inside the plane of the grid.
+  // Origins on the boundary planes of the boxes, moving inside the plane of the grid: an
+  // inner plane runs along edges that two cells share, and one of them takes the ray.
   rayHit hit;
-  EXPECT_TRUE(tree.firstHit(vec(0.0f, 0.5f, 1.0f), vec(0, 0, -1), unbounded, hit));
-  EXPECT_TRUE(tree.firstHit(vec(float(n), 3.5f, 1.0f), vec(0, 0, -1), unbounded, hit));
+  for (int x = 1; x < n; ++x) {
+    ASSERT_TRUE(tree.firstHit(vec(float(x), 3.5f, 1.0f), vec(0, 0, -1), unbounded, hit)) << x;
+    EXPECT_EQ(hit.t, 1.0f);
+  }
+  // On the outer border an edge has one triangle, which takes the ray on one of two
+  // opposite sides only: the edge rule gives each edge to one side.
+  const bool left = tree.firstHit(vec(0.0f, 0.5f, 1.0f), vec(0, 0, -1), unbounded, hit);
+  const bool right = tree.firstHit(vec(float(n), 0.5f, 1.0f), vec(0, 0, -1), unbounded, hit);
+  EXPECT_NE(left, right);
   EXPECT_FALSE(tree.firstHit(vec(0.5f, 0.5f, 1.0f), vec(0, 0, 1), unbounded, hit));
   EXPECT_FALSE(tree.firstHit(vec(0.5f, 0.5f, 1.0f), vec(0, 0, -1), 0.5f, hit));
 }
@@ -432,5 +445,41 @@ TEST(triangleTree, realScansMatchBruteForce) {
         EXPECT_EQ(hit.t, expected.front().t);
       }
     }
+  }
+}
+
+TEST(triangleTree, largeSoupsBuiltInTwoHalvesMatchBruteForce) {
+  // Big enough that the two halves of the root are built on two threads and spliced.
+  std::mt19937 rng(808);
+  const triangleSoup soup = randomSoup(rng, 50000);
+  const triangleTree tree = treeOf(soup);
+  ASSERT_EQ(tree.size(), soup.triangleCount());
+  vec lo, hi;
+  ASSERT_TRUE(tree.bounds(lo, hi));
+  for (const vec& p : soup.positions) {
+    EXPECT_TRUE(lo.x <= p.x && lo.y <= p.y && lo.z <= p.z);
+    EXPECT_TRUE(p.x <= hi.x && p.y <= hi.y && p.z <= hi.z);
+  }
+  std::uniform_real_distribution<float> around(-0.3f, 1.3f);
+  for (int q = 0; q < 150; ++q) {
+    const vec p(around(rng), around(rng), around(rng));
+    expectClosestLikeBruteForce(tree, soup, p, unbounded);
+    const vec d = randomDirection(rng);
+    const std::vector<rayHit> expected = bruteHits(soup, p, d, unbounded);
+    rayHit hit;
+    ASSERT_EQ(tree.firstHit(p, d, unbounded, hit), !expected.empty());
+    if (!expected.empty()) {
+      EXPECT_EQ(hit.t, expected.front().t);
+    }
+  }
+  // Every triangle is reachable: its own centroid finds it at distance 0.
+  for (std::size_t t = 0; t < soup.triangleCount(); t += 97) {
+    const vec centroid =
+        (soup.positions[soup.indices[3 * t]] + soup.positions[soup.indices[3 * t + 1]] +
+         soup.positions[soup.indices[3 * t + 2]]) /
+        3.0f;
+    closestPointHit hit;
+    ASSERT_TRUE(tree.closestPoint(centroid, unbounded, hit));
+    EXPECT_LE(hit.squaredDistance, 1e-12f);
   }
 }

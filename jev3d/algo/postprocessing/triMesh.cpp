@@ -388,11 +388,12 @@ bool triMesh::getRayIntersect(const MATH::ray3<float>& ray, unsigned int& face,
   float best = far;
   bool found = false;
   const unsigned int nv = vn();
+  const MATH::watertightRay sheared(ray.origin, ray.direction);
   for (unsigned int f = 0; f < fn(); ++f) {
     if (fV0(f) >= nv || fV1(f) >= nv || fV2(f) >= nv) continue;
     float t, u, v;
-    if (MATH::intersectRayTriangle(ray.origin, ray.direction, vertices[fV0(f)], vertices[fV1(f)],
-                                   vertices[fV2(f)], best, t, u, v) &&
+    if (MATH::intersectRayTriangle(sheared, vertices[fV0(f)], vertices[fV1(f)], vertices[fV2(f)],
+                                   best, t, u, v) &&
         (!found || t < best)) {
       best = t, face = f, found = true;
     }

@@ -2,7 +2,13 @@
 
 #include <algorithm>
 #include <limits>
+#include <system_error>
+#include <thread>
 #include <utility>
+
+#if defined(__linux__)
+#include <sys/mman.h>
+#endif
 
 namespace JEV {
 namespace MATH {
@@ -201,55 +207,108 @@ splitResult medianSplit(std::vector<bvhPrimitive>& prims, std::vector<std::uint3
   return {mid, boundsOf(prims, begin, mid), boundsOf(prims, mid, end)};
 }
 
-void buildBinary(std::vector<bvhPrimitive>& prims, std::vector<std::uint32_t>& ids,
-                 unsigned int leafSize, std::vector<binaryNode>& tree) {
-  tree.reserve(2 * (prims.size() / leafSize) + 4);
+// Splits one task: a leaf when it is small enough, otherwise an inner node whose two
+// children are appended to tree and pushed as tasks, the left on top.
+void splitTask(std::vector<bvhPrimitive>& prims, std::vector<std::uint32_t>& ids,
+               unsigned int leafSize, const buildTask& task, std::vector<binaryNode>& tree,
+               std::vector<buildTask>& tasks) {
+  tree[task.node].bounds = task.range.bounds;
+  const std::uint32_t count = task.end - task.begin;
+  if (count <= leafSize) {
+    tree[task.node].index = task.begin;
+    tree[task.node].count = count;
+    return;
+  }
+
+  const box4& c = task.range.centroids;
+  int axis = 0;
+  for (int k = 1; k < 3; ++k) {
+    if (c.hi[k] - c.lo[k] > c.hi[axis] - c.lo[axis]) axis = k;
+  }
+  const float extent = c.hi[axis] - c.lo[axis];
+  // Equal centroids (all points equal, stacked faces) still split, in index order; an
+  // overflowing extent is left to the median split too.
+  const bool hasExtent = extent > 0.0f && extent <= huge;
+  splitResult split{task.begin, {}, {}};
+  if (hasExtent && task.depth < medianOnlyDepth) {
+    split = sahSplit(prims, ids, task.begin, task.end, axis, c.lo[axis], extent);
+  }
+  if (split.mid == task.begin || split.mid == task.end) {
+    split = medianSplit(prims, ids, task.begin, task.end, axis, hasExtent);
+  }
+
+  const std::uint32_t left = std::uint32_t(tree.size());
+  tree.resize(left + 2);
+  tree[task.node].index = left;
+  tree[task.node].count = 0;
+  // Right first, so that the left subtree is built next.
+  tasks.push_back({left + 1, split.mid, task.end, task.depth + 1, split.right});
+  tasks.push_back({left, task.begin, split.mid, task.depth + 1, split.left});
+}
+
+// Builds the subtree of root into tree, the root at tree[0]. It only touches the
+// primitives of its own range.
+void buildSubtree(std::vector<bvhPrimitive>& prims, std::vector<std::uint32_t>& ids,
+                  unsigned int leafSize, buildTask root, std::vector<binaryNode>& tree) {
+  tree.reserve(2 * ((root.end - root.begin) / leafSize) + 4);
   tree.resize(1);
   std::vector<buildTask> tasks;
   tasks.reserve(2 * bvhMaxDepth);
-  tasks.push_back({0, 0, std::uint32_t(prims.size()), 0, boundsOf(prims, 0, prims.size())});
+  root.node = 0;
+  tasks.push_back(root);
   while (!tasks.empty()) {
     const buildTask task = tasks.back();
     tasks.pop_back();
-    tree[task.node].bounds = task.range.bounds;
-    const std::uint32_t count = task.end - task.begin;
-    if (count <= leafSize) {
-      tree[task.node].index = task.begin;
-      tree[task.node].count = count;
-      continue;
-    }
-
-    const box4& c = task.range.centroids;
-    int axis = 0;
-    for (int k = 1; k < 3; ++k) {
-      if (c.hi[k] - c.lo[k] > c.hi[axis] - c.lo[axis]) axis = k;
-    }
-    const float extent = c.hi[axis] - c.lo[axis];
-    // Equal centroids (all points equal, stacked faces) still split, in index order; an
-    // overflowing extent is left to the median split too.
-    const bool hasExtent = extent > 0.0f && extent <= huge;
-    splitResult split{task.begin, {}, {}};
-    if (hasExtent && task.depth < medianOnlyDepth) {
-      split = sahSplit(prims, ids, task.begin, task.end, axis, c.lo[axis], extent);
-    }
-    if (split.mid == task.begin || split.mid == task.end) {
-      split = medianSplit(prims, ids, task.begin, task.end, axis, hasExtent);
-    }
-
-    const std::uint32_t left = std::uint32_t(tree.size());
-    tree.resize(left + 2);
-    tree[task.node].index = left;
-    tree[task.node].count = 0;
-    // Right first, so that the left subtree is built next.
-    tasks.push_back({left + 1, split.mid, task.end, task.depth + 1, split.right});
-    tasks.push_back({left, task.begin, split.mid, task.depth + 1, split.left});
+    splitTask(prims, ids, leafSize, task, tree, tasks);
   }
+}
+
+// Below this many primitives a second thread costs more than it saves.
+constexpr std::size_t parallelBuildSize = 32768;
+
+void buildBinary(std::vector<bvhPrimitive>& prims, std::vector<std::uint32_t>& ids,
+                 unsigned int leafSize, std::vector<binaryNode>& tree) {
+  const buildTask root{0, 0, std::uint32_t(prims.size()), 0, boundsOf(prims, 0, prims.size())};
+  if (prims.size() < parallelBuildSize || std::thread::hardware_concurrency() < 2) {
+    buildSubtree(prims, ids, leafSize, root, tree);
+    return;
+  }
+  // The two halves of the root own disjoint ranges: one is built on a second thread.
+  tree.resize(1);
+  std::vector<buildTask> halves;
+  splitTask(prims, ids, leafSize, root, tree, halves);
+  std::vector<binaryNode> left, right;
+  auto buildRight = [&] { buildSubtree(prims, ids, leafSize, halves[0], right); };
+  std::thread worker;
+  try {
+    worker = std::thread(buildRight);
+  } catch (const std::system_error&) {
+    buildRight();  // no thread to be had: the same work, in turn
+  }
+  buildSubtree(prims, ids, leafSize, halves[1], left);
+  if (worker.joinable()) worker.join();
+
+  // Root, the two half roots, then the rest of each half: local node j of the left half
+  // lands at j + 2, of the right half at j + left.size() + 1, children staying adjacent.
+  const std::uint32_t leftShift = 2, rightShift = std::uint32_t(left.size()) + 1;
+  tree.resize(3 + (left.size() - 1) + (right.size() - 1));
+  const auto place = [&](const binaryNode& n, std::uint32_t shift) {
+    binaryNode moved = n;
+    if (moved.count == 0) moved.index += shift;
+    return moved;
+  };
+  tree[1] = place(left[0], leftShift);
+  tree[2] = place(right[0], rightShift);
+  for (std::size_t j = 1; j < left.size(); ++j) tree[j + leftShift] = place(left[j], leftShift);
+  for (std::size_t j = 1; j < right.size(); ++j) tree[j + rightShift] = place(right[j], rightShift);
 }
 
 // Collapses the binary tree: each 4-wide node takes the children of a binary node and
 // keeps opening the largest inner one until it holds four.
 void collapse(const std::vector<binaryNode>& tree, std::vector<bvhNode>& nodes) {
-  nodes.reserve(tree.size() / 3 + 1);
+  // Every inner node of the wide tree stands for at least one inner binary node; the room
+  // is reserved whole so that the advice covers it.
+  reserveOnHugePages(nodes, tree.size() / 2 + 1);
   nodes.resize(1);
   std::vector<std::pair<std::uint32_t, std::uint32_t>> pending;  // binary node, wide node
   pending.push_back({0, 0});
@@ -298,6 +357,18 @@ void collapse(const std::vector<binaryNode>& tree, std::vector<bvhNode>& nodes) 
 }
 
 }  // namespace
+
+void adviseHugePages(const void* data, std::size_t bytes) {
+#if defined(__linux__)
+  constexpr std::uintptr_t huge = std::uintptr_t(2) << 20;
+  const std::uintptr_t begin = (reinterpret_cast<std::uintptr_t>(data) + huge - 1) & ~(huge - 1);
+  const std::uintptr_t end = (reinterpret_cast<std::uintptr_t>(data) + bytes) & ~(huge - 1);
+  // Only advice: a system without huge pages refuses it and nothing changes.
+  if (end > begin) madvise(reinterpret_cast<void*>(begin), end - begin, MADV_HUGEPAGE);
+#else
+  (void)data, (void)bytes;
+#endif
+}
 
 void buildBvh(std::vector<bvhPrimitive>& prims, std::vector<std::uint32_t>& ids,
               unsigned int leafSize, std::vector<bvhNode>& nodes) {

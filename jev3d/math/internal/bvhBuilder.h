@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <vector>
 
@@ -32,6 +33,18 @@ constexpr unsigned int bvhMaxDepth = 64;
 
 // Largest leaf the builder makes, whatever it is asked: bigger leaves only slow queries.
 constexpr unsigned int bvhMaxLeafSize = 16;
+
+// Asks the system to back the whole pages of [data, data + bytes) with huge pages when it
+// first touches them. Queries jump about arrays of tens of megabytes, and with 4 KB pages
+// nearly every step would also miss the address cache.
+void adviseHugePages(const void* data, std::size_t bytes);
+
+// Reserves room for n elements, advised for huge pages before anything touches it.
+template <class T>
+void reserveOnHugePages(std::vector<T>& v, std::size_t n) {
+  v.reserve(n);
+  adviseHugePages(v.data(), v.capacity() * sizeof(T));
+}
 
 // Builds a hierarchy over the primitives with at most leafSize primitives in a leaf, by a
 // binned surface area heuristic on the centroids. The primitives and their ids (one per

@@ -80,18 +80,21 @@ class rayBoxTest {
   }
 
   // Entry distances of the ray into the four boxes for t in [0, tMax]; +inf where it
-  // misses. Enlarging the exit a little keeps rounding from missing a box that a triangle
-  // inside it touches. A zero direction component gives infinities, or NaN when the origin
-  // lies on a face of the box: the minimum and maximum below let NaN impose nothing.
+  // misses. Moving the entry a little closer and the exit a little farther keeps rounding
+  // from missing or postponing a box that a triangle inside it touches, as grazing rays do. A zero
+  // direction component gives infinities, or NaN when the origin lies on a face of the box: the
+  // minimum and maximum below let NaN impose nothing.
   void entries(const bvhNode& n, float tMax, float* tEntry) const {
     constexpr float exitScale = 1.0f + 6.0f * std::numeric_limits<float>::epsilon();
+    constexpr float entryScale = 1.0f - 6.0f * std::numeric_limits<float>::epsilon();
 #if defined(__SSE2__)
     __m128 t0 = _mm_setzero_ps(), t1 = _mm_set1_ps(tMax);
     for (int k = 0; k < 3; ++k) {
       const __m128 origin = _mm_set1_ps(o[k]), scale = _mm_set1_ps(inv[k]);
       const __m128 nearSide = _mm_load_ps(nearHi[k] ? n.hi[k] : n.lo[k]);
       const __m128 farSide = _mm_load_ps(nearHi[k] ? n.lo[k] : n.hi[k]);
-      const __m128 tn = _mm_mul_ps(_mm_sub_ps(nearSide, origin), scale);
+      const __m128 tn =
+          _mm_mul_ps(_mm_mul_ps(_mm_sub_ps(nearSide, origin), scale), _mm_set1_ps(entryScale));
       const __m128 tf =
           _mm_mul_ps(_mm_mul_ps(_mm_sub_ps(farSide, origin), scale), _mm_set1_ps(exitScale));
       // The second operand is returned when either is NaN.
@@ -105,7 +108,7 @@ class rayBoxTest {
     for (int c = 0; c < 4; ++c) {
       float t0 = 0.0f, t1 = tMax;
       for (int k = 0; k < 3; ++k) {
-        const float tn = ((nearHi[k] ? n.hi[k][c] : n.lo[k][c]) - o[k]) * inv[k];
+        const float tn = ((nearHi[k] ? n.hi[k][c] : n.lo[k][c]) - o[k]) * inv[k] * entryScale;
         const float tf = ((nearHi[k] ? n.lo[k][c] : n.hi[k][c]) - o[k]) * inv[k] * exitScale;
         t0 = tn > t0 ? tn : t0;
         t1 = tf < t1 ? tf : t1;

@@ -8,6 +8,7 @@
 
 #include "jev3d/algo/postprocessing/triMesh.h"
 #include "jev3d/math/mathBase.h"
+#include "jev3d/math/triangleQueries.h"
 #include "jev3d/math/triangleTree.h"
 #include "jev3d/mesh/editMeshInterface.h"
 #include "support/dataFiles.h"
@@ -34,6 +35,18 @@ void makeSphere(editMesh& m, float r, const p3& c) {
 // Distance of p to the true sphere, negative inside.
 float sphereDistance(const p3& p, float r, const p3& c) { return (p - c).norm() - r; }
 
+// Signed distances of points to b by its normals, with the closest points and faces.
+struct signedMeasure {
+  std::vector<float> d;
+  std::vector<p3> closest;
+  std::vector<unsigned> faces;
+};
+signedMeasure measureSigned(const std::vector<p3>& points, editMeshInterface& b) {
+  signedMeasure m;
+  EXPECT_TRUE(distance::computeSignedDistance(points, &b, true, MAX_T, m.d, m.closest, m.faces));
+  return m;
+}
+
 TEST(distance, signsInsideAndOutsideSphere) {
   editMesh sphere;
   makeSphere(sphere, 1.0f, p3(0, 0, 0));
@@ -50,22 +63,19 @@ TEST(distance, signsInsideAndOutsideSphere) {
     if (std::fabs(radius - 1.f) < 0.02f) continue;
     points.push_back(dir * radius);
   }
-  std::vector<float> d;
-  std::vector<p3> closest;
-  std::vector<unsigned> faces;
-  ASSERT_TRUE(distance::computeSignedDistance(points, &b, true, MAX_T, d, closest, faces));
-  ASSERT_EQ(d.size(), points.size());
+  const signedMeasure m = measureSigned(points, b);
+  ASSERT_EQ(m.d.size(), points.size());
   for (std::size_t i = 0; i < points.size(); ++i) {
     const float expected = sphereDistance(points[i], 1.f, p3(0, 0, 0));
-    EXPECT_EQ(d[i] < 0, expected < 0) << i;
-    EXPECT_NEAR(d[i], expected, 3e-3f) << i;
-    EXPECT_NEAR((closest[i] - points[i]).norm(), std::fabs(d[i]), 1e-5f);
-    EXPECT_LT(faces[i], sphere.fn());
+    EXPECT_EQ(m.d[i] < 0, expected < 0) << i;
+    EXPECT_NEAR(m.d[i], expected, 3e-3f) << i;
+    EXPECT_NEAR((m.closest[i] - points[i]).norm(), std::fabs(m.d[i]), 1e-5f);
+    EXPECT_LT(m.faces[i], sphere.fn());
   }
   // Without normals the same sizes come back unsigned.
   std::vector<float> unsignedD;
   ASSERT_TRUE(distance::computeSignedDistance(points, &b, false, MAX_T, unsignedD));
-  for (std::size_t i = 0; i < points.size(); ++i) EXPECT_FLOAT_EQ(unsignedD[i], std::fabs(d[i]));
+  for (std::size_t i = 0; i < points.size(); ++i) EXPECT_FLOAT_EQ(unsignedD[i], std::fabs(m.d[i]));
 }
 
 TEST(distance, signsInsideAndOutsideCube) {
@@ -216,6 +226,47 @@ TEST(distance, walkingSearchEqualsFreshSearch) {
     JEV::MATH::closestPointHit hit;
     ASSERT_TRUE(tree.closestPoint(points[i], MAX_T, hit));
     EXPECT_FLOAT_EQ(d[i], std::sqrt(hit.squaredDistance)) << i;
+  }
+}
+
+TEST(distance, signedDistanceOfAScanWalkEqualsBruteForce) {
+  // Points in scan order on a surface offset from b, inside and outside, as a second scan
+  // of the same object gives them: each query starts from the triangle found last.
+  editMesh sb;
+  testMeshes::makeSphere(sb, 20, 40);
+  testMeshes::finishMesh(sb);
+  editMeshInterface b(sb);
+  std::mt19937 rng(17);
+  std::uniform_real_distribution<float> jitter(-0.01f, 0.01f);
+  std::vector<p3> points;
+  for (int i = 0; i < 60; ++i) {
+    for (int j = 0; j < 80; ++j) {
+      const float polar = 3.14159265f * (float(i) + 0.5f) / 60.f,
+                  around = 6.2831853f * float(j) / 80.f;
+      const float radius = (i / 10) % 2 == 0 ? 1.04f : 0.95f;
+      points.push_back(p3(std::sin(polar) * std::cos(around), std::sin(polar) * std::sin(around),
+                          std::cos(polar)) *
+                           radius +
+                       p3(jitter(rng), jitter(rng), jitter(rng)));
+    }
+  }
+  const signedMeasure m = measureSigned(points, b);
+  ASSERT_EQ(m.d.size(), points.size());
+  for (std::size_t i = 0; i < points.size(); ++i) {
+    float best = MAX_T;
+    for (unsigned f = 0; f < sb.fn(); ++f) {
+      for (unsigned k = 1; k + 1 < sb.fVNum(f); ++k) {
+        float u, v;
+        const p3 q = JEV::MATH::closestPointOnTriangle(
+            points[i], sb.vPos(sb.fV(f, 0)), sb.vPos(sb.fV(f, k)), sb.vPos(sb.fV(f, k + 1)), u, v);
+        best = std::min(best, (q - points[i]).squaredNorm());
+      }
+    }
+    EXPECT_EQ(std::fabs(m.d[i]), std::sqrt(best)) << i;
+    EXPECT_EQ((m.closest[i] - points[i]).squaredNorm(), best) << i;
+    ASSERT_LT(m.faces[i], sb.fn());
+    // Inside the sphere the sign is negative, outside positive.
+    EXPECT_EQ(m.d[i] < 0.f, points[i].norm() < 1.f) << i;
   }
 }
 

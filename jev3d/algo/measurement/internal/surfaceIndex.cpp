@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "jev3d/math/mathBase.h"
+#include "jev3d/math/triangleQueries.h"
 
 #include "jev3d/mesh/meshInterface.h"
 
@@ -30,7 +31,7 @@ void surfaceIndex::build(const meshInterface& mesh) {
     }
   }
   // Positions are read through the interface: copy them out once for the tree.
-  std::vector<MATH::point3<float>> positions(vn);
+  positions.resize(vn);
   for (unsigned int v = 0; v < vn; ++v) positions[v] = mesh.vPos(v);
   tree.build(positions.data(), positions.size(), corners.data(), faces.size(), 8, faces.data());
 }
@@ -58,16 +59,20 @@ closestWalker::closestWalker(const surfaceIndex& idx, float maxDistance)
 
 bool closestWalker::find(const MATH::point3<float>& p, MATH::closestPointHit& hit) {
   if (hasLast) {
-    // The last point found lies on the surface, so the closest one is no farther; the
-    // margin covers rounding, and a miss falls back to the full reach.
-    const float bound = (p - last).squaredNorm() * 1.0001f + 1e-30f;
-    if (bound < maxSquared && index.tree.closestPoint(p, bound, hit)) {
-      last = hit.point;
+    // The triangle found last is in the tree at exactly this distance, computed the same
+    // way, so the bounded search finds it or something closer.
+    const unsigned int* c = &index.corners[3 * std::size_t(lastTriangle)];
+    float u, v;
+    const MATH::point3<float> q = MATH::closestPointOnTriangle(
+        p, index.positions[c[0]], index.positions[c[1]], index.positions[c[2]], u, v);
+    const float bound = (p - q).squaredNorm();
+    if (bound <= maxSquared && index.tree.closestPoint(p, bound, hit)) {
+      last = hit.point, lastTriangle = hit.triangle;
       return true;
     }
   }
   if (!index.tree.closestPoint(p, maxSquared, hit)) return false;
-  last = hit.point;
+  last = hit.point, lastTriangle = hit.triangle;
   hasLast = true;
   return true;
 }
@@ -77,7 +82,7 @@ bool closestWalker::within(const MATH::point3<float>& p, float reach) {
   if (hasLast && (p - last).squaredNorm() <= reachSquared) return true;
   MATH::closestPointHit hit;
   if (!index.tree.closestPoint(p, std::min(reachSquared, maxSquared), hit)) return false;
-  last = hit.point;
+  last = hit.point, lastTriangle = hit.triangle;
   hasLast = true;
   return true;
 }

@@ -19,16 +19,18 @@ struct surfaceIndex {
   void build(const meshInterface& mesh);
 
   MATH::triangleTree tree;
-  std::vector<unsigned int> corners;  // three vertex ids per triangle
-  std::vector<unsigned int> faces;    // face id per triangle
+  std::vector<MATH::point3<float>> positions;  // of every vertex, as the tree was built
+  std::vector<unsigned int> corners;           // three vertex ids per triangle
+  std::vector<unsigned int> faces;             // face id per triangle
 };
 
 // Box of the live vertices of a mesh; false when it has none.
 bool liveBox(const meshInterface& mesh, MATH::point3<float>& lo, MATH::point3<float>& hi);
 
-// Walks points in order and finds each one's closest point on an index. The last point
-// found bounds the next search (the surface lies no farther than that point), which keeps
-// the search to a few leaves on points that follow each other along a surface.
+// Walks points in order and finds each one's closest point on an index. The triangle
+// found last bounds the next search (the surface lies no farther than that triangle),
+// which keeps the search to a few leaves on points that follow each other along a
+// surface.
 class closestWalker {
  public:
   closestWalker(const surfaceIndex& index, float maxDistance);
@@ -43,7 +45,8 @@ class closestWalker {
   const surfaceIndex& index;
   float maxSquared;
   bool hasLast = false;
-  MATH::point3<float> last;
+  MATH::point3<float> last;       // the closest point found last
+  unsigned int lastTriangle = 0;  // and its triangle
 };
 
 }  // namespace INTERNAL
