@@ -8,6 +8,7 @@
 #include <limits>
 #include <ostream>
 
+#include "jev3d/math/triangleQueries.h"
 #include "jev3d/math/triangleTree.h"
 #include "jev3d/system/callBack.h"
 
@@ -22,7 +23,7 @@ namespace {
 using p3 = MATH::point3<float>;
 constexpr unsigned int NONE = surfaceTracker::NONE;
 constexpr unsigned int MAX_SPLIT_PASSES = 8;
-constexpr unsigned int MAX_COLLAPSE_PASSES = 4;
+constexpr unsigned int MAX_COLLAPSE_PASSES = 2;
 constexpr unsigned int FLIP_PASSES = 2;
 // During the rounds a collapse may make edges up to this much above the longest
 // allowed: the rounds then settle near the middle of the allowed lengths, not at their
@@ -57,6 +58,13 @@ struct surfaceTracker::state {
   std::vector<unsigned char> fixed;  // per vertex: never moves nor goes away
   std::vector<unsigned char> fresh;  // per vertex: made by a split this round
   MATH::triangleTree input;
+  std::vector<p3> inputPos;
+  std::vector<unsigned int> inputTri;
+  // Per vertex, the input triangle it was last projected onto (NONE before): its
+  // distance bounds the next search, which then prunes nearly all of the tree.
+  std::vector<unsigned int> hint;
+  // Per vertex: its ring changed in the last collapse pass.
+  std::vector<unsigned char> touched;
 
   // Adjacency of the live faces, rebuilt by buildTopology.
   std::vector<edgeRec> edges;
@@ -65,8 +73,9 @@ struct surfaceTracker::state {
   std::vector<unsigned char> border, feature;  // per vertex
   std::vector<unsigned char> featureEdge;      // per edge
   std::vector<unsigned int> valence;
-  std::vector<unsigned int> mark;  // per vertex scratch
-  std::vector<unsigned int> fill;  // scratch of buildTopology
+  std::vector<unsigned int> mark;                 // per vertex scratch
+  std::vector<unsigned int> fill;                 // scratch of buildTopology
+  std::vector<unsigned int> sideOwner, sideEdge;  // scratch of buildTopology
   unsigned int markValue = 0;
 
   unsigned int fn() const { return unsigned(dead.size()); }
@@ -88,7 +97,7 @@ struct surfaceTracker::state {
     return areaVector(pos[V(f, 0)], pos[V(f, 1)], pos[V(f, 2)]);
   }
   bool splitLongEdges();
-  unsigned int collapseShortEdges(float reach);
+  unsigned int collapseShortEdges(float reach, bool onlyNearChanges, unsigned int& candidates);
   unsigned int flipEdges(bool forLength);
   bool collapseAllowed(const edgeRec& e, unsigned int keep, unsigned int gone, const p3& p,
                        float reach);
@@ -118,6 +127,10 @@ surfaceTracker::surfaceTracker(const std::vector<p3>& positions,
   }
   s->dead.assign(s->tri.size() / 3, 0);
   s->input.build(positions.data(), positions.size(), s->tri.data(), s->tri.size() / 3);
+  s->inputPos = positions;
+  s->inputTri = s->tri;
+  s->hint.assign(n, NONE);
+  for (size_t k = 0; k < s->tri.size(); ++k) s->hint[s->tri[k]] = unsigned(k / 3);
 }
 
 surfaceTracker::~surfaceTracker() = default;
@@ -139,14 +152,15 @@ void surfaceTracker::state::buildTopology() {
       for (unsigned int k = 0; k < 3; ++k) vfList[fill[V(f, k)]++] = f;
 
   edges.clear();
+  edges.reserve(size_t(nf) * 3 / 2 + 16);
   faceEdge.assign(size_t(nf) * 3, NONE);
   border.assign(nv, 0);
   valence.assign(nv, 0);
-  // Each side is taken from its smaller end: the sides there to larger neighbours are
-  // matched in a short list of the neighbours seen so far.
-  std::vector<std::pair<unsigned int, unsigned int>> seen;  // neighbour, edge
+  // Each side is taken from its smaller end: the sides there to larger neighbours w are
+  // matched through sideOwner[w] (v + 1 while v's sides are read) and sideEdge[w].
+  sideOwner.assign(nv, 0);
+  sideEdge.resize(nv);
   for (unsigned int v = 0; v < nv; ++v) {
-    seen.clear();
     for (unsigned int i = vfStart[v]; i < vfStart[v + 1]; ++i) {
       const unsigned int f = vfList[i];
       const unsigned int c = V(f, 0) == v ? 0u : (V(f, 1) == v ? 1u : 2u);
@@ -154,22 +168,19 @@ void surfaceTracker::state::buildTopology() {
       for (unsigned int k : {c, (c + 2) % 3}) {
         const unsigned int w = k == c ? V(f, (c + 1) % 3) : V(f, k);
         if (w < v) continue;
-        auto it = std::find_if(
-            seen.begin(), seen.end(),
-            [w](const std::pair<unsigned int, unsigned int>& x) { return x.first == w; });
-        if (it == seen.end()) {
+        if (sideOwner[w] != v + 1) {
           edgeRec e;
           e.a = V(f, k), e.b = V(f, (k + 1) % 3);
           e.f[0] = f, e.k[0] = static_cast<unsigned char>(k);
           e.f[1] = NONE, e.k[1] = 0;
           e.faces = 1;
-          seen.emplace_back(w, unsigned(edges.size()));
+          sideOwner[w] = v + 1, sideEdge[w] = unsigned(edges.size());
           faceEdge[3 * f + k] = unsigned(edges.size());
           edges.push_back(e);
           continue;
         }
-        edgeRec& e = edges[it->second];
-        faceEdge[3 * f + k] = it->second;
+        edgeRec& e = edges[sideEdge[w]];
+        faceEdge[3 * f + k] = sideEdge[w];
         if (e.faces == 1) e.f[1] = f, e.k[1] = static_cast<unsigned char>(k);
         if (e.faces < 3) ++e.faces;
       }
@@ -220,6 +231,7 @@ bool surfaceTracker::state::splitLongEdges() {
     mid[e] = unsigned(pos.size());
     pos.push_back((pos[r.a] + pos[r.b]) * 0.5f);
     origin.push_back(NONE);
+    hint.push_back(hint[r.a]);
     fixed.push_back(0);
     fresh.push_back(1);
     any = true;
@@ -304,15 +316,23 @@ bool surfaceTracker::state::collapseAllowed(const edgeRec& e, unsigned int keep,
 // rewrites the faces at once, so the faces around the ends of the next one, read from
 // the lists of the last rebuild, are current; an end of a collapse is not an end again
 // before the rebuild, whose lists it would miss. A fixed end stays, a border end stays
-// against an inner one, otherwise the ends meet at the midpoint.
-unsigned int surfaceTracker::state::collapseShortEdges(float reach) {
+// against an inner one, otherwise the ends meet at the midpoint. onlyNearChanges takes
+// only edges with an end whose ring the last pass changed: the checks of a collapse read
+// nothing beyond the rings of its ends, so every other edge would be refused again.
+unsigned int surfaceTracker::state::collapseShortEdges(float reach, bool onlyNearChanges,
+                                                       unsigned int& candidates) {
   const float limit = params.minEdgeLength * params.minEdgeLength;
+  std::vector<unsigned char> near;
+  if (onlyNearChanges) near.swap(touched);
+  touched.assign(pos.size(), 0);
   // Shortest first, near enough: a counting sort into buckets of squared length.
   constexpr unsigned int BUCKETS = 32;
   std::vector<unsigned int> bucketOf(edges.size(), BUCKETS), start(BUCKETS + 1, 0);
   for (unsigned int e = 0; e < edges.size(); ++e) {
-    const float l = (pos[edges[e].a] - pos[edges[e].b]).squaredNorm();
-    if (edges[e].faces > 2 || !(l < limit)) continue;
+    const edgeRec& r = edges[e];
+    if (onlyNearChanges && !near[r.a] && !near[r.b]) continue;
+    const float l = (pos[r.a] - pos[r.b]).squaredNorm();
+    if (r.faces > 2 || !(l < limit)) continue;
     bucketOf[e] = std::min(BUCKETS - 1, unsigned(float(BUCKETS) * l / limit));
     ++start[bucketOf[e] + 1];
   }
@@ -320,16 +340,7 @@ unsigned int surfaceTracker::state::collapseShortEdges(float reach) {
   std::vector<unsigned int> order(start[BUCKETS]);
   for (unsigned int e = 0; e < edges.size(); ++e)
     if (bucketOf[e] < BUCKETS) order[start[bucketOf[e]]++] = e;
-  // The longest edge at each vertex gives a quick refusal: a neighbour w of a with
-  // |a - w| = longest[a] is at least longest[a] - |p - a| from p. Moves during the pass
-  // can only make this refuse a collapse the full test would take, never the reverse:
-  // the full test still decides every collapse made.
-  std::vector<float> longest(pos.size(), 0.f);
-  for (const edgeRec& r : edges) {
-    const float l = (pos[r.a] - pos[r.b]).norm();
-    longest[r.a] = std::max(longest[r.a], l), longest[r.b] = std::max(longest[r.b], l);
-  }
-  const float reachLength = reach * params.maxEdgeLength;
+  candidates = start[BUCKETS];
   std::vector<unsigned char> taken(pos.size(), 0);
   unsigned int done = 0;
   for (unsigned int e : order) {
@@ -341,9 +352,6 @@ unsigned int surfaceTracker::state::collapseShortEdges(float reach) {
     if (r.faces == 2 && border[r.a] && border[r.b]) continue;  // would pinch the surface
     const unsigned int keep = lockB ? r.b : r.a, gone = keep == r.a ? r.b : r.a;
     const p3 p = lockA || lockB ? pos[keep] : (pos[r.a] + pos[r.b]) * 0.5f;
-    if (longest[r.a] - (p - pos[r.a]).norm() > reachLength ||
-        longest[r.b] - (p - pos[r.b]).norm() > reachLength)
-      continue;
     if (!collapseAllowed(r, keep, gone, p, reach)) continue;
     taken[keep] = taken[gone] = 1;
     for (unsigned int i = vfStart[gone]; i < vfStart[gone + 1]; ++i) {
@@ -358,6 +366,10 @@ unsigned int surfaceTracker::state::collapseShortEdges(float reach) {
     }
     pos[keep] = p;
     fresh[keep] = fresh[keep] && fresh[gone];
+    for (unsigned int end : {keep, gone})
+      for (unsigned int i = vfStart[end]; i < vfStart[end + 1]; ++i)
+        if (!dead[vfList[i]])
+          for (unsigned int k = 0; k < 3; ++k) touched[V(vfList[i], k)] = 1;
     ++done;
   }
   if (!done) return 0;
@@ -469,10 +481,20 @@ void surfaceTracker::state::relaxAndProject(bool relax) {
     const p3 move = relax ? centre * (1.f / area) - pos[v] : p3();
     const p3 target = pos[v] + move - normal * (normal * move);
     MATH::closestPointHit hit;
-    // The surface is near: a bounded search prunes most of the tree.
-    const float reach = params.maxEdgeLength * params.maxEdgeLength;
+    // The surface is near: a bounded search prunes most of the tree. The last triangle
+    // projected onto bounds it best (widened by a little for the rounding of the tree's
+    // own arithmetic); failing that, the longest edge allowed.
+    float reach = params.maxEdgeLength * params.maxEdgeLength;
+    if (hint[v] != NONE) {
+      const unsigned int* c = &inputTri[3 * size_t(hint[v])];
+      float u, w;
+      const p3 q = MATH::closestPointOnTriangle(target, inputPos[c[0]], inputPos[c[1]],
+                                                inputPos[c[2]], u, w);
+      reach = (target - q).squaredNorm() * 1.0001f + std::numeric_limits<float>::min();
+    }
     const bool projected = input.closestPoint(target, reach, hit) ||
                            input.closestPoint(target, std::numeric_limits<float>::max(), hit);
+    if (projected) hint[v] = hit.triangle;
     const p3 old = pos[v];
     auto folds = [&]() {
       for (unsigned int i = vfStart[v]; i < vfStart[v + 1]; ++i) {
@@ -490,12 +512,13 @@ void surfaceTracker::state::relaxAndProject(bool relax) {
   }
 }
 
-// Collapse passes until one does little: what is left is mostly refused.
+// Collapse passes until one takes few of its candidates: what is left is mostly refused.
 void surfaceTracker::state::collapsePasses(float reach) {
   for (unsigned int pass = 0; pass < MAX_COLLAPSE_PASSES; ++pass) {
-    const unsigned int done = collapseShortEdges(reach);
+    unsigned int candidates = 0;
+    const unsigned int done = collapseShortEdges(reach, pass > 0, candidates);
     if (done) buildTopology();
-    if (done * 100u < fn()) break;
+    if (done * 20u < candidates) break;
   }
 }
 
