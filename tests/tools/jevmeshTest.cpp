@@ -5,6 +5,7 @@
 #include <sys/wait.h>
 
 #include <algorithm>
+#include <cmath>
 #include <cstdlib>
 #include <fstream>
 #include <sstream>
@@ -374,6 +375,27 @@ TEST_F(jevmesh, remeshEvensOutASphere) {
     longEdges += (even.positions[even.corners[k]] - even.positions[even.corners[next]]).norm() > 0.15f;
   }
   EXPECT_LT(longEdges, even.corners.size() / 20);
+
+  EXPECT_EQ(r.out.find("rejected"), std::string::npos) << r.out;
+
+  // A flat fan whose rim vertex 0 is pulled in: flipping its spoke would fold a triangle,
+  // which --verbose reports.
+  JEV::MESH::editMesh fan;
+  const unsigned centre = fan.addVertex(0.f, 0.f, 0.f);
+  for (unsigned i = 0; i < 10; ++i) {
+    const float a = float(i) * 0.6283185f, radius = i == 0 ? 0.5f : 1.f;
+    fan.addVertex(radius * std::cos(a), radius * std::sin(a), 0.f);
+  }
+  for (unsigned i = 0; i < 10; ++i) fan.addTriFace(centre, 1 + i, 1 + (i + 1) % 10);
+  testMeshes::finishMesh(fan);
+  const std::string fanIn = writePly(fan, "fan.ply");
+  const runResult quietFan = run("remesh " + fanIn + " " + out + " --length 5");
+  ASSERT_EQ(quietFan.status, 0) << quietFan.err;
+  EXPECT_EQ(quietFan.out.find("rejected"), std::string::npos) << quietFan.out;
+  const runResult verboseFan = run("remesh " + fanIn + " " + out + " --length 5 --verbose");
+  ASSERT_EQ(verboseFan.status, 0) << verboseFan.err;
+  EXPECT_NE(verboseFan.out.find("edge flip rejected: normal inversion\n"), std::string::npos)
+      << verboseFan.out;
 
   EXPECT_EQ(run("remesh " + in + " " + out).status, 2);
   EXPECT_EQ(run("remesh " + in + " " + out + " --length -1").status, 2);
