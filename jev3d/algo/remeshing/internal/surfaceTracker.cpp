@@ -23,7 +23,6 @@ namespace {
 using p3 = MATH::point3<float>;
 constexpr unsigned int NONE = surfaceTracker::NONE;
 constexpr unsigned int MAX_SPLIT_PASSES = 8;
-constexpr unsigned int MAX_COLLAPSE_PASSES = 2;
 constexpr unsigned int FLIP_PASSES = 2;
 // During the rounds a collapse may make edges up to this much above the longest
 // allowed: the rounds then settle near the middle of the allowed lengths, not at their
@@ -63,8 +62,9 @@ struct surfaceTracker::state {
   // Per vertex, the input triangle it was last projected onto (NONE before): its
   // distance bounds the next search, which then prunes nearly all of the tree.
   std::vector<unsigned int> hint;
-  // Per vertex: its ring changed in the last collapse pass.
-  std::vector<unsigned char> touched;
+  // Scratch of a collapse pass: the vertex each one went into (itself while it stays),
+  // and the chain of vertices gone into each one, through which its faces are read.
+  std::vector<unsigned int> mergedInto, chain, chainTail;
 
   // Adjacency of the live faces, rebuilt by buildTopology.
   std::vector<edgeRec> edges;
@@ -97,13 +97,20 @@ struct surfaceTracker::state {
     return areaVector(pos[V(f, 0)], pos[V(f, 1)], pos[V(f, 2)]);
   }
   bool splitLongEdges();
-  unsigned int collapseShortEdges(float reach, bool onlyNearChanges, unsigned int& candidates);
+  unsigned int collapseShortEdges(float reach);
   unsigned int flipEdges(bool forLength);
-  bool collapseAllowed(const edgeRec& e, unsigned int keep, unsigned int gone, const p3& p,
-                       float reach);
+  bool collapseAllowed(unsigned int keep, unsigned int gone, const p3& p, float reach);
+  // Calls fn(f) for the live faces around v, including those of the vertices collapsed
+  // into v during the current pass, while fn returns true; false if fn stopped it.
+  template <class Fn>
+  bool forFacesOf(unsigned int v, Fn fn) {
+    for (unsigned int u = v; u != NONE; u = chain[u])
+      for (unsigned int i = vfStart[u]; i < vfStart[u + 1]; ++i)
+        if (!dead[vfList[i]] && !fn(vfList[i])) return false;
+    return true;
+  }
   bool flipAllowed(const edgeRec& e, unsigned int c, unsigned int d);
   void relaxAndProject(bool relax);
-  void collapsePasses(float reach);
 };
 
 surfaceTracker::surfaceTracker(const std::vector<p3>& positions,
@@ -249,44 +256,49 @@ bool surfaceTracker::state::splitLongEdges() {
 
 // The checks of a collapse moving keep to p and removing gone; no edge at p may exceed
 // reach times the longest edge allowed.
-bool surfaceTracker::state::collapseAllowed(const edgeRec& e, unsigned int keep, unsigned int gone,
-                                            const p3& p, float reach) {
+bool surfaceTracker::state::collapseAllowed(unsigned int keep, unsigned int gone, const p3& p,
+                                            float reach) {
   const float limit = reach * reach * params.maxEdgeLength * params.maxEdgeLength;
   // No edge at p may come out long; the commonest refusal, so it is tested first.
   for (unsigned int end : {keep, gone})
-    for (unsigned int i = vfStart[end]; i < vfStart[end + 1]; ++i)
-      for (unsigned int k = 0; k < 3 && !dead[vfList[i]]; ++k) {
-        const unsigned int w = V(vfList[i], k);
-        if (w != keep && w != gone && (p - pos[w]).squaredNorm() > limit) return false;
-      }
+    if (!forFacesOf(end, [&](unsigned int f) {
+          for (unsigned int k = 0; k < 3; ++k) {
+            const unsigned int w = V(f, k);
+            if (w != keep && w != gone && (p - pos[w]).squaredNorm() > limit) return false;
+          }
+          return true;
+        }))
+      return false;
   // Link condition: the two ends share exactly the far corners of the edge's faces.
   const unsigned int m = nextMark();
   unsigned int around = 0;
-  for (unsigned int i = vfStart[keep]; i < vfStart[keep + 1]; ++i) {
-    const unsigned int f = vfList[i];
-    if (dead[f]) continue;
+  forFacesOf(keep, [&](unsigned int f) {
     ++around;
     for (unsigned int k = 0; k < 3; ++k) mark[V(f, k)] = m;
-  }
-  unsigned int shared = 0;
+    return true;
+  });
+  unsigned int shared = 0, edgeFaces = 0;
+  unsigned int far[2] = {NONE, NONE};
   const unsigned int m2 = nextMark();
-  for (unsigned int i = vfStart[gone]; i < vfStart[gone + 1]; ++i) {
-    const unsigned int f = vfList[i];
-    if (dead[f]) continue;
+  forFacesOf(gone, [&](unsigned int f) {
     ++around;
+    const bool onEdge = V(f, 0) == keep || V(f, 1) == keep || V(f, 2) == keep;
     for (unsigned int k = 0; k < 3; ++k) {
       const unsigned int w = V(f, k);
       if (w == keep || w == gone) continue;
+      if (onEdge && edgeFaces < 2) far[edgeFaces] = w;
       if (mark[w] == m) ++shared, mark[w] = m2;
     }
-  }
-  if (shared != e.faces) return false;
-  if (around - 2u * e.faces < (border[keep] || border[gone] ? 1u : 3u)) return false;
+    edgeFaces += onEdge;
+    return true;
+  });
+  if (edgeFaces == 0 || edgeFaces > 2 || shared != edgeFaces) return false;
+  if (edgeFaces == 2 && border[keep] && border[gone]) return false;  // would pinch the surface
+  if (around - 2u * edgeFaces < (border[keep] || border[gone] ? 1u : 3u)) return false;
   // Nor may a far corner of the edge lose its last face.
-  for (unsigned int side = 0; side < e.faces; ++side) {
-    const unsigned int far = V(e.f[side], (e.k[side] + 2u) % 3u);
+  for (unsigned int side = 0; side < edgeFaces; ++side) {
     unsigned int live = 0;
-    for (unsigned int i = vfStart[far]; i < vfStart[far + 1]; ++i) live += !dead[vfList[i]];
+    forFacesOf(far[side], [&](unsigned int) { return ++live < 2; });
     if (live < 2) return false;
   }
   // No face may turn over or become a sliver, and the enclosed volume may change only
@@ -294,43 +306,35 @@ bool surfaceTracker::state::collapseAllowed(const edgeRec& e, unsigned int keep,
   double before = 0.0, after = 0.0;
   const p3 ref = p;
   for (unsigned int end : {keep, gone})
-    for (unsigned int i = vfStart[end]; i < vfStart[end + 1]; ++i) {
-      const unsigned int f = vfList[i];
-      if (dead[f]) continue;
-      const unsigned int a = V(f, 0), b = V(f, 1), c = V(f, 2);
-      const bool hasKeep = a == keep || b == keep || c == keep;
-      const bool hasGone = a == gone || b == gone || c == gone;
-      if (end == gone && hasKeep) continue;  // counted from keep's side
-      before += signedVolume(pos[a], pos[b], pos[c], ref);
-      if (hasKeep && hasGone) continue;  // goes away
-      auto at = [&](unsigned int v) { return v == keep || v == gone ? p : pos[v]; };
-      const p3 n0 = faceNormal(f), n1 = areaVector(at(a), at(b), at(c));
-      if (n0 * n1 <= 0.f) return false;
-      if (0.5f * n1.norm() < params.minTriangleArea) return false;
-      after += signedVolume(at(a), at(b), at(c), ref);
-    }
+    if (!forFacesOf(end, [&](unsigned int f) {
+          const unsigned int a = V(f, 0), b = V(f, 1), c = V(f, 2);
+          const bool hasKeep = a == keep || b == keep || c == keep;
+          const bool hasGone = a == gone || b == gone || c == gone;
+          if (end == gone && hasKeep) return true;  // counted from keep's side
+          before += signedVolume(pos[a], pos[b], pos[c], ref);
+          if (hasKeep && hasGone) return true;  // goes away
+          auto at = [&](unsigned int v) { return v == keep || v == gone ? p : pos[v]; };
+          const p3 n0 = faceNormal(f), n1 = areaVector(at(a), at(b), at(c));
+          if (n0 * n1 <= 0.f || 0.5f * n1.norm() < params.minTriangleArea) return false;
+          after += signedVolume(at(a), at(b), at(c), ref);
+          return true;
+        }))
+      return false;
   return std::fabs(after - before) <= params.maxVolumeChange;
 }
 
-// Short edges collapse, shortest first, in sets whose edges share no end. Each collapse
-// rewrites the faces at once, so the faces around the ends of the next one, read from
-// the lists of the last rebuild, are current; an end of a collapse is not an end again
-// before the rebuild, whose lists it would miss. A fixed end stays, a border end stays
-// against an inner one, otherwise the ends meet at the midpoint. onlyNearChanges takes
-// only edges with an end whose ring the last pass changed: the checks of a collapse read
-// nothing beyond the rings of its ends, so every other edge would be refused again.
-unsigned int surfaceTracker::state::collapseShortEdges(float reach, bool onlyNearChanges,
-                                                       unsigned int& candidates) {
+// Short edges collapse, shortest first, in one pass. Each collapse rewrites the faces at
+// once and chains the lists of faces of the removed end to those of the kept one, so
+// the faces around an end are current without a rebuild; an edge read from the last
+// rebuild runs between the ends its ends went into. A fixed end stays, a border end
+// stays against an inner one, otherwise the ends meet at the midpoint.
+unsigned int surfaceTracker::state::collapseShortEdges(float reach) {
   const float limit = params.minEdgeLength * params.minEdgeLength;
-  std::vector<unsigned char> near;
-  if (onlyNearChanges) near.swap(touched);
-  touched.assign(pos.size(), 0);
   // Shortest first, near enough: a counting sort into buckets of squared length.
   constexpr unsigned int BUCKETS = 32;
   std::vector<unsigned int> bucketOf(edges.size(), BUCKETS), start(BUCKETS + 1, 0);
   for (unsigned int e = 0; e < edges.size(); ++e) {
     const edgeRec& r = edges[e];
-    if (onlyNearChanges && !near[r.a] && !near[r.b]) continue;
     const float l = (pos[r.a] - pos[r.b]).squaredNorm();
     if (r.faces > 2 || !(l < limit)) continue;
     bucketOf[e] = std::min(BUCKETS - 1, unsigned(float(BUCKETS) * l / limit));
@@ -340,36 +344,40 @@ unsigned int surfaceTracker::state::collapseShortEdges(float reach, bool onlyNea
   std::vector<unsigned int> order(start[BUCKETS]);
   for (unsigned int e = 0; e < edges.size(); ++e)
     if (bucketOf[e] < BUCKETS) order[start[bucketOf[e]]++] = e;
-  candidates = start[BUCKETS];
-  std::vector<unsigned char> taken(pos.size(), 0);
+  const unsigned int nv = unsigned(pos.size());
+  mergedInto.resize(nv);
+  chainTail.resize(nv);
+  for (unsigned int v = 0; v < nv; ++v) mergedInto[v] = chainTail[v] = v;
+  chain.assign(nv, NONE);
+  auto root = [&](unsigned int v) {
+    while (mergedInto[v] != v) v = mergedInto[v] = mergedInto[mergedInto[v]];
+    return v;
+  };
   unsigned int done = 0;
   for (unsigned int e : order) {
-    const edgeRec& r = edges[e];
-    if (taken[r.a] || taken[r.b]) continue;
-    const bool lockA = fixed[r.a] || feature[r.a] || (border[r.a] && !border[r.b]);
-    const bool lockB = fixed[r.b] || feature[r.b] || (border[r.b] && !border[r.a]);
+    const unsigned int a = root(edges[e].a), b = root(edges[e].b);
+    if (a == b || !((pos[a] - pos[b]).squaredNorm() < limit)) continue;
+    const bool lockA = fixed[a] || feature[a] || (border[a] && !border[b]);
+    const bool lockB = fixed[b] || feature[b] || (border[b] && !border[a]);
     if (lockA && lockB) continue;
-    if (r.faces == 2 && border[r.a] && border[r.b]) continue;  // would pinch the surface
-    const unsigned int keep = lockB ? r.b : r.a, gone = keep == r.a ? r.b : r.a;
-    const p3 p = lockA || lockB ? pos[keep] : (pos[r.a] + pos[r.b]) * 0.5f;
-    if (!collapseAllowed(r, keep, gone, p, reach)) continue;
-    taken[keep] = taken[gone] = 1;
-    for (unsigned int i = vfStart[gone]; i < vfStart[gone + 1]; ++i) {
-      const unsigned int f = vfList[i];
-      if (dead[f]) continue;
+    const unsigned int keep = lockB ? b : a, gone = keep == a ? b : a;
+    const p3 p = lockA || lockB ? pos[keep] : (pos[a] + pos[b]) * 0.5f;
+    if (!collapseAllowed(keep, gone, p, reach)) continue;
+    forFacesOf(gone, [&](unsigned int f) {
       if (V(f, 0) == keep || V(f, 1) == keep || V(f, 2) == keep) {
         dead[f] = 1;
-        continue;
+        return true;
       }
       for (unsigned int k = 0; k < 3; ++k)
         if (tri[3 * f + k] == gone) tri[3 * f + k] = keep;
-    }
+      return true;
+    });
+    chain[chainTail[keep]] = gone;
+    chainTail[keep] = chainTail[gone];
+    mergedInto[gone] = keep;
     pos[keep] = p;
     fresh[keep] = fresh[keep] && fresh[gone];
-    for (unsigned int end : {keep, gone})
-      for (unsigned int i = vfStart[end]; i < vfStart[end + 1]; ++i)
-        if (!dead[vfList[i]])
-          for (unsigned int k = 0; k < 3; ++k) touched[V(vfList[i], k)] = 1;
+    border[keep] = border[keep] || border[gone];
     ++done;
   }
   if (!done) return 0;
@@ -512,16 +520,6 @@ void surfaceTracker::state::relaxAndProject(bool relax) {
   }
 }
 
-// Collapse passes until one takes few of its candidates: what is left is mostly refused.
-void surfaceTracker::state::collapsePasses(float reach) {
-  for (unsigned int pass = 0; pass < MAX_COLLAPSE_PASSES; ++pass) {
-    unsigned int candidates = 0;
-    const unsigned int done = collapseShortEdges(reach, pass > 0, candidates);
-    if (done) buildTopology();
-    if (done * 20u < candidates) break;
-  }
-}
-
 void surfaceTracker::improve(SYSTEM::callBack* cb) {
   if (cb) cb->setValue(1.0f);
   state& t = *s;
@@ -531,7 +529,7 @@ void surfaceTracker::improve(SYSTEM::callBack* cb) {
     std::fill(t.fresh.begin(), t.fresh.end(), 0);
     for (unsigned int pass = 0; pass < MAX_SPLIT_PASSES && t.splitLongEdges(); ++pass)
       t.buildTopology();
-    t.collapsePasses(COLLAPSE_REACH);
+    if (t.collapseShortEdges(COLLAPSE_REACH)) t.buildTopology();
     for (unsigned int pass = 0; pass < FLIP_PASSES && t.flipEdges(false); ++pass) t.buildTopology();
     t.relaxAndProject(true);
     if (cb) cb->setValue(1.f + 97.f * float(round + 1) / float(rounds));
@@ -544,7 +542,7 @@ void surfaceTracker::improve(SYSTEM::callBack* cb) {
     t.buildTopology();
     t.relaxAndProject(false);
   }
-  t.collapsePasses(1.f);
+  t.collapseShortEdges(1.f);  // the result reads only the faces: no rebuild
   if (cb) cb->setValue(100.0f);
 }
 
