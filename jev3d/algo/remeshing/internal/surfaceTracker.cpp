@@ -488,21 +488,29 @@ void surfaceTracker::state::relaxAndProject(bool relax) {
     normal.normalize();
     const p3 move = relax ? centre * (1.f / area) - pos[v] : p3();
     const p3 target = pos[v] + move - normal * (normal * move);
-    MATH::closestPointHit hit;
-    // The surface is near: a bounded search prunes most of the tree. The last triangle
-    // projected onto bounds it best (widened by a little for the rounding of the tree's
-    // own arithmetic); failing that, the longest edge allowed.
+    // The surface is near: the last triangle projected onto usually holds the new closest
+    // point, and a projection inside it is taken as it is (a nearer point elsewhere would
+    // need the surface to fold back within that distance). Otherwise its distance bounds
+    // the search of the tree, which then prunes nearly all of it (widened a little for the
+    // rounding of the tree's own arithmetic); failing that, the longest edge allowed does.
+    p3 onSurface;
+    bool projected = false;
     float reach = params.maxEdgeLength * params.maxEdgeLength;
     if (hint[v] != NONE) {
       const unsigned int* c = &inputTri[3 * size_t(hint[v])];
       float u, w;
-      const p3 q = MATH::closestPointOnTriangle(target, inputPos[c[0]], inputPos[c[1]],
-                                                inputPos[c[2]], u, w);
-      reach = (target - q).squaredNorm() * 1.0001f + std::numeric_limits<float>::min();
+      onSurface = MATH::closestPointOnTriangle(target, inputPos[c[0]], inputPos[c[1]],
+                                               inputPos[c[2]], u, w);
+      projected = u > 0.f && w > 0.f && u + w < 1.f;
+      reach = (target - onSurface).squaredNorm() * 1.0001f + std::numeric_limits<float>::min();
     }
-    const bool projected = input.closestPoint(target, reach, hit) ||
-                           input.closestPoint(target, std::numeric_limits<float>::max(), hit);
-    if (projected) hint[v] = hit.triangle;
+    MATH::closestPointHit hit;
+    if (!projected && (input.closestPoint(target, reach, hit) ||
+                       input.closestPoint(target, std::numeric_limits<float>::max(), hit))) {
+      projected = true;
+      onSurface = hit.point;
+      hint[v] = hit.triangle;
+    }
     const p3 old = pos[v];
     auto folds = [&]() {
       for (unsigned int i = vfStart[v]; i < vfStart[v + 1]; ++i) {
@@ -512,7 +520,7 @@ void surfaceTracker::state::relaxAndProject(bool relax) {
       }
       return false;
     };
-    pos[v] = projected ? hit.point : target;
+    pos[v] = projected ? onSurface : target;
     if (!folds()) continue;
     if (fresh[v]) log("Even mid-point subdivision introduces collision.  Backing out.");
     pos[v] = target;
