@@ -62,6 +62,7 @@ struct surfaceTracker::state {
   // Per vertex, the input triangle it was last projected onto (NONE before): its
   // distance bounds the next search, which then prunes nearly all of the tree.
   std::vector<unsigned int> hint;
+  std::vector<unsigned int> inputVtStart, inputVtList;  // input triangles at each position
   // Scratch of a collapse pass: the vertex each one went into (itself while it stays),
   // and the chain of vertices gone into each one, through which its faces are read.
   std::vector<unsigned int> mergedInto, chain, chainTail;
@@ -138,6 +139,12 @@ surfaceTracker::surfaceTracker(const std::vector<p3>& positions,
   s->inputTri = s->tri;
   s->hint.assign(n, NONE);
   for (size_t k = 0; k < s->tri.size(); ++k) s->hint[s->tri[k]] = unsigned(k / 3);
+  s->inputVtStart.assign(n + 1, 0);
+  for (unsigned int v : s->tri) ++s->inputVtStart[v + 1];
+  for (size_t v = 0; v < n; ++v) s->inputVtStart[v + 1] += s->inputVtStart[v];
+  s->inputVtList.resize(s->tri.size());
+  std::vector<unsigned int> at(s->inputVtStart.begin(), s->inputVtStart.end() - 1);
+  for (size_t k = 0; k < s->tri.size(); ++k) s->inputVtList[at[s->tri[k]]++] = unsigned(k / 3);
 }
 
 surfaceTracker::~surfaceTracker() = default;
@@ -490,21 +497,35 @@ void surfaceTracker::state::relaxAndProject(bool relax) {
     normal.normalize();
     const p3 move = relax ? centre * (1.f / area) - pos[v] : p3();
     const p3 target = pos[v] + move - normal * (normal * move);
-    // The surface is near: the last triangle projected onto usually holds the new closest
-    // point, and a projection inside it is taken as it is (a nearer point elsewhere would
-    // need the surface to fold back within that distance). Otherwise its distance bounds
-    // the search of the tree, which then prunes nearly all of it (widened a little for the
-    // rounding of the tree's own arithmetic); failing that, the longest edge allowed does.
+    // The surface is near: the last triangle projected onto, or one around its corners,
+    // usually holds the new closest point, and a projection inside that triangle is taken
+    // as it is (a nearer point elsewhere would need the surface to fold back within that
+    // distance). Otherwise the nearest found bounds the search of the tree, which then
+    // prunes nearly all of it (widened a little for the rounding of the tree's own
+    // arithmetic); failing that, the longest edge allowed does.
     p3 onSurface;
     bool projected = false;
     float reach = params.maxEdgeLength * params.maxEdgeLength;
     if (hint[v] != NONE) {
-      const unsigned int* c = &inputTri[3 * size_t(hint[v])];
-      float u, w;
-      onSurface = MATH::closestPointOnTriangle(target, inputPos[c[0]], inputPos[c[1]],
-                                               inputPos[c[2]], u, w);
-      projected = u > 0.f && w > 0.f && u + w < 1.f;
-      reach = (target - onSurface).squaredNorm() * 1.0001f + std::numeric_limits<float>::min();
+      const unsigned int last = hint[v];
+      float best = std::numeric_limits<float>::max();
+      auto tryTriangle = [&](unsigned int t) {
+        const unsigned int* c = &inputTri[3 * size_t(t)];
+        float u, w;
+        const p3 q = MATH::closestPointOnTriangle(target, inputPos[c[0]], inputPos[c[1]],
+                                                  inputPos[c[2]], u, w);
+        const float d = (target - q).squaredNorm();
+        if (d >= best) return;
+        best = d, onSurface = q, hint[v] = t;
+        projected = u > 0.f && w > 0.f && u + w < 1.f;
+      };
+      tryTriangle(last);
+      for (unsigned int k = 0; k < 3 && !projected; ++k) {
+        const unsigned int corner = inputTri[3 * size_t(last) + k];
+        for (unsigned int i = inputVtStart[corner]; i < inputVtStart[corner + 1]; ++i)
+          tryTriangle(inputVtList[i]);
+      }
+      reach = best * 1.0001f + std::numeric_limits<float>::min();
     }
     MATH::closestPointHit hit;
     if (!projected && (input.closestPoint(target, reach, hit) ||
