@@ -143,6 +143,18 @@ TEST(isotropicMeshRefinement, shortLengthsSettleJustUnderTheLength) {
   EXPECT_NEAR(testMeshes::signedVolume(out), testMeshes::signedVolume(in),
               0.01 * testMeshes::signedVolume(in));
   EXPECT_LT(distance(in, out).maximum, 0.01);
+
+  // Below 0.375 every bound scales with the length, so the same sphere three times larger
+  // at three times the length gives the same spread of lengths.
+  editMesh large = in;
+  for (unsigned v = 0; v < large.vn(); ++v) large.vPos(v) *= 3.f;
+  large.computeNormalizedNormals();
+  editMesh largeOut;
+  ASSERT_GT(computeIsotropicMeshRefinement(large, none, allFaces(large), largeOut, noneOut,
+                                           3.f * length, nullptr, quiet),
+            0u);
+  EXPECT_NEAR(shareWithin(largeOut, 2.4 * length, 3.0 * length),
+              shareWithin(out, 0.8 * length, length), 0.03);
 }
 
 TEST(isotropicMeshRefinement, frozenRestStaysBitForBitAndTheSeamCloses) {
