@@ -5,7 +5,6 @@
 #include <sys/wait.h>
 
 #include <algorithm>
-#include <cmath>
 #include <cstdlib>
 #include <fstream>
 #include <sstream>
@@ -378,15 +377,9 @@ TEST_F(jevmesh, remeshEvensOutASphere) {
 
   EXPECT_EQ(r.out.find("rejected"), std::string::npos) << r.out;
 
-  // A flat fan whose rim vertex 0 is pulled in: flipping its spoke would fold a triangle,
-  // which --verbose reports.
+  // A refused flip, which --verbose reports.
   JEV::MESH::editMesh fan;
-  const unsigned centre = fan.addVertex(0.f, 0.f, 0.f);
-  for (unsigned i = 0; i < 10; ++i) {
-    const float a = float(i) * 0.6283185f, radius = i == 0 ? 0.5f : 1.f;
-    fan.addVertex(radius * std::cos(a), radius * std::sin(a), 0.f);
-  }
-  for (unsigned i = 0; i < 10; ++i) fan.addTriFace(centre, 1 + i, 1 + (i + 1) % 10);
+  testMeshes::makePulledDisc(fan);
   testMeshes::finishMesh(fan);
   const std::string fanIn = writePly(fan, "fan.ply");
   const runResult quietFan = run("remesh " + fanIn + " " + out + " --length 5");

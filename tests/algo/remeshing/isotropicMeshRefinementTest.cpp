@@ -256,15 +256,9 @@ TEST(isotropicMeshRefinement, refusalsAreLoggedAndBadCallsGiveNothing) {
     }
   }
 
-  // A flat fan of ten triangles whose rim vertex 0 is pulled in: flipping its spoke would
-  // improve the valences but fold a triangle over.
+  // A disc whose spoke flip would improve the valences but fold a triangle over.
   editMesh fan;
-  const unsigned centre = fan.addVertex(0.f, 0.f, 0.f);
-  for (unsigned i = 0; i < 10; ++i) {
-    const float a = float(i) * 0.6283185f, r = i == 0 ? 0.5f : 1.f;
-    fan.addVertex(r * std::cos(a), r * std::sin(a), 0.f);
-  }
-  for (unsigned i = 0; i < 10; ++i) fan.addTriFace(centre, 1 + i, 1 + (i + 1) % 10);
+  testMeshes::makePulledDisc(fan);
   testMeshes::finishMesh(fan);
   std::ostringstream fanLog;
   ASSERT_GT(
