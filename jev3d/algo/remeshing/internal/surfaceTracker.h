@@ -32,8 +32,8 @@ struct trackerParams {
 // collapses short ones, flips edges towards valence 6 (4 on a border), relaxes the
 // vertices in their tangent planes and projects them back onto the input surface. The
 // surface is a triangle list; splits and flips run in independent sets, collapses in one
-// pass that chains the faces of merged vertices, with the adjacency rebuilt in between. Vertices with an infinite mass never move nor go away; neither
-// do the ends of non-manifold edges.
+// pass that chains the faces of merged vertices, with the adjacency rebuilt in between. Vertices
+// with an infinite mass never move nor go away; neither do the ends of non-manifold edges.
 class surfaceTracker {
  public:
   static constexpr unsigned int NONE = 0xFFFFFFFFu;
