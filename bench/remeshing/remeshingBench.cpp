@@ -13,7 +13,8 @@
 //   refine_100k/openmesh, refine_100k/cgal  (remeshingBenchOpenMesh.cpp, remeshingBenchCgal.cpp)
 // Counters: triangles left, and the largest and mean distance between result and input,
 // both ways, over the input's box diagonal; for remeshing also the mean edge length over
-// the target and the spread of the edge lengths.
+// the target and the spread of the edge lengths, and for isotropic remeshing the share of
+// edges within the bounds the remesher keeps to.
 #include <meshoptimizer.h>
 
 #include "jev3d/algo/remeshing/internal/triangleSoup.h"
@@ -62,11 +63,13 @@ void isotropicJev3d(benchmark::State& state) {
   for (unsigned f = 0; f < mesh.fn(); ++f) faces[f] = f;
   REMESHING::attributeList none, noneOut;
   for (auto _ : state)
-    REMESHING::computeIsotropicMeshRefinement(mesh, none, faces, result, noneOut, float(length));
+    REMESHING::computeIsotropicMeshRefinement(mesh, none, faces, result, noneOut, float(length),
+                                              nullptr, nullptr);
   soup out;
   REMESHING::INTERNAL::toTriangleSoup(result, out.positions, out.triangles);
   reportDistance(state, in, out);
   reportEdgeLengths(state, out, length);
+  reportLengthBand(state, out, length);
 }
 
 // Runs step from a kernel mesh of the 100k input into another, then reports the result.

@@ -85,6 +85,7 @@ void isotropicCgal(benchmark::State& state) {
   });
   reportDistance(state, in, out);
   reportEdgeLengths(state, out, length);
+  reportLengthBand(state, out, length);
 }
 
 void refineCgal(benchmark::State& state) {

@@ -127,4 +127,19 @@ inline void reportEdgeLengths(benchmark::State& state, const soup& result, doubl
   state.counters["len_spread"] = std::sqrt(sum / double(result.triangles.size())) / mean;
 }
 
+// Adds the share of the result's edges whose length lies in [min(0.3, 0.8·target), target],
+// the bounds of isotropic remeshing to a target length.
+inline void reportLengthBand(benchmark::State& state, const soup& result, double target) {
+  const double lo = std::min(0.3, 0.8 * target);
+  size_t within = 0;
+  for (size_t k = 0; k < result.triangles.size(); ++k) {
+    const double l = double((result.positions[result.triangles[k]] -
+                             result.positions[result.triangles[k % 3 == 2 ? k - 2 : k + 1]])
+                                .norm());
+    within += l >= lo && l <= target;
+  }
+  state.counters["len_in_bounds"] =
+      result.triangles.empty() ? 0.0 : double(within) / double(result.triangles.size());
+}
+
 }  // namespace remeshingBench

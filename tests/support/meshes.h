@@ -117,6 +117,17 @@ inline void makeFan(editMesh& m, unsigned k) {
   }
 }
 
+// A flat disc of ten triangles around the origin whose first rim vertex is pulled in to
+// half the radius: flipping its spoke would even the valences but fold a triangle over.
+inline void makePulledDisc(editMesh& m) {
+  const unsigned centre = m.addVertex(0.f, 0.f, 0.f);
+  for (unsigned i = 0; i < 10; ++i) {
+    const float t = float(i) * 0.6283185f, radius = i == 0 ? 0.5f : 1.f;
+    m.addVertex(radius * std::cos(t), radius * std::sin(t), 0.f);
+  }
+  for (unsigned i = 0; i < 10; ++i) m.addTriFace(centre, centre + 1 + i, centre + 1 + (i + 1) % 10);
+}
+
 // A face of 1 corner, one of 2 corners, and a triangle: 6 vertices.
 inline void makeDegenerateFaces(editMesh& m) {
   const unsigned b = m.vn();

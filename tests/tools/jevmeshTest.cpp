@@ -375,6 +375,21 @@ TEST_F(jevmesh, remeshEvensOutASphere) {
   }
   EXPECT_LT(longEdges, even.corners.size() / 20);
 
+  EXPECT_EQ(r.out.find("rejected"), std::string::npos) << r.out;
+
+  // A refused flip, which --verbose reports.
+  JEV::MESH::editMesh fan;
+  testMeshes::makePulledDisc(fan);
+  testMeshes::finishMesh(fan);
+  const std::string fanIn = writePly(fan, "fan.ply");
+  const runResult quietFan = run("remesh " + fanIn + " " + out + " --length 5");
+  ASSERT_EQ(quietFan.status, 0) << quietFan.err;
+  EXPECT_EQ(quietFan.out.find("rejected"), std::string::npos) << quietFan.out;
+  const runResult verboseFan = run("remesh " + fanIn + " " + out + " --length 5 --verbose");
+  ASSERT_EQ(verboseFan.status, 0) << verboseFan.err;
+  EXPECT_NE(verboseFan.out.find("edge flip rejected: normal inversion\n"), std::string::npos)
+      << verboseFan.out;
+
   EXPECT_EQ(run("remesh " + in + " " + out).status, 2);
   EXPECT_EQ(run("remesh " + in + " " + out + " --length -1").status, 2);
   EXPECT_EQ(run("remesh " + in + " " + out + " --length 0.1 -n 0").status, 2);

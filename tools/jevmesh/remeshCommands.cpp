@@ -1,6 +1,7 @@
 // The remeshing commands: decimate, remesh, voxelize.
 
 #include <cmath>
+#include <iostream>
 #include <string>
 #include <vector>
 
@@ -69,8 +70,10 @@ int runRemesh(const commandLine& line) {
         if (!mesh.isFaceDeleted(f)) faces.push_back(f);
       progressBar bar("remeshing " + std::to_string(i + 1) + "/" + std::to_string(runs),
                       quiet(line));
+      // The tracker's refusals are many and of interest only when asked for.
+      std::ostream* refusals = line.has("--verbose") ? &std::cout : nullptr;
       if (!REMESHING::computeIsotropicMeshRefinement(mesh, none, faces, mesh, noneOut, length,
-                                                     bar.reporter()))
+                                                     bar.reporter(), refusals))
         return fileError(line.positional()[0], "has no face to remesh");
     }
     mesh.deselectAllFaces();
@@ -133,14 +136,15 @@ const std::vector<command>& remeshingCommands() {
        "  --faces N           the number of triangles to keep\n"
        "  --ratio R           the share of triangles to keep, above 0 and at most 1\n",
        withWriteOptions({{"--faces", 1}, {"--ratio", 1}}), runDecimate},
-      {"remesh", "IN OUT --length L [-n N] [--ascii|--binary]",
+      {"remesh", "IN OUT --length L [-n N] [--verbose] [--ascii|--binary]",
        "Remesh every face to even triangles of edge length about L.",
        "Three rounds of splits of edges above L, collapses of edges below the smaller\n"
        "of 0.3 and 0.8 L, valence flips and relaxation back onto the surface. Faces\n"
        "are taken as triangles; open borders are remeshed along their lines.\n"
        "  --length L          the longest edge length wanted\n"
-       "  -n N                run the three rounds N times, 1 to 100 (default 1)\n",
-       withWriteOptions({{"--length", 1}, {"-n", 1}}), runRemesh},
+       "  -n N                run the three rounds N times, 1 to 100 (default 1)\n"
+       "  --verbose           print each operation refused and why\n",
+       withWriteOptions({{"--length", 1}, {"-n", 1}, {"--verbose", 0}}), runRemesh},
       {"voxelize", "IN OUT --size S [--ascii|--binary]",
        "Write the boundary of the voxels the mesh fills, as quads.",
        "Voxels of edge S that the surface crosses, and those it encloses, are filled;\n"

@@ -6,6 +6,7 @@
 #include <iostream>
 
 #include "jev3d/algo/remeshing/internal/triangleFlip.h"
+#include "jev3d/algo/smoothing/internal/brushRelaxation.h"
 #include "jev3d/mesh/editMesh.h"
 
 namespace JEV {
@@ -300,48 +301,19 @@ void adaptiveMeshRefinement(editMesh& mesh, std::vector<unsigned int>& faces, fl
 
 void localSmoothing(editMesh& mesh, const std::vector<unsigned int>& centres, float radius,
                     std::vector<unsigned char>* moved) {
+  // The brush of sculpting with its ring count fixed at 5 and 150 relaxation rounds.
   constexpr unsigned int RINGS = 5, ROUNDS = 150;
   if (moved) moved->assign(mesh.vn(), 0);
+  // Without a positive radius nothing is in reach (0 would move each centre fully).
   if (!mesh.isVEValid() || !(radius > 0.f)) return;
   std::vector<p3> start;
   for (unsigned int c : centres) start.push_back(c < mesh.vn() ? mesh.vPos(c) : p3());
-  std::vector<unsigned char> visited(mesh.vn(), 0);
+  std::vector<int> visited(mesh.vn(), 0);
   std::vector<unsigned int> queue;
-  const float r2 = radius * radius;
   for (size_t k = 0; k < centres.size(); ++k) {
     if (centres[k] >= mesh.vn() || mesh.isVertDeleted(centres[k])) continue;
-    queue.assign(1, centres[k]);
-    visited[centres[k]] = 1;
-    for (unsigned int ring = 0; ring < RINGS; ++ring) {
-      const size_t end = queue.size();
-      for (size_t i = 0; i < end; ++i)
-        for (unsigned int j = 0; j < mesh.vENum(queue[i]); ++j) {
-          const unsigned int e = mesh.vE(queue[i], j);
-          for (unsigned int s = 0; s < 2; ++s)
-            if (!visited[mesh.eV(e, s)]) {
-              visited[mesh.eV(e, s)] = 1;
-              queue.push_back(mesh.eV(e, s));
-            }
-        }
-    }
-    for (unsigned int round = 0; round < ROUNDS; ++round)
-      for (unsigned int v : queue) {
-        const float d2 = (mesh.vPos(v) - start[k]).squaredNorm();
-        if (!(d2 <= r2)) continue;
-        const float w = 1.f - (d2 > 0.f ? std::sqrt(d2) : 0.f) / radius;
-        // The half-weighted umbrella: both ends of every live edge, v among them.
-        p3 sum;
-        unsigned int count = 0;
-        for (unsigned int j = 0; j < mesh.vENum(v); ++j) {
-          const unsigned int e = mesh.vE(v, j);
-          if (mesh.edgeIsDeleted(e)) continue;
-          sum += mesh.vPos(mesh.eV(e, 0)) + mesh.vPos(mesh.eV(e, 1));
-          count += 2;
-        }
-        const p3 average = count ? sum * (1.f / float(count)) : p3();
-        mesh.vPos(v) += (average - mesh.vPos(v)) * w;
-        if (moved) (*moved)[v] = 1;
-      }
+    SMOOTHING::INTERNAL::gatherRings(mesh, centres[k], RINGS, visited, queue);
+    SMOOTHING::INTERNAL::relaxNeighbourhood(mesh, queue, start[k], radius, ROUNDS, nullptr, moved);
     for (unsigned int v : queue) visited[v] = 0;
   }
   mesh.updateSelVertPosSum();

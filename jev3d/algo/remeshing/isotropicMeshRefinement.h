@@ -1,6 +1,6 @@
 #pragma once
 
-#include <iosfwd>
+#include <iostream>
 #include <vector>
 
 #include "jev3d/algo/remeshing/isotropicMeshParams.h"
@@ -33,24 +33,25 @@ using attributeList = std::vector<dataExchange::xyzw_impl<float>>;
 // vertex of result, copied for the rest, interpolated on the region at each new vertex's
 // closest point. The remeshed faces come last in result and are selected. Returns their
 // number, 0 (with result emptied) when no listed face is live or length is not positive.
-// log, when given, receives a line for each operation the tracker refused.
+// log receives a line for each operation the tracker refused, with its reason; standard
+// output by default, and nothing is written when it is null.
 unsigned int computeIsotropicMeshRefinement(const editMesh& mesh, const attributeList& attributes,
                                             const std::vector<unsigned int>& faces,
                                             editMesh& result, attributeList& attributesOut,
                                             float length, SYSTEM::callBack* cb = nullptr,
-                                            std::ostream* log = nullptr);
+                                            std::ostream* log = &std::cout);
 unsigned int computeIsotropicMeshRefinement(const editMesh& mesh,
                                             const std::vector<unsigned int>& keptVertices,
                                             const attributeList& attributes,
                                             const std::vector<unsigned int>& faces,
                                             editMesh& result, attributeList& attributesOut,
                                             float length, SYSTEM::callBack* cb = nullptr,
-                                            std::ostream* log = nullptr);
+                                            std::ostream* log = &std::cout);
 unsigned int computeIsotropicMeshRefinement(
     const editMesh& mesh, const std::vector<unsigned int>& keptVertices,
     const attributeList& attributes, const std::vector<unsigned int>& faces, editMesh& result,
     attributeList& attributesOut, const isotropicMeshParams& params, SYSTEM::callBack* cb = nullptr,
-    std::ostream* log = nullptr);
+    std::ostream* log = &std::cout);
 
 // The same over any mesh: vertex and face ids of the source are those of mesh, so the
 // face list and the attributes read as above; result is replaced with the result's live
@@ -60,19 +61,19 @@ unsigned int computeIsotropicMeshRefinement(const meshInterface& mesh,
                                             const std::vector<unsigned int>& faces,
                                             meshInterface& result, attributeList& attributesOut,
                                             float length, SYSTEM::callBack* cb = nullptr,
-                                            std::ostream* log = nullptr);
+                                            std::ostream* log = &std::cout);
 unsigned int computeIsotropicMeshRefinement(const meshInterface& mesh,
                                             const std::vector<unsigned int>& keptVertices,
                                             const attributeList& attributes,
                                             const std::vector<unsigned int>& faces,
                                             meshInterface& result, attributeList& attributesOut,
                                             float length, SYSTEM::callBack* cb = nullptr,
-                                            std::ostream* log = nullptr);
+                                            std::ostream* log = &std::cout);
 unsigned int computeIsotropicMeshRefinement(
     const meshInterface& mesh, const std::vector<unsigned int>& keptVertices,
     const attributeList& attributes, const std::vector<unsigned int>& faces, meshInterface& result,
     attributeList& attributesOut, const isotropicMeshParams& params, SYSTEM::callBack* cb = nullptr,
-    std::ostream* log = nullptr);
+    std::ostream* log = &std::cout);
 
 }  // namespace REMESHING
 }  // namespace ALGO

@@ -1,7 +1,6 @@
 #include "jev3d/algo/smoothing/localSmoothingFunctor.h"
 
-#include <cmath>
-
+#include "jev3d/algo/smoothing/internal/brushRelaxation.h"
 #include "jev3d/mesh/editMesh.h"
 
 namespace JEV {
@@ -41,45 +40,8 @@ void localSmoothingFunctor::smoothAround(editMesh& mesh, const std::vector<unsig
     const float r = radius(k);
     // A negative (or not-a-number) radius reaches nothing; squared it would reach far.
     if (centres[k] >= n || !(r >= 0.f)) continue;
-    queue.clear();
-    queue.push_back(centres[k]);
-    visited[centres[k]] = 1;
-    // Ring by ring. Entries before the last ring's start have all their neighbours in the
-    // queue already, so walking only the last ring gives the same queue as walking from
-    // the first entry each round.
-    size_t ringStart = 0;
-    for (unsigned int ring = 0; ring < ringCount; ++ring) {
-      const size_t ringEnd = queue.size();
-      for (size_t q = ringStart; q < ringEnd; ++q) {
-        const unsigned int v = queue[q];
-        for (unsigned int i = 0; i < mesh.vENum(v); ++i) {
-          const unsigned int e = mesh.vE(v, i);
-          // Deleted edges may keep stale vertex ids after a compaction.
-          if (e >= mesh.en() || mesh.edgeIsDeleted(e)) continue;
-          for (unsigned int end = 0; end < 2; ++end) {
-            const unsigned int w = mesh.eV(e, end);
-            if (w < n && !visited[w]) visited[w] = 1, queue.push_back(w);
-          }
-        }
-      }
-      ringStart = ringEnd;
-    }
-
-    const point3<float>& c = reference[k];
-    for (unsigned int round = 0; round < ringCount; ++round)
-      for (unsigned int v : queue) {
-        if (v >= mask.size() || !mask[v]) continue;
-        point3<float>& p = mesh.vPos(v);
-        const float d2 = (p - c).squaredNorm();
-        if (!(d2 <= r * r)) continue;
-        const float d = d2 == 0.f ? 0.f : std::sqrt(d2);
-        // A zero radius reaches only the centre's own point, at full weight, not 0 / 0.
-        const float w = r > 0.f ? 1.f - d / r : 1.f;
-        point3<float> a;
-        vertexNeighbourAverage(mesh, v, a);
-        p += (a - p) * w;
-        modified[v] = 1;
-      }
+    INTERNAL::gatherRings(mesh, centres[k], ringCount, visited, queue);
+    INTERNAL::relaxNeighbourhood(mesh, queue, reference[k], r, ringCount, &mask, &modified);
     for (unsigned int v : queue) visited[v] = 0;
   }
 }

@@ -26,6 +26,9 @@ using remeshingChecks::meanLength;
 
 namespace {
 
+// Refusals are many; the tests that do not look at them keep them off the output.
+std::ostream* const quiet = nullptr;
+
 std::vector<unsigned> allFaces(const editMesh& m) {
   std::vector<unsigned> f;
   for (unsigned i = 0; i < m.fn(); ++i)
@@ -108,7 +111,7 @@ TEST(isotropicMeshRefinement, sphereEdgesWithinBoundsVolumeAndShapeKept) {
   const float length = 0.8f;
   recordingCallBack cb;
   const unsigned made =
-      computeIsotropicMeshRefinement(in, none, allFaces(in), out, noneOut, length, &cb);
+      computeIsotropicMeshRefinement(in, none, allFaces(in), out, noneOut, length, &cb, quiet);
   ASSERT_GT(made, 0u);
   ASSERT_MESH_VALID(out);
   EXPECT_EQ(made, testMeshes::liveFaces(out));
@@ -130,7 +133,9 @@ TEST(isotropicMeshRefinement, shortLengthsSettleJustUnderTheLength) {
   editMesh out;
   attributeList none, noneOut;
   const float length = 0.08f;
-  ASSERT_GT(computeIsotropicMeshRefinement(in, none, allFaces(in), out, noneOut, length), 0u);
+  ASSERT_GT(
+      computeIsotropicMeshRefinement(in, none, allFaces(in), out, noneOut, length, nullptr, quiet),
+      0u);
   ASSERT_MESH_VALID(out);
   EXPECT_GE(shareWithin(out, 0.0, length), 0.97);
   EXPECT_GE(shareWithin(out, 0.8 * length, length), 0.55);
@@ -138,6 +143,18 @@ TEST(isotropicMeshRefinement, shortLengthsSettleJustUnderTheLength) {
   EXPECT_NEAR(testMeshes::signedVolume(out), testMeshes::signedVolume(in),
               0.01 * testMeshes::signedVolume(in));
   EXPECT_LT(distance(in, out).maximum, 0.01);
+
+  // Below 0.375 every bound scales with the length, so the same sphere three times larger
+  // at three times the length gives the same spread of lengths.
+  editMesh large = in;
+  for (unsigned v = 0; v < large.vn(); ++v) large.vPos(v) *= 3.f;
+  large.computeNormalizedNormals();
+  editMesh largeOut;
+  ASSERT_GT(computeIsotropicMeshRefinement(large, none, allFaces(large), largeOut, noneOut,
+                                           3.f * length, nullptr, quiet),
+            0u);
+  EXPECT_NEAR(shareWithin(largeOut, 2.4 * length, 3.0 * length),
+              shareWithin(out, 0.8 * length, length), 0.03);
 }
 
 TEST(isotropicMeshRefinement, frozenRestStaysBitForBitAndTheSeamCloses) {
@@ -153,7 +170,8 @@ TEST(isotropicMeshRefinement, frozenRestStaysBitForBitAndTheSeamCloses) {
   const std::multiset<corners> rest = facePositions(in, false, true);
   editMesh out;
   attributeList none, noneOut;
-  ASSERT_GT(computeIsotropicMeshRefinement(in, none, region, out, noneOut, 0.4f), 0u);
+  ASSERT_GT(computeIsotropicMeshRefinement(in, none, region, out, noneOut, 0.4f, nullptr, quiet),
+            0u);
   ASSERT_MESH_VALID(out);
   EXPECT_EQ(facePositions(out, false, true), rest);
   // The only border left is the square's own: no crack along the seam.
@@ -178,9 +196,9 @@ TEST(isotropicMeshRefinement, keptVerticesAndAttributesFollow) {
     attributes[v] = {p.x, p.y, 2.f * p.x - p.y, 1.f};
   }
   editMesh out;
-  ASSERT_GT(
-      computeIsotropicMeshRefinement(in, kept, attributes, allFaces(in), out, attributesOut, 0.5f),
-      0u);
+  ASSERT_GT(computeIsotropicMeshRefinement(in, kept, attributes, allFaces(in), out, attributesOut,
+                                           0.5f, nullptr, quiet),
+            0u);
   ASSERT_MESH_VALID(out);
   ASSERT_EQ(attributesOut.size(), out.vn());
   for (unsigned v : kept) {
@@ -206,7 +224,9 @@ TEST(isotropicMeshRefinement, paramsFormEvensOutAtTheMeanLength) {
   const double mean = meanLength(in);
   editMesh out;
   attributeList none, noneOut;
-  ASSERT_GT(computeIsotropicMeshRefinement(in, {}, none, allFaces(in), out, noneOut, params), 0u);
+  ASSERT_GT(computeIsotropicMeshRefinement(in, {}, none, allFaces(in), out, noneOut, params,
+                                           nullptr, quiet),
+            0u);
   ASSERT_MESH_VALID(out);
   EXPECT_GE(shareWithin(out, 0.7 * mean, 1.3 * mean), 0.85);
   EXPECT_LT(lengthSpread(out), 0.5 * lengthSpread(in));
@@ -236,15 +256,9 @@ TEST(isotropicMeshRefinement, refusalsAreLoggedAndBadCallsGiveNothing) {
     }
   }
 
-  // A flat fan of ten triangles whose rim vertex 0 is pulled in: flipping its spoke would
-  // improve the valences but fold a triangle over.
+  // A disc whose spoke flip would improve the valences but fold a triangle over.
   editMesh fan;
-  const unsigned centre = fan.addVertex(0.f, 0.f, 0.f);
-  for (unsigned i = 0; i < 10; ++i) {
-    const float a = float(i) * 0.6283185f, r = i == 0 ? 0.5f : 1.f;
-    fan.addVertex(r * std::cos(a), r * std::sin(a), 0.f);
-  }
-  for (unsigned i = 0; i < 10; ++i) fan.addTriFace(centre, 1 + i, 1 + (i + 1) % 10);
+  testMeshes::makePulledDisc(fan);
   testMeshes::finishMesh(fan);
   std::ostringstream fanLog;
   ASSERT_GT(
@@ -254,19 +268,32 @@ TEST(isotropicMeshRefinement, refusalsAreLoggedAndBadCallsGiveNothing) {
   EXPECT_NE(fanLog.str().find("edge flip rejected: normal inversion\n"), std::string::npos)
       << fanLog.str();
   for (unsigned f = 0; f < out.fn(); ++f) EXPECT_GT(out.fNor(f).z, 0.f);
+  // By default the refusals go to standard output; a null stream keeps them back.
+  testing::internal::CaptureStdout();
+  ASSERT_GT(computeIsotropicMeshRefinement(fan, none, allFaces(fan), out, noneOut, 5.f), 0u);
+  EXPECT_EQ(testing::internal::GetCapturedStdout(), fanLog.str());
+  testing::internal::CaptureStdout();
+  ASSERT_GT(
+      computeIsotropicMeshRefinement(fan, none, allFaces(fan), out, noneOut, 5.f, nullptr, quiet),
+      0u);
+  EXPECT_EQ(testing::internal::GetCapturedStdout(), "");
 
   out.makeCube();
-  EXPECT_EQ(computeIsotropicMeshRefinement(in, none, {}, out, noneOut, 0.3f), 0u);
+  EXPECT_EQ(computeIsotropicMeshRefinement(in, none, {}, out, noneOut, 0.3f, nullptr, quiet), 0u);
   EXPECT_EQ(out.fn(), 0u);
-  EXPECT_EQ(computeIsotropicMeshRefinement(in, none, allFaces(in), out, noneOut, 0.f), 0u);
-  EXPECT_EQ(computeIsotropicMeshRefinement(in, none, {99999u}, out, noneOut, 0.3f), 0u);
+  EXPECT_EQ(
+      computeIsotropicMeshRefinement(in, none, allFaces(in), out, noneOut, 0.f, nullptr, quiet),
+      0u);
+  EXPECT_EQ(computeIsotropicMeshRefinement(in, none, {99999u}, out, noneOut, 0.3f, nullptr, quiet),
+            0u);
 }
 
 TEST(isotropicMeshRefinement, sameMeshAsResultAndScans) {
   editMesh m = sphere();
   attributeList none, noneOut;
   const double volume = testMeshes::signedVolume(m);
-  ASSERT_GT(computeIsotropicMeshRefinement(m, none, allFaces(m), m, noneOut, 0.1f), 0u);
+  ASSERT_GT(computeIsotropicMeshRefinement(m, none, allFaces(m), m, noneOut, 0.1f, nullptr, quiet),
+            0u);
   ASSERT_MESH_VALID(m);
   EXPECT_NEAR(testMeshes::signedVolume(m), volume, 0.01 * volume);
 
@@ -281,7 +308,9 @@ TEST(isotropicMeshRefinement, sameMeshAsResultAndScans) {
     const double mean = meanLength(scan);
     editMesh out;
     const float length = float(1.5 * mean);
-    ASSERT_GT(computeIsotropicMeshRefinement(scan, none, allFaces(scan), out, noneOut, length), 0u)
+    ASSERT_GT(computeIsotropicMeshRefinement(scan, none, allFaces(scan), out, noneOut, length,
+                                             nullptr, quiet),
+              0u)
         << name;
     ASSERT_MESH_VALID(out);
     EXPECT_GE(shareWithin(out, 0.0, length), 0.95) << name;
@@ -297,8 +326,8 @@ TEST(isotropicMeshRefinement, anyMeshThroughItsInterface) {
   JEV::MESH::editMeshInterface source(in);
   JEV::MESH::POSTPROCESSING::triMesh out;
   attributeList attributes(in.vn(), {1.f, 2.f, 3.f, 4.f}), attributesOut;
-  const unsigned made =
-      computeIsotropicMeshRefinement(source, attributes, allFaces(in), out, attributesOut, 0.1f);
+  const unsigned made = computeIsotropicMeshRefinement(source, attributes, allFaces(in), out,
+                                                       attributesOut, 0.1f, nullptr, quiet);
   ASSERT_GT(made, 0u);
   EXPECT_EQ(out.fn(), made);
   ASSERT_EQ(attributesOut.size(), out.vn());

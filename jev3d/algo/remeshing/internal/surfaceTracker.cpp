@@ -8,6 +8,7 @@
 #include <limits>
 #include <ostream>
 
+#include "jev3d/math/triangleQueries.h"
 #include "jev3d/math/triangleTree.h"
 #include "jev3d/system/callBack.h"
 
@@ -22,7 +23,6 @@ namespace {
 using p3 = MATH::point3<float>;
 constexpr unsigned int NONE = surfaceTracker::NONE;
 constexpr unsigned int MAX_SPLIT_PASSES = 8;
-constexpr unsigned int MAX_COLLAPSE_PASSES = 4;
 constexpr unsigned int FLIP_PASSES = 2;
 // During the rounds a collapse may make edges up to this much above the longest
 // allowed: the rounds then settle near the middle of the allowed lengths, not at their
@@ -57,6 +57,15 @@ struct surfaceTracker::state {
   std::vector<unsigned char> fixed;  // per vertex: never moves nor goes away
   std::vector<unsigned char> fresh;  // per vertex: made by a split this round
   MATH::triangleTree input;
+  std::vector<p3> inputPos;
+  std::vector<unsigned int> inputTri;
+  // Per vertex, the input triangle it was last projected onto (NONE before): its
+  // distance bounds the next search, which then prunes nearly all of the tree.
+  std::vector<unsigned int> hint;
+  std::vector<unsigned int> inputVtStart, inputVtList;  // input triangles at each position
+  // Scratch of a collapse pass: the vertex each one went into (itself while it stays),
+  // and the chain of vertices gone into each one, through which its faces are read.
+  std::vector<unsigned int> mergedInto, chain, chainTail;
 
   // Adjacency of the live faces, rebuilt by buildTopology.
   std::vector<edgeRec> edges;
@@ -65,8 +74,9 @@ struct surfaceTracker::state {
   std::vector<unsigned char> border, feature;  // per vertex
   std::vector<unsigned char> featureEdge;      // per edge
   std::vector<unsigned int> valence;
-  std::vector<unsigned int> mark;  // per vertex scratch
-  std::vector<unsigned int> fill;  // scratch of buildTopology
+  std::vector<unsigned int> mark;                 // per vertex scratch
+  std::vector<unsigned int> fill;                 // scratch of buildTopology
+  std::vector<unsigned int> sideOwner, sideEdge;  // scratch of buildTopology
   unsigned int markValue = 0;
 
   unsigned int fn() const { return unsigned(dead.size()); }
@@ -90,11 +100,18 @@ struct surfaceTracker::state {
   bool splitLongEdges();
   unsigned int collapseShortEdges(float reach);
   unsigned int flipEdges(bool forLength);
-  bool collapseAllowed(const edgeRec& e, unsigned int keep, unsigned int gone, const p3& p,
-                       float reach);
+  bool collapseAllowed(unsigned int keep, unsigned int gone, const p3& p, float reach);
+  // Calls fn(f) for the live faces around v, including those of the vertices collapsed
+  // into v during the current pass, while fn returns true; false if fn stopped it.
+  template <class Fn>
+  bool forFacesOf(unsigned int v, Fn fn) {
+    for (unsigned int u = v; u != NONE; u = chain[u])
+      for (unsigned int i = vfStart[u]; i < vfStart[u + 1]; ++i)
+        if (!dead[vfList[i]] && !fn(vfList[i])) return false;
+    return true;
+  }
   bool flipAllowed(const edgeRec& e, unsigned int c, unsigned int d);
   void relaxAndProject(bool relax);
-  void collapsePasses(float reach);
 };
 
 surfaceTracker::surfaceTracker(const std::vector<p3>& positions,
@@ -118,6 +135,16 @@ surfaceTracker::surfaceTracker(const std::vector<p3>& positions,
   }
   s->dead.assign(s->tri.size() / 3, 0);
   s->input.build(positions.data(), positions.size(), s->tri.data(), s->tri.size() / 3);
+  s->inputPos = positions;
+  s->inputTri = s->tri;
+  s->hint.assign(n, NONE);
+  for (size_t k = 0; k < s->tri.size(); ++k) s->hint[s->tri[k]] = unsigned(k / 3);
+  s->inputVtStart.assign(n + 1, 0);
+  for (unsigned int v : s->tri) ++s->inputVtStart[v + 1];
+  for (size_t v = 0; v < n; ++v) s->inputVtStart[v + 1] += s->inputVtStart[v];
+  s->inputVtList.resize(s->tri.size());
+  std::vector<unsigned int> at(s->inputVtStart.begin(), s->inputVtStart.end() - 1);
+  for (size_t k = 0; k < s->tri.size(); ++k) s->inputVtList[at[s->tri[k]]++] = unsigned(k / 3);
 }
 
 surfaceTracker::~surfaceTracker() = default;
@@ -139,14 +166,15 @@ void surfaceTracker::state::buildTopology() {
       for (unsigned int k = 0; k < 3; ++k) vfList[fill[V(f, k)]++] = f;
 
   edges.clear();
+  edges.reserve(size_t(nf) * 3 / 2 + 16);
   faceEdge.assign(size_t(nf) * 3, NONE);
   border.assign(nv, 0);
   valence.assign(nv, 0);
-  // Each side is taken from its smaller end: the sides there to larger neighbours are
-  // matched in a short list of the neighbours seen so far.
-  std::vector<std::pair<unsigned int, unsigned int>> seen;  // neighbour, edge
+  // Each side is taken from its smaller end: the sides there to larger neighbours w are
+  // matched through sideOwner[w] (v + 1 while v's sides are read) and sideEdge[w].
+  sideOwner.assign(nv, 0);
+  sideEdge.resize(nv);
   for (unsigned int v = 0; v < nv; ++v) {
-    seen.clear();
     for (unsigned int i = vfStart[v]; i < vfStart[v + 1]; ++i) {
       const unsigned int f = vfList[i];
       const unsigned int c = V(f, 0) == v ? 0u : (V(f, 1) == v ? 1u : 2u);
@@ -154,22 +182,19 @@ void surfaceTracker::state::buildTopology() {
       for (unsigned int k : {c, (c + 2) % 3}) {
         const unsigned int w = k == c ? V(f, (c + 1) % 3) : V(f, k);
         if (w < v) continue;
-        auto it = std::find_if(
-            seen.begin(), seen.end(),
-            [w](const std::pair<unsigned int, unsigned int>& x) { return x.first == w; });
-        if (it == seen.end()) {
+        if (sideOwner[w] != v + 1) {
           edgeRec e;
           e.a = V(f, k), e.b = V(f, (k + 1) % 3);
           e.f[0] = f, e.k[0] = static_cast<unsigned char>(k);
           e.f[1] = NONE, e.k[1] = 0;
           e.faces = 1;
-          seen.emplace_back(w, unsigned(edges.size()));
+          sideOwner[w] = v + 1, sideEdge[w] = unsigned(edges.size());
           faceEdge[3 * f + k] = unsigned(edges.size());
           edges.push_back(e);
           continue;
         }
-        edgeRec& e = edges[it->second];
-        faceEdge[3 * f + k] = it->second;
+        edgeRec& e = edges[sideEdge[w]];
+        faceEdge[3 * f + k] = sideEdge[w];
         if (e.faces == 1) e.f[1] = f, e.k[1] = static_cast<unsigned char>(k);
         if (e.faces < 3) ++e.faces;
       }
@@ -220,6 +245,7 @@ bool surfaceTracker::state::splitLongEdges() {
     mid[e] = unsigned(pos.size());
     pos.push_back((pos[r.a] + pos[r.b]) * 0.5f);
     origin.push_back(NONE);
+    hint.push_back(hint[r.a]);
     fixed.push_back(0);
     fresh.push_back(1);
     any = true;
@@ -237,44 +263,49 @@ bool surfaceTracker::state::splitLongEdges() {
 
 // The checks of a collapse moving keep to p and removing gone; no edge at p may exceed
 // reach times the longest edge allowed.
-bool surfaceTracker::state::collapseAllowed(const edgeRec& e, unsigned int keep, unsigned int gone,
-                                            const p3& p, float reach) {
+bool surfaceTracker::state::collapseAllowed(unsigned int keep, unsigned int gone, const p3& p,
+                                            float reach) {
   const float limit = reach * reach * params.maxEdgeLength * params.maxEdgeLength;
   // No edge at p may come out long; the commonest refusal, so it is tested first.
   for (unsigned int end : {keep, gone})
-    for (unsigned int i = vfStart[end]; i < vfStart[end + 1]; ++i)
-      for (unsigned int k = 0; k < 3 && !dead[vfList[i]]; ++k) {
-        const unsigned int w = V(vfList[i], k);
-        if (w != keep && w != gone && (p - pos[w]).squaredNorm() > limit) return false;
-      }
+    if (!forFacesOf(end, [&](unsigned int f) {
+          for (unsigned int k = 0; k < 3; ++k) {
+            const unsigned int w = V(f, k);
+            if (w != keep && w != gone && (p - pos[w]).squaredNorm() > limit) return false;
+          }
+          return true;
+        }))
+      return false;
   // Link condition: the two ends share exactly the far corners of the edge's faces.
   const unsigned int m = nextMark();
   unsigned int around = 0;
-  for (unsigned int i = vfStart[keep]; i < vfStart[keep + 1]; ++i) {
-    const unsigned int f = vfList[i];
-    if (dead[f]) continue;
+  forFacesOf(keep, [&](unsigned int f) {
     ++around;
     for (unsigned int k = 0; k < 3; ++k) mark[V(f, k)] = m;
-  }
-  unsigned int shared = 0;
+    return true;
+  });
+  unsigned int shared = 0, edgeFaces = 0;
+  unsigned int far[2] = {NONE, NONE};
   const unsigned int m2 = nextMark();
-  for (unsigned int i = vfStart[gone]; i < vfStart[gone + 1]; ++i) {
-    const unsigned int f = vfList[i];
-    if (dead[f]) continue;
+  forFacesOf(gone, [&](unsigned int f) {
     ++around;
+    const bool onEdge = V(f, 0) == keep || V(f, 1) == keep || V(f, 2) == keep;
     for (unsigned int k = 0; k < 3; ++k) {
       const unsigned int w = V(f, k);
       if (w == keep || w == gone) continue;
+      if (onEdge && edgeFaces < 2) far[edgeFaces] = w;
       if (mark[w] == m) ++shared, mark[w] = m2;
     }
-  }
-  if (shared != e.faces) return false;
-  if (around - 2u * e.faces < (border[keep] || border[gone] ? 1u : 3u)) return false;
+    edgeFaces += onEdge;
+    return true;
+  });
+  if (edgeFaces == 0 || edgeFaces > 2 || shared != edgeFaces) return false;
+  if (edgeFaces == 2 && border[keep] && border[gone]) return false;  // would pinch the surface
+  if (around - 2u * edgeFaces < (border[keep] || border[gone] ? 1u : 3u)) return false;
   // Nor may a far corner of the edge lose its last face.
-  for (unsigned int side = 0; side < e.faces; ++side) {
-    const unsigned int far = V(e.f[side], (e.k[side] + 2u) % 3u);
+  for (unsigned int side = 0; side < edgeFaces; ++side) {
     unsigned int live = 0;
-    for (unsigned int i = vfStart[far]; i < vfStart[far + 1]; ++i) live += !dead[vfList[i]];
+    forFacesOf(far[side], [&](unsigned int) { return ++live < 2; });
     if (live < 2) return false;
   }
   // No face may turn over or become a sliver, and the enclosed volume may change only
@@ -282,37 +313,39 @@ bool surfaceTracker::state::collapseAllowed(const edgeRec& e, unsigned int keep,
   double before = 0.0, after = 0.0;
   const p3 ref = p;
   for (unsigned int end : {keep, gone})
-    for (unsigned int i = vfStart[end]; i < vfStart[end + 1]; ++i) {
-      const unsigned int f = vfList[i];
-      if (dead[f]) continue;
-      const unsigned int a = V(f, 0), b = V(f, 1), c = V(f, 2);
-      const bool hasKeep = a == keep || b == keep || c == keep;
-      const bool hasGone = a == gone || b == gone || c == gone;
-      if (end == gone && hasKeep) continue;  // counted from keep's side
-      before += signedVolume(pos[a], pos[b], pos[c], ref);
-      if (hasKeep && hasGone) continue;  // goes away
-      auto at = [&](unsigned int v) { return v == keep || v == gone ? p : pos[v]; };
-      const p3 n0 = faceNormal(f), n1 = areaVector(at(a), at(b), at(c));
-      if (n0 * n1 <= 0.f) return false;
-      if (0.5f * n1.norm() < params.minTriangleArea) return false;
-      after += signedVolume(at(a), at(b), at(c), ref);
-    }
+    if (!forFacesOf(end, [&](unsigned int f) {
+          const unsigned int a = V(f, 0), b = V(f, 1), c = V(f, 2);
+          const bool hasKeep = a == keep || b == keep || c == keep;
+          const bool hasGone = a == gone || b == gone || c == gone;
+          if (end == gone && hasKeep) return true;  // counted from keep's side
+          before += signedVolume(pos[a], pos[b], pos[c], ref);
+          if (hasKeep && hasGone) return true;  // goes away
+          auto at = [&](unsigned int v) { return v == keep || v == gone ? p : pos[v]; };
+          const p3 n0 = faceNormal(f), n1 = areaVector(at(a), at(b), at(c));
+          if (n0 * n1 <= 0.f || 0.5f * n1.norm() < params.minTriangleArea) return false;
+          after += signedVolume(at(a), at(b), at(c), ref);
+          return true;
+        }))
+      return false;
   return std::fabs(after - before) <= params.maxVolumeChange;
 }
 
-// Short edges collapse, shortest first, in sets whose edges share no end. Each collapse
-// rewrites the faces at once, so the faces around the ends of the next one, read from
-// the lists of the last rebuild, are current; an end of a collapse is not an end again
-// before the rebuild, whose lists it would miss. A fixed end stays, a border end stays
-// against an inner one, otherwise the ends meet at the midpoint.
+// Short edges collapse, shortest first, in one pass. Each collapse rewrites the faces at
+// once and chains the lists of faces of the removed end to those of the kept one, so
+// the faces around an end are current without a rebuild; an edge read from the last
+// rebuild runs between the ends its ends went into. A fixed end stays, a border end
+// stays against an inner one, otherwise the ends meet at the midpoint.
 unsigned int surfaceTracker::state::collapseShortEdges(float reach) {
   const float limit = params.minEdgeLength * params.minEdgeLength;
-  // Shortest first, near enough: a counting sort into buckets of squared length.
-  constexpr unsigned int BUCKETS = 32;
+  // Shortest first, near enough: a counting sort into buckets of squared length. Each
+  // bucket is a sweep over the mesh in memory order; sixteen keep the sweeps few at
+  // hardly a change of the result.
+  constexpr unsigned int BUCKETS = 16;
   std::vector<unsigned int> bucketOf(edges.size(), BUCKETS), start(BUCKETS + 1, 0);
   for (unsigned int e = 0; e < edges.size(); ++e) {
-    const float l = (pos[edges[e].a] - pos[edges[e].b]).squaredNorm();
-    if (edges[e].faces > 2 || !(l < limit)) continue;
+    const edgeRec& r = edges[e];
+    const float l = (pos[r.a] - pos[r.b]).squaredNorm();
+    if (r.faces > 2 || !(l < limit)) continue;
     bucketOf[e] = std::min(BUCKETS - 1, unsigned(float(BUCKETS) * l / limit));
     ++start[bucketOf[e] + 1];
   }
@@ -320,44 +353,40 @@ unsigned int surfaceTracker::state::collapseShortEdges(float reach) {
   std::vector<unsigned int> order(start[BUCKETS]);
   for (unsigned int e = 0; e < edges.size(); ++e)
     if (bucketOf[e] < BUCKETS) order[start[bucketOf[e]]++] = e;
-  // The longest edge at each vertex gives a quick refusal: a neighbour w of a with
-  // |a - w| = longest[a] is at least longest[a] - |p - a| from p. Moves during the pass
-  // can only make this refuse a collapse the full test would take, never the reverse:
-  // the full test still decides every collapse made.
-  std::vector<float> longest(pos.size(), 0.f);
-  for (const edgeRec& r : edges) {
-    const float l = (pos[r.a] - pos[r.b]).norm();
-    longest[r.a] = std::max(longest[r.a], l), longest[r.b] = std::max(longest[r.b], l);
-  }
-  const float reachLength = reach * params.maxEdgeLength;
-  std::vector<unsigned char> taken(pos.size(), 0);
+  const unsigned int nv = unsigned(pos.size());
+  mergedInto.resize(nv);
+  chainTail.resize(nv);
+  for (unsigned int v = 0; v < nv; ++v) mergedInto[v] = chainTail[v] = v;
+  chain.assign(nv, NONE);
+  auto root = [&](unsigned int v) {
+    while (mergedInto[v] != v) v = mergedInto[v] = mergedInto[mergedInto[v]];
+    return v;
+  };
   unsigned int done = 0;
   for (unsigned int e : order) {
-    const edgeRec& r = edges[e];
-    if (taken[r.a] || taken[r.b]) continue;
-    const bool lockA = fixed[r.a] || feature[r.a] || (border[r.a] && !border[r.b]);
-    const bool lockB = fixed[r.b] || feature[r.b] || (border[r.b] && !border[r.a]);
+    const unsigned int a = root(edges[e].a), b = root(edges[e].b);
+    if (a == b || !((pos[a] - pos[b]).squaredNorm() < limit)) continue;
+    const bool lockA = fixed[a] || feature[a] || (border[a] && !border[b]);
+    const bool lockB = fixed[b] || feature[b] || (border[b] && !border[a]);
     if (lockA && lockB) continue;
-    if (r.faces == 2 && border[r.a] && border[r.b]) continue;  // would pinch the surface
-    const unsigned int keep = lockB ? r.b : r.a, gone = keep == r.a ? r.b : r.a;
-    const p3 p = lockA || lockB ? pos[keep] : (pos[r.a] + pos[r.b]) * 0.5f;
-    if (longest[r.a] - (p - pos[r.a]).norm() > reachLength ||
-        longest[r.b] - (p - pos[r.b]).norm() > reachLength)
-      continue;
-    if (!collapseAllowed(r, keep, gone, p, reach)) continue;
-    taken[keep] = taken[gone] = 1;
-    for (unsigned int i = vfStart[gone]; i < vfStart[gone + 1]; ++i) {
-      const unsigned int f = vfList[i];
-      if (dead[f]) continue;
+    const unsigned int keep = lockB ? b : a, gone = keep == a ? b : a;
+    const p3 p = lockA || lockB ? pos[keep] : (pos[a] + pos[b]) * 0.5f;
+    if (!collapseAllowed(keep, gone, p, reach)) continue;
+    forFacesOf(gone, [&](unsigned int f) {
       if (V(f, 0) == keep || V(f, 1) == keep || V(f, 2) == keep) {
         dead[f] = 1;
-        continue;
+        return true;
       }
       for (unsigned int k = 0; k < 3; ++k)
         if (tri[3 * f + k] == gone) tri[3 * f + k] = keep;
-    }
+      return true;
+    });
+    chain[chainTail[keep]] = gone;
+    chainTail[keep] = chainTail[gone];
+    mergedInto[gone] = keep;
     pos[keep] = p;
     fresh[keep] = fresh[keep] && fresh[gone];
+    border[keep] = border[keep] || border[gone];
     ++done;
   }
   if (!done) return 0;
@@ -468,11 +497,43 @@ void surfaceTracker::state::relaxAndProject(bool relax) {
     normal.normalize();
     const p3 move = relax ? centre * (1.f / area) - pos[v] : p3();
     const p3 target = pos[v] + move - normal * (normal * move);
+    // The surface is near: the last triangle projected onto, or one around its corners,
+    // usually holds the new closest point, and a projection inside that triangle is taken
+    // as it is (a nearer point elsewhere would need the surface to fold back within that
+    // distance). Otherwise the nearest found bounds the search of the tree, which then
+    // prunes nearly all of it (widened a little for the rounding of the tree's own
+    // arithmetic); failing that, the longest edge allowed does.
+    p3 onSurface;
+    bool projected = false;
+    float reach = params.maxEdgeLength * params.maxEdgeLength;
+    if (hint[v] != NONE) {
+      const unsigned int last = hint[v];
+      float best = std::numeric_limits<float>::max();
+      auto tryTriangle = [&](unsigned int t) {
+        const unsigned int* c = &inputTri[3 * size_t(t)];
+        float u, w;
+        const p3 q = MATH::closestPointOnTriangle(target, inputPos[c[0]], inputPos[c[1]],
+                                                  inputPos[c[2]], u, w);
+        const float d = (target - q).squaredNorm();
+        if (d >= best) return;
+        best = d, onSurface = q, hint[v] = t;
+        projected = u > 0.f && w > 0.f && u + w < 1.f;
+      };
+      tryTriangle(last);
+      for (unsigned int k = 0; k < 3 && !projected; ++k) {
+        const unsigned int corner = inputTri[3 * size_t(last) + k];
+        for (unsigned int i = inputVtStart[corner]; i < inputVtStart[corner + 1]; ++i)
+          tryTriangle(inputVtList[i]);
+      }
+      reach = best * 1.0001f + std::numeric_limits<float>::min();
+    }
     MATH::closestPointHit hit;
-    // The surface is near: a bounded search prunes most of the tree.
-    const float reach = params.maxEdgeLength * params.maxEdgeLength;
-    const bool projected = input.closestPoint(target, reach, hit) ||
-                           input.closestPoint(target, std::numeric_limits<float>::max(), hit);
+    if (!projected && (input.closestPoint(target, reach, hit) ||
+                       input.closestPoint(target, std::numeric_limits<float>::max(), hit))) {
+      projected = true;
+      onSurface = hit.point;
+      hint[v] = hit.triangle;
+    }
     const p3 old = pos[v];
     auto folds = [&]() {
       for (unsigned int i = vfStart[v]; i < vfStart[v + 1]; ++i) {
@@ -482,20 +543,11 @@ void surfaceTracker::state::relaxAndProject(bool relax) {
       }
       return false;
     };
-    pos[v] = projected ? hit.point : target;
+    pos[v] = projected ? onSurface : target;
     if (!folds()) continue;
     if (fresh[v]) log("Even mid-point subdivision introduces collision.  Backing out.");
     pos[v] = target;
     if (folds()) pos[v] = old;
-  }
-}
-
-// Collapse passes until one does little: what is left is mostly refused.
-void surfaceTracker::state::collapsePasses(float reach) {
-  for (unsigned int pass = 0; pass < MAX_COLLAPSE_PASSES; ++pass) {
-    const unsigned int done = collapseShortEdges(reach);
-    if (done) buildTopology();
-    if (done * 100u < fn()) break;
   }
 }
 
@@ -508,7 +560,7 @@ void surfaceTracker::improve(SYSTEM::callBack* cb) {
     std::fill(t.fresh.begin(), t.fresh.end(), 0);
     for (unsigned int pass = 0; pass < MAX_SPLIT_PASSES && t.splitLongEdges(); ++pass)
       t.buildTopology();
-    t.collapsePasses(COLLAPSE_REACH);
+    if (t.collapseShortEdges(COLLAPSE_REACH)) t.buildTopology();
     for (unsigned int pass = 0; pass < FLIP_PASSES && t.flipEdges(false); ++pass) t.buildTopology();
     t.relaxAndProject(true);
     if (cb) cb->setValue(1.f + 97.f * float(round + 1) / float(rounds));
@@ -521,7 +573,7 @@ void surfaceTracker::improve(SYSTEM::callBack* cb) {
     t.buildTopology();
     t.relaxAndProject(false);
   }
-  t.collapsePasses(1.f);
+  t.collapseShortEdges(1.f);  // the result reads only the faces: no rebuild
   if (cb) cb->setValue(100.0f);
 }
 

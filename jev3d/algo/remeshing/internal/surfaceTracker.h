@@ -31,9 +31,10 @@ struct trackerParams {
 // An explicit surface tracker for isotropic remeshing: each round splits long edges,
 // collapses short ones, flips edges towards valence 6 (4 on a border), relaxes the
 // vertices in their tangent planes and projects them back onto the input surface. The
-// surface is a triangle list; operations run in independent sets, with the adjacency
-// rebuilt between sets. Vertices with an infinite mass never move nor go away; neither
-// do the ends of non-manifold edges.
+// surface is a triangle list; splits and flips run in independent sets, collapses in
+// one pass that chains the faces of merged vertices, with the adjacency rebuilt in
+// between. Vertices with an infinite mass never move nor go away; neither do the ends of
+// non-manifold edges.
 class surfaceTracker {
  public:
   static constexpr unsigned int NONE = 0xFFFFFFFFu;
