@@ -1,0 +1,360 @@
+// The editor in a real window, driven by scripted input through the window procedure: a
+// generated scan with holes (and the shared bunny when present) is opened, a region is
+// selected with the rectangle, smoothed, undone, redone, the holes are filled and the
+// result is saved and read back; bad files leave the mesh as it was.
+#include <SDL.h>
+#include <gtest/gtest.h>
+
+#include <array>
+#include <atomic>
+#include <chrono>
+#include <cstdlib>
+#include <cstring>
+#include <fstream>
+#include <functional>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "editorWindow.h"
+#include "jev3d/editing/editMeshNode.h"
+#include "jev3d/gui/guiController.h"
+#include "jev3d/gui/menu.h"
+#include "jev3d/io/ply/ioPly.h"
+#include "jev3d/io/xml/stringConversion.h"
+#include "jev3d/platform/messages.h"
+#include "jev3d/platform/platform.h"
+#include "jev3d/renderer/rendergl/renderGL.h"
+#include "jev3d/scene/trackballNode.h"
+#include "jev3d/system/application.h"
+#include "support/dataFiles.h"
+#include "support/meshes.h"
+#include "support/tempDir.h"
+
+using namespace JEV;
+using namespace JEV::PLATFORM;
+using JEV::MESH::editMesh;
+
+namespace {
+
+constexpr int W = 640;
+constexpr int H = 480;
+
+// A step returns true when it is done; the window runs one step check per update.
+using step = std::function<bool()>;
+
+// The editor with a script: at each update, after the editor's own, the current step runs
+// until it says it is done; after the last the window closes.
+class scriptedEditor : public EDITOR::editorWindow {
+ public:
+  scriptedEditor(SYSTEM::application* app, RENDERING::renderer* device,
+                 std::vector<std::string> files)
+      : editorWindow(app, device, std::move(files), /*tickAlways=*/true) {
+    setSize(W, H);
+    renderGui = false;  // drawn in draw, so that the frame can be read before the swap
+  }
+
+  void draw() override {
+    editorWindow::draw();
+    if (auto* gui = getGuiController()) gui->render();
+    if (!grab) return;
+    grab = false;
+    frame.assign(size_t(W) * H * 4, 0);
+    getRenderer()->readPixels(0, 0, W, H, RENDERING::renderer::PIXELDATA_RGBA,
+                              RENDERING::renderer::DATA_UNSIGNED_BYTE, frame.data());
+    grabbed = true;
+  }
+  // Pixel (x, y) of the last grabbed frame, from the bottom left.
+  std::array<int, 3> pixel(int x, int y) const {
+    const std::uint8_t* p = frame.data() + (size_t(y) * W + size_t(x)) * 4;
+    return {p[0], p[1], p[2]};
+  }
+  // Asks for a frame to be read back and waits for it.
+  void grabFrame() {
+    steps.push_back([this] {
+      grab = true;
+      grabbed = false;
+      return true;
+    });
+    steps.push_back([this] { return grabbed; });
+  }
+
+  bool update() override {
+    editorWindow::update();
+    handle = getHWnd();
+    refresh();  // the script runs at every tick, not only when something changed
+    if (!isReady()) return true;
+    if (next < steps.size()) {
+      if (steps[next]()) ++next;
+    } else if (!closing) {
+      closing = true;
+      closeWindow();
+    }
+    return true;
+  }
+
+  // Native input, as the platform would post it: y counts from the top.
+  void post(unsigned msg, float x, float y, std::uint64_t w = 0) {
+    current().postMessage(getHWnd(), msg, w, makeLParam(int(x), H - int(y)));
+  }
+  void click(float x, float y) {
+    post(WM_MOUSEMOVE, x, y);
+    post(WM_LBUTTONDOWN, x, y, MK_LBUTTON);
+    post(WM_LBUTTONUP, x, y);
+  }
+  void drag(float x0, float y0, float x1, float y1, unsigned down = WM_LBUTTONDOWN,
+            unsigned up = WM_LBUTTONUP, std::uint64_t bit = MK_LBUTTON) {
+    post(WM_MOUSEMOVE, x0, y0);
+    post(down, x0, y0, bit);
+    for (int i = 1; i <= 8; ++i)
+      post(WM_MOUSEMOVE, x0 + (x1 - x0) * float(i) / 8, y0 + (y1 - y0) * float(i) / 8, bit);
+    post(up, x1, y1);
+  }
+  void key(unsigned vk, bool ctrl) {
+    if (ctrl) current().postMessage(getHWnd(), WM_KEYDOWN, VK_CONTROL, 1);
+    current().postMessage(getHWnd(), WM_KEYDOWN, vk, 1);
+    current().postMessage(getHWnd(), WM_KEYUP, vk, 1);
+    if (ctrl) current().postMessage(getHWnd(), WM_KEYUP, VK_CONTROL, 1);
+  }
+  void type(const std::string& text) {
+    for (char c : text) current().postMessage(getHWnd(), WM_CHAR, std::uint64_t(c), 1);
+    current().postMessage(getHWnd(), WM_CHAR, VK_RETURN, 1);
+  }
+  // Clicks the middle of a widget, found by id.
+  bool clickWidget(const std::wstring& id) {
+    GUI::widget* w = getGuiController()->getWidget(id);
+    if (!w || !w->isVisible()) return false;
+    const auto at = w->getAbsolutePos();
+    click(at.x + w->getWidth() / 2, at.y + w->getHeight() / 2);
+    return true;
+  }
+  // A menu command the way a user reaches it: the bar button, then the item once its
+  // menu shows.
+  void menuSteps(const std::wstring& bar, const std::wstring& menuId, const std::wstring& item) {
+    steps.push_back([=] { return clickWidget(bar); });
+    steps.push_back([=] {
+      auto* m = dynamic_cast<GUI::menu*>(getGuiController()->getWidget(menuId));
+      return m && m->isVisible() && clickWidget(item);
+    });
+  }
+  void waitIdle() {
+    steps.push_back([this] { return !getJobs().isBusy(); });
+  }
+  // Waits a few updates so that posted input has been taken.
+  void settle(int updates = 3) {
+    auto left = std::make_shared<int>(updates);
+    steps.push_back([left] { return --*left <= 0; });
+  }
+  void check(std::function<void()> f) {
+    steps.push_back([this, f] {
+      SCOPED_TRACE(IO::XML::wstringToUtf8(getStatus()));
+      f();
+      return true;
+    });
+  }
+
+  std::vector<step> steps;
+  std::vector<std::uint8_t> frame;
+  bool grab = false, grabbed = false;
+  size_t next = 0;
+  bool closing = false;
+  std::atomic<windowHandle> handle{0};
+};
+
+// The editor's window is a main window, whose close ends the process; the tests' loop
+// returns instead.
+class testApplication : public SYSTEM::application {
+ public:
+  testApplication() : application(L"", L"") {}
+  void terminateApplication() override {}
+};
+
+// Runs the loop; closes the window if the script stalls, so a broken display fails the
+// test instead of hanging the suite.
+bool runScript(SYSTEM::application& app, scriptedEditor& win, int seconds = 120) {
+  std::atomic<bool> done{false};
+  std::thread watchdog([&] {
+    for (int i = 0; i < seconds * 10 && !done; ++i)
+      std::this_thread::sleep_for(std::chrono::milliseconds(100));
+    if (!done && win.handle.load()) current().postMessage(win.handle.load(), WM_CLOSE, 0, 0);
+  });
+  app.mainLoop();
+  done = true;
+  watchdog.join();
+  return win.next == win.steps.size();
+}
+
+// The same stores, byte for byte where they are plain data: positions, normals, corners,
+// every flag and the selection counters.
+void expectSameStores(const editMesh& a, const editMesh& b) {
+  ASSERT_EQ(a.vn(), b.vn());
+  ASSERT_EQ(a.fn(), b.fn());
+  ASSERT_EQ(a.en(), b.en());
+  for (unsigned v = 0; v < a.vn(); ++v) {
+    ASSERT_EQ(std::memcmp(&a.vPos(v), &b.vPos(v), sizeof(a.vPos(v))), 0) << "vertex " << v;
+    ASSERT_EQ(std::memcmp(&a.vNor(v), &b.vNor(v), sizeof(a.vNor(v))), 0) << "normal " << v;
+    ASSERT_EQ(a.getVertFlag(v), b.getVertFlag(v)) << "vertex flag " << v;
+  }
+  for (unsigned f = 0; f < a.fn(); ++f) {
+    ASSERT_EQ(a.fVNum(f), b.fVNum(f));
+    for (unsigned i = 0; i < a.fVNum(f); ++i) ASSERT_EQ(a.fV(f, i), b.fV(f, i));
+    ASSERT_EQ(a.isFaceSelected(f), b.isFaceSelected(f));
+    ASSERT_EQ(a.isFaceDeleted(f), b.isFaceDeleted(f));
+  }
+  EXPECT_EQ(a.getSelFn(), b.getSelFn());
+  EXPECT_EQ(a.getSelVn(), b.getSelVn());
+  EXPECT_EQ(a.getSelEn(), b.getSelEn());
+}
+
+// A sphere with three quads left out: three holes of four edges.
+std::string writeHoledSphere(const tempDir& dir, unsigned& faces) {
+  editMesh m;
+  testMeshes::makeSphere(m, 24, 32);
+  testMeshes::finishMesh(m);
+  for (unsigned f : {100u, 300u, 500u}) m.deleteFace(f);
+  faces = testMeshes::liveFaces(m);
+  const std::string path = dir.file("holed sphere.ply");
+  EXPECT_TRUE(m.saveMeshToPly(path));
+  return path;
+}
+
+bool readBack(const std::string& path, IO::PLY::plyPolygonMesh& out) {
+  return IO::PLY::ioPly::readPlyPolygonsFromFile(path, out);
+}
+
+}  // namespace
+
+TEST(editorOnDisplay, selectsSmoothsUndoesRedoesFillsHolesAndSaves) {
+  tempDir dir;
+  unsigned openedFaces = 0;
+  const std::string input = writeHoledSphere(dir, openedFaces);
+  const std::string output = dir.file("edited.ply");
+
+  testApplication app;
+  RENDERING::renderGL device;
+  scriptedEditor e(&app, &device, {input});
+  app.addWin(&e);
+
+  editMesh original, selected, smoothed, filled;
+  e.waitIdle();
+  e.check([&] {
+    EXPECT_NE(e.getStatus().find(L"Opened"), std::wstring::npos);
+    original = e.getDocument().mesh();
+    EXPECT_EQ(testMeshes::liveFaces(original), openedFaces);
+    EXPECT_EQ(testMeshes::borderEdges(original), 12u);
+  });
+  // The sphere fills the middle of the view, lit; the menu bar and the status line are
+  // drawn over the scene at the top and the bottom.
+  e.grabFrame();
+  e.check([&] {
+    const std::array<int, 3> background{72, 76, 82};
+    EXPECT_NE(e.pixel(W / 2, H / 2), background);
+    EXPECT_NE(e.pixel(W / 2, H - 10), background);
+    EXPECT_NE(e.pixel(W / 2, 10), background);
+    EXPECT_EQ(e.pixel(20, H / 2), background);
+    if (std::getenv("EDITOR_DUMP")) {
+      std::ofstream out(std::getenv("EDITOR_DUMP"), std::ios::binary);
+      out << "P6 " << W << " " << H << " 255\n";
+      for (int y = H - 1; y >= 0; --y)
+        for (int x = 0; x < W; ++x) {
+          const auto p = e.pixel(x, y);
+          out << char(p[0]) << char(p[1]) << char(p[2]);
+        }
+    }
+  });
+  // Select > Tool: rectangle, then a drag over the middle of the view.
+  e.menuSteps(L"BAR_SELECT", L"MENU_SELECT", L"TOOL_RECTANGLE");
+  e.settle();
+  e.check([&] { EXPECT_EQ(e.getTool(), EDITOR::selectTool::RECTANGLE); });
+  e.steps.push_back([&] {
+    e.drag(W / 2 - 60, H / 2 - 60, W / 2 + 60, H / 2 + 60);
+    return true;
+  });
+  e.settle();
+  e.check([&] {
+    const editMesh& m = e.getDocument().mesh();
+    EXPECT_GT(m.getSelFn(), 10u);
+    EXPECT_LT(m.getSelFn(), testMeshes::liveFaces(m));
+    EXPECT_MESH_VALID(m);
+    selected = m;
+  });
+  // Algorithms > Smooth moves the selected vertices only.
+  e.menuSteps(L"BAR_ALGORITHMS", L"MENU_ALGORITHMS", L"ALGO_SMOOTH");
+  e.settle(2);
+  e.waitIdle();
+  e.check([&] {
+    const editMesh& m = e.getDocument().mesh();
+    EXPECT_MESH_VALID(m);
+    ASSERT_EQ(m.vn(), selected.vn());
+    unsigned moved = 0;
+    for (unsigned v = 0; v < m.vn(); ++v) {
+      const bool same = std::memcmp(&m.vPos(v), &selected.vPos(v), sizeof(m.vPos(v))) == 0;
+      if (!selected.isVertSelected(v)) {
+        EXPECT_TRUE(same) << "unselected vertex " << v << " moved";
+      }
+      moved += !same;
+    }
+    EXPECT_GT(moved, 0u);
+    smoothed = m;
+  });
+  // Ctrl+Z twice: the smoothing, then the selection; the stores are the opened ones.
+  e.steps.push_back([&] {
+    e.key('Z', true);
+    return true;
+  });
+  e.settle();
+  e.check([&] { expectSameStores(e.getDocument().mesh(), selected); });
+  e.steps.push_back([&] {
+    e.key('Z', true);
+    return true;
+  });
+  e.settle();
+  e.check([&] {
+    expectSameStores(e.getDocument().mesh(), original);
+    EXPECT_MESH_VALID(e.getDocument().mesh());
+  });
+  // Edit > Redo twice brings the smoothed mesh back.
+  e.menuSteps(L"BAR_EDIT", L"MENU_EDIT", L"EDIT_REDO");
+  e.settle();
+  e.menuSteps(L"BAR_EDIT", L"MENU_EDIT", L"EDIT_REDO");
+  e.settle();
+  e.check([&] { expectSameStores(e.getDocument().mesh(), smoothed); });
+  // Algorithms > Fill holes closes the three holes.
+  e.menuSteps(L"BAR_ALGORITHMS", L"MENU_ALGORITHMS", L"ALGO_FILL_HOLES");
+  e.settle(2);
+  e.waitIdle();
+  e.check([&] {
+    const editMesh& m = e.getDocument().mesh();
+    EXPECT_MESH_VALID(m);
+    EXPECT_EQ(testMeshes::borderEdges(m), 0u);
+    EXPECT_GT(testMeshes::liveFaces(m), openedFaces);
+    EXPECT_NE(e.getStatus().find(L"Holes filled: 3 of 3"), std::wstring::npos);
+    filled = m;
+  });
+  // File > Save as, with the path typed.
+  e.menuSteps(L"BAR_FILE", L"MENU_FILE", L"FILE_SAVE_AS");
+  e.steps.push_back([&] {
+    for (int i = 0; i < 300; ++i) current().postMessage(e.getHWnd(), WM_CHAR, VK_BACK, 1);
+    e.type(output);
+    return true;
+  });
+  e.settle(4);
+
+  ASSERT_TRUE(runScript(app, e)) << "the script stopped at step " << e.next;
+  IO::PLY::plyPolygonMesh saved;
+  ASSERT_TRUE(readBack(output, saved));
+  unsigned liveVertices = 0;
+  for (unsigned v = 0; v < filled.vn(); ++v) liveVertices += !filled.isVertDeleted(v);
+  EXPECT_EQ(saved.positions.size(), liveVertices);
+  EXPECT_EQ(saved.cornerCounts.size(), testMeshes::liveFaces(filled));
+  editMesh closed;
+  for (const auto& p : saved.positions) closed.addVertex(p);
+  size_t at = 0;
+  for (unsigned n : saved.cornerCounts) {
+    closed.addFace(saved.corners.data() + at, n);
+    at += n;
+  }
+  testMeshes::finishMesh(closed);
+  EXPECT_EQ(testMeshes::borderEdges(closed), 0u);
+  EXPECT_GT(testMeshes::signedVolume(closed), 3.5);  // a closed unit sphere: about 4.1
+}
