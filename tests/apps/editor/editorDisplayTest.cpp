@@ -10,8 +10,10 @@
 #include <chrono>
 #include <cstdlib>
 #include <cstring>
+#include <filesystem>
 #include <fstream>
 #include <functional>
+#include <iterator>
 #include <string>
 #include <thread>
 #include <vector>
@@ -19,6 +21,7 @@
 #include "editorWindow.h"
 #include "jev3d/editing/editMeshNode.h"
 #include "jev3d/gui/guiController.h"
+#include "jev3d/gui/item.h"
 #include "jev3d/gui/menu.h"
 #include "jev3d/io/ply/ioPly.h"
 #include "jev3d/io/xml/stringConversion.h"
@@ -120,12 +123,13 @@ class scriptedEditor : public EDITOR::editorWindow {
     for (char c : text) current().postMessage(getHWnd(), WM_CHAR, std::uint64_t(c), 1);
     current().postMessage(getHWnd(), WM_CHAR, VK_RETURN, 1);
   }
-  // Clicks the middle of a widget, found by id.
-  bool clickWidget(const std::wstring& id) {
+  // Clicks (or only points at) the middle of a widget, found by id.
+  bool clickWidget(const std::wstring& id, bool press = true) {
     GUI::widget* w = getGuiController()->getWidget(id);
     if (!w || !w->isVisible()) return false;
     const auto at = w->getAbsolutePos();
-    click(at.x + w->getWidth() / 2, at.y + w->getHeight() / 2);
+    const float x = at.x + w->getWidth() / 2, y = at.y + w->getHeight() / 2;
+    press ? click(x, y) : post(WM_MOUSEMOVE, x, y);
     return true;
   }
   // A menu command the way a user reaches it: the bar button, then the item once its
@@ -357,4 +361,182 @@ TEST(editorOnDisplay, selectsSmoothsUndoesRedoesFillsHolesAndSaves) {
   testMeshes::finishMesh(closed);
   EXPECT_EQ(testMeshes::borderEdges(closed), 0u);
   EXPECT_GT(testMeshes::signedVolume(closed), 3.5);  // a closed unit sphere: about 4.1
+}
+
+TEST(editorOnDisplay, badFilesLeaveTheMeshAsItWasAndSayWhy) {
+  tempDir dir;
+  unsigned faces = 0;
+  const std::string good = writeHoledSphere(dir, faces);
+  // The good file cut in the middle of its face list.
+  const std::string truncated = dir.file("truncated.ply");
+  {
+    std::ifstream in(good, std::ios::binary);
+    std::string bytes((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
+    std::ofstream(truncated, std::ios::binary) << bytes.substr(0, bytes.size() * 3 / 4);
+  }
+  const std::string notMesh = dir.file("notes.ply");
+  std::ofstream(notMesh) << "these are notes, not a mesh\n";
+  const std::string points = dir.file("points.ply");
+  {
+    editMesh cloud;
+    for (int i = 0; i < 10; ++i) cloud.addVertex(float(i), 0.f, 0.f);
+    ASSERT_TRUE(cloud.saveMeshToPly(points));
+  }
+  const std::string text = dir.file("mesh.txt");
+  std::ofstream(text) << "ply\n";
+
+  testApplication app;
+  RENDERING::renderGL device;
+  scriptedEditor e(&app, &device, {good});
+  app.addWin(&e);
+  editMesh opened;
+  e.waitIdle();
+  e.check([&] { opened = e.getDocument().mesh(); });
+  // Each bad file is refused with its reason on the status line; the mesh is untouched.
+  const std::pair<std::string, std::wstring> cases[] = {{dir.file("missing.ply"), L"no such file"},
+                                                        {truncated, L"not a readable PLY mesh"},
+                                                        {notMesh, L"not a readable PLY mesh"},
+                                                        {points, L"holds no faces"},
+                                                        {text, L"not a mesh file"},
+                                                        {dir.dir().string(), L"is a folder"}};
+  for (const auto& [path, reason] : cases) {
+    e.steps.push_back([&e, path = path] { return e.openFile(path); });
+    e.waitIdle();
+    e.check([&e, &opened, reason = reason] {
+      EXPECT_NE(e.getStatus().find(reason), std::wstring::npos);
+      expectSameStores(e.getDocument().mesh(), opened);
+    });
+  }
+  // The same through the interface: a typed path, and a file dropped on the window.
+  e.menuSteps(L"BAR_FILE", L"MENU_FILE", L"FILE_OPEN_PATH");
+  e.steps.push_back([&] {
+    e.type(truncated);
+    return true;
+  });
+  e.settle();
+  e.waitIdle();
+  e.check([&] {
+    EXPECT_NE(e.getStatus().find(L"truncated.ply: not a readable PLY mesh"), std::wstring::npos);
+    expectSameStores(e.getDocument().mesh(), opened);
+  });
+  e.steps.push_back([&] {
+    SDL_Event drop{};
+    drop.type = SDL_DROPFILE;
+    drop.drop.file = SDL_strdup(notMesh.c_str());
+    drop.drop.windowID = Uint32(e.getHWnd());
+    return SDL_PushEvent(&drop) == 1;
+  });
+  e.settle(4);
+  e.waitIdle();
+  e.check([&] {
+    EXPECT_NE(e.getStatus().find(L"notes.ply: not a readable PLY mesh"), std::wstring::npos);
+    expectSameStores(e.getDocument().mesh(), opened);
+  });
+  // A good file dropped replaces the mesh.
+  e.steps.push_back([&] {
+    SDL_Event drop{};
+    drop.type = SDL_DROPFILE;
+    drop.drop.file = SDL_strdup(good.c_str());
+    drop.drop.windowID = Uint32(e.getHWnd());
+    return SDL_PushEvent(&drop) == 1;
+  });
+  e.settle(4);
+  e.waitIdle();
+  e.check([&] { EXPECT_NE(e.getStatus().find(L"Opened"), std::wstring::npos); });
+  ASSERT_TRUE(runScript(app, e)) << "the script stopped at step " << e.next;
+}
+
+TEST(editorOnDisplay, cancelLeavesTheMeshAsItWasAndFreesTheInterface) {
+  tempDir dir;
+  const std::string path = dir.file("sphere.ply");
+  {
+    editMesh m;
+    testMeshes::makeSphere(m, 200, 400);  // 160,000 faces: remeshing takes a while
+    testMeshes::finishMesh(m);
+    ASSERT_TRUE(m.saveMeshToPly(path));
+  }
+  testApplication app;
+  RENDERING::renderGL device;
+  scriptedEditor e(&app, &device, {path});
+  app.addWin(&e);
+  editMesh opened;
+  e.waitIdle();
+  e.check([&] { opened = e.getDocument().mesh(); });
+  e.menuSteps(L"BAR_ALGORITHMS", L"MENU_ALGORITHMS", L"ALGO_REMESH");
+  e.steps.push_back([&] { return e.getJobs().isBusy(); });
+  e.check([&] {
+    EXPECT_TRUE(e.getGuiController()->getWidget(std::wstring(L"PROGRESS"))->isVisible());
+  });
+  e.steps.push_back([&] { return e.clickWidget(L"CANCEL"); });
+  e.settle();
+  e.check([&] {
+    EXPECT_FALSE(e.getJobs().isBusy());
+    EXPECT_NE(e.getStatus().find(L"Cancelled"), std::wstring::npos);
+    EXPECT_FALSE(e.getGuiController()->getWidget(std::wstring(L"CANCEL"))->isVisible());
+    expectSameStores(e.getDocument().mesh(), opened);
+    EXPECT_EQ(e.getDocument().undoCount(), 0u);
+  });
+  ASSERT_TRUE(runScript(app, e)) << "the script stopped at step " << e.next;
+}
+
+// The shared bunny, opened from the file menu's list of the current folder: its holes are
+// filled and Ctrl+S saves it over the file, which reads back closed but for what the
+// filling could not reach.
+TEST(editorOnDisplay, opensTheBunnyFromTheFolderListFillsItsHolesAndSaves) {
+  JEV3D_REQUIRE_DATA("ply/stanford_bun_zipper.ply");
+  tempDir dir;
+  std::filesystem::copy_file(dataFile("ply/stanford_bun_zipper.ply"), dir.path("bunny.ply"));
+  const auto startedIn = std::filesystem::current_path();
+  std::filesystem::current_path(dir.dir());
+
+  testApplication app;
+  RENDERING::renderGL device;
+  scriptedEditor e(&app, &device, {});
+  app.addWin(&e);
+  unsigned holesBefore = 0;
+  editMesh filled;
+  e.check([&] { EXPECT_EQ(e.getListedFiles(), std::vector<std::string>{"bunny.ply"}); });
+  // File, then pointing at Open shows the folder's list.
+  e.steps.push_back([&] { return e.clickWidget(L"BAR_FILE"); });
+  e.steps.push_back([&] {
+    auto* file =
+        dynamic_cast<GUI::menu*>(e.getGuiController()->getWidget(std::wstring(L"MENU_FILE")));
+    return file && file->isVisible() && e.clickWidget(L"FILE_OPEN", false);
+  });
+  e.steps.push_back([&] {
+    auto* list =
+        dynamic_cast<GUI::menu*>(e.getGuiController()->getWidget(std::wstring(L"MENU_OPEN")));
+    return list && list->isVisible() && !list->getItems().empty() &&
+           e.clickWidget(list->getItems()[0]->getId());
+  });
+  e.settle();
+  e.waitIdle();
+  e.check([&] {
+    ASSERT_NE(e.getStatus().find(L"Opened bunny.ply"), std::wstring::npos);
+    holesBefore = testMeshes::borderEdges(e.getDocument().mesh());
+    EXPECT_GT(holesBefore, 0u);
+  });
+  e.menuSteps(L"BAR_ALGORITHMS", L"MENU_ALGORITHMS", L"ALGO_FILL_HOLES");
+  e.settle(2);
+  e.waitIdle();
+  e.check([&] {
+    const editMesh& m = e.getDocument().mesh();
+    EXPECT_MESH_VALID(m);
+    EXPECT_LT(testMeshes::borderEdges(m), holesBefore);
+    filled = m;
+  });
+  e.steps.push_back([&] {
+    e.key('S', true);
+    return true;
+  });
+  e.settle();
+  ASSERT_TRUE(runScript(app, e)) << "the script stopped at step " << e.next;
+  std::filesystem::current_path(startedIn);
+
+  IO::PLY::plyPolygonMesh saved;
+  ASSERT_TRUE(readBack(dir.file("bunny.ply"), saved));
+  unsigned liveVertices = 0;
+  for (unsigned v = 0; v < filled.vn(); ++v) liveVertices += !filled.isVertDeleted(v);
+  EXPECT_EQ(saved.positions.size(), liveVertices);
+  EXPECT_EQ(saved.cornerCounts.size(), testMeshes::liveFaces(filled));
 }
