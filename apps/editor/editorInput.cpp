@@ -332,6 +332,11 @@ void editorWindow::onOpenListClick(const SYSTEM::inputEvent* e) {
   }
 }
 
+void editorWindow::onWheel(const SYSTEM::inputEvent*) {
+  lastWheel = std::chrono::steady_clock::now();
+  refresh();
+}
+
 void editorWindow::onCancelClick(const SYSTEM::inputEvent*) {
   if (jobs.cancel()) setStatus("Cancelled: the mesh is as it was");
 }

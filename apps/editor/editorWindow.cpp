@@ -4,6 +4,7 @@
 #include <cmath>
 #include <filesystem>
 
+#include <jev3d/algo/remeshing/qECollapse.h>
 #include <jev3d/editing/editMeshNode.h>
 #include <jev3d/gui/guiController.h>
 #include <jev3d/gui/item.h>
@@ -22,6 +23,7 @@
 #include <jev3d/resources/textureStorage.h>
 #include <jev3d/scene/sgController.h>
 #include <jev3d/scene/trackballNode.h>
+#include <jev3d/system/inputContext.h>
 
 #include "editorInterface.h"
 
@@ -38,6 +40,12 @@ constexpr int START_WIDTH = 1024;
 constexpr int START_HEIGHT = 768;
 // Files the open menu lists at most; a folder of scans rarely holds more worth a menu.
 constexpr size_t MAX_LISTED_FILES = 40;
+// Meshes above this many faces orbit on a reduced copy of about REDUCED_TRIANGLES, which
+// software GL draws within a frame budget of a few tens of milliseconds.
+constexpr unsigned int REDUCE_ABOVE_FACES = 300000;
+constexpr unsigned int REDUCED_TRIANGLES = 100000;
+// The wheel counts as moving the camera this long after its last step.
+constexpr std::chrono::milliseconds WHEEL_SETTLE(300);
 
 std::wstring wide(const std::string& s) { return IO::XML::utf8ToWstring(s); }
 
@@ -86,8 +94,11 @@ void editorWindow::buildScene() {
   auto* light = static_cast<RENDERING::RENDERSTATE::lightstate*>(
       scene->addNode(new RENDERING::RENDERSTATE::lightstate(), "light"));
   node = static_cast<editMeshNode*>(scene->addNode(new editMeshNode(getRenderer()), "mesh"));
+  reduced = static_cast<editMeshNode*>(scene->addNode(new editMeshNode(getRenderer()), "reduced"));
   light->connect(camera, false);
   node->connect(light, false);
+  reduced->connect(light, false);
+  reduced->disabled = true;
   scene->setRoot(camera);
   light->enable = true;
   light->viewFlag = true;  // shines along the camera's forward
@@ -103,6 +114,7 @@ bool editorWindow::deInit() {
   jobs.cancel();
   if (scene) {
     if (node) node->discard();
+    if (reduced) reduced->discard();
     scene->discard();
   }
   delete ball;
@@ -161,7 +173,8 @@ bool editorWindow::buildInterface() {
                          std::pair{SYSTEM::MOUSE_LEFT_UP, &editorWindow::onLeftUp},
                          std::pair{SYSTEM::KEY_DOWN, &editorWindow::onKeyDown},
                          std::pair{SYSTEM::KEY_UP, &editorWindow::onKeyUp},
-                         std::pair{SYSTEM::KEY_CHAR, &editorWindow::onKeyChar}}) {
+                         std::pair{SYSTEM::KEY_CHAR, &editorWindow::onKeyChar},
+                         std::pair{SYSTEM::MOUSE_WHEEL, &editorWindow::onWheel}}) {
     handlers.emplace_back(this, m);
     registerAbsoluteInputEventCallBack(type, handlers.back());
   }
@@ -451,9 +464,79 @@ bool editorWindow::update() {
     if (!startFiles.empty()) openFile(startFiles.back());
   }
   jobs.poll();
+  reducedJobs.poll();
+  if (needsReducedCopy() && reducedRevision != document->getRevision() && !reducedJobs.isBusy())
+    startReducedCopy();
   takeDroppedFiles();
   showProgress();
   return true;
+}
+
+bool editorWindow::needsReducedCopy() const {
+  return document && document->mesh().fn() > REDUCE_ABOVE_FACES;
+}
+
+bool editorWindow::isLevelOfDetailReady() const {
+  return !needsReducedCopy() || reducedRevision == document->getRevision();
+}
+
+void editorWindow::startReducedCopy() {
+  // The live triangles as a soup, taken here so that the job reads nothing of the document.
+  const MESH::editMesh& m = document->mesh();
+  auto positions = std::make_shared<std::vector<point3f>>();
+  auto triangles = std::make_shared<std::vector<unsigned int>>();
+  positions->reserve(m.vn());
+  for (unsigned int v = 0; v < m.vn(); ++v) positions->push_back(m.vPos(v));
+  triangles->reserve(size_t(m.fn()) * 3);
+  for (unsigned int f = 0; f < m.fn(); ++f) {
+    if (m.isFaceDeleted(f)) continue;
+    for (unsigned int t = 0; t + 2 < m.fVNum(f); ++t)
+      triangles->insert(triangles->end(), {m.fV(f, 0), m.fV(f, t + 1), m.fV(f, t + 2)});
+  }
+  auto built = std::make_shared<MESH::editMesh>();
+  const unsigned int revision = document->getRevision();
+  reducedJobs.start(
+      "Reduced copy",
+      [positions, triangles, built](SYSTEM::callBack* cb, std::string&) {
+        std::vector<point3f> outPositions;
+        std::vector<unsigned int> outTriangles, map;
+        if (!MESH::ALGO::REMESHING::qECollapse::decimate(*positions, *triangles, REDUCED_TRIANGLES,
+                                                         outPositions, outTriangles, map, cb))
+          return false;
+        for (const point3f& p : outPositions) built->addVertex(p);
+        for (size_t i = 0; i + 2 < outTriangles.size(); i += 3)
+          built->addTriFace(outTriangles[i], outTriangles[i + 1], outTriangles[i + 2]);
+        built->checkMeshState();
+        built->computeEdges(true);
+        built->computeVE();
+        built->computeNormalizedNormals();
+        return true;
+      },
+      [this, built, revision](bool ok, const std::string&) {
+        // A copy of a mesh that has changed since is of no use; the next update starts anew.
+        if (revision != document->getRevision()) return;
+        reducedRevision = revision;
+        reduced->discard();
+        reduced->getEditMesh() = ok ? *built : MESH::editMesh();
+        reduced->invalidateRenderData();
+      });
+}
+
+// While the camera moves, a large mesh is drawn from its reduced copy; when it stops, one
+// frame at full detail follows.
+void editorWindow::chooseLevelOfDetail() {
+  SYSTEM::inputContext* input = getInputContext();
+  const bool dragging =
+      ball->enabled.cV() && (input->isMouseLeftButtonDown() || input->isMouseMiddleButtonDown() ||
+                             input->isMouseRightButtonDown());
+  const bool wheeling = std::chrono::steady_clock::now() - lastWheel < WHEEL_SETTLE;
+  const bool nowMoving = dragging || wheeling;
+  if (moving && !nowMoving) refresh();
+  if (wheeling) refresh();  // keeps the frames coming until the wheel has settled
+  moving = nowMoving;
+  const bool useReduced = moving && needsReducedCopy() && isLevelOfDetailReady();
+  if (node->disabled.cV() != useReduced) node->disabled = useReduced;
+  if (reduced->disabled.cV() == useReduced) reduced->disabled = !useReduced;
 }
 
 void editorWindow::takeDroppedFiles() {
@@ -467,7 +550,9 @@ void editorWindow::draw() {
   const auto now = std::chrono::steady_clock::now();
   if (hadFrame) {
     const double gap = std::chrono::duration<double, std::milli>(now - lastFrame).count();
-    if (gap < 1000.0) longestGap = std::max(longestGap, gap);
+    // `moving` still tells how the frame that just ended was drawn.
+    double& longest = moving ? longestOrbitGap : longestGap;
+    if (gap < 1000.0) longest = std::max(longest, gap);
   }
   lastFrame = now;
   hadFrame = true;
@@ -491,6 +576,7 @@ void editorWindow::draw() {
   ball->enabled = !(leftDown && (tool != selectTool::ORBIT || pressOnWidget || gesture));
   ball->render(rc);
   placeCamera();
+  chooseLevelOfDetail();
 
   auto& target = rc->getRenderStateStack()->getCurrentRenderTargetState();
   target.clearColour = BACKGROUND;

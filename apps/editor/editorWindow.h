@@ -81,11 +81,14 @@ class editorWindow : public JEV::SYSTEM::winMain {
   JEV::SG::CAM::trackballNode* getTrackball() const { return ball; }
   selectTool getTool() const { return tool; }
   elementKind getElementKind() const { return kind; }
-  // Milliseconds between the starts of the last two frames, and the longest such gap
-  // since the last reset, counted only while frames follow one another (a gap over a
-  // second is an idle pause, not a frame).
+  // The longest time from the start of one frame to the start of the next since the last
+  // reset, for frames drawn while the camera moved (orbiting) and for the others (a full
+  // frame of the whole mesh). A gap over a second is an idle pause, not a frame.
   double getLongestFrameGap() const { return longestGap; }
-  void resetFrameGaps() { longestGap = 0; }
+  double getLongestOrbitGap() const { return longestOrbitGap; }
+  void resetFrameGaps() { longestGap = longestOrbitGap = 0; }
+  // True when orbiting can draw the reduced copy of a large mesh (or needs none).
+  bool isLevelOfDetailReady() const;
   // Where the last opened file's folder list came from: the files the open menu lists.
   const std::vector<std::string>& getListedFiles() const { return listedFiles; }
 
@@ -106,6 +109,9 @@ class editorWindow : public JEV::SYSTEM::winMain {
   void placeCamera();
   void showProgress();
   void takeDroppedFiles();
+  bool needsReducedCopy() const;
+  void startReducedCopy();
+  void chooseLevelOfDetail();
   bool startEdit(const std::string& label, meshEdit edit);
   bool refuseWhileBusy();
   void undo();
@@ -127,6 +133,7 @@ class editorWindow : public JEV::SYSTEM::winMain {
   void onKeyDown(const JEV::SYSTEM::inputEvent* e);
   void onKeyUp(const JEV::SYSTEM::inputEvent* e);
   void onKeyChar(const JEV::SYSTEM::inputEvent* e);
+  void onWheel(const JEV::SYSTEM::inputEvent* e);
 
   // Selection in window pixels (origin bottom left).
   bool overScene(const JEV::SYSTEM::inputEvent* e) const;
@@ -144,6 +151,13 @@ class editorWindow : public JEV::SYSTEM::winMain {
   JEV::MESH::EDITING::editMeshNode* node = nullptr;
   std::unique_ptr<meshDocument> document;
   jobRunner jobs;
+  // A large mesh is drawn from a reduced copy while the camera moves, so that orbiting
+  // stays smooth; the copy is made on a job thread of its own after each change.
+  JEV::MESH::EDITING::editMeshNode* reduced = nullptr;
+  jobRunner reducedJobs;
+  unsigned int reducedRevision = ~0u;
+  bool moving = false;
+  std::chrono::steady_clock::time_point lastWheel;
 
   JEV::GUI::font interfaceFont{L"DejaVuSans", 13};
   JEV::GUI::label* statusLabel = nullptr;
@@ -177,6 +191,7 @@ class editorWindow : public JEV::SYSTEM::winMain {
   std::chrono::steady_clock::time_point lastFrame;
   bool hadFrame = false;
   double longestGap = 0;
+  double longestOrbitGap = 0;
 };
 
 }  // namespace EDITOR

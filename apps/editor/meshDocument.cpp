@@ -141,6 +141,7 @@ void meshDocument::replaceNodeMesh(const editMesh& m) {
   node.discard();
   node.getEditMesh() = m;
   node.invalidateRenderData();
+  ++revision;
 }
 
 void meshDocument::adopt(const editMesh& opened, const std::string& from) {

@@ -72,6 +72,8 @@ class meshDocument {
   std::shared_ptr<const JEV::MESH::editMesh> getReferencePointer() const { return reference; }
   const std::string& getPath() const { return path; }
   bool hasMesh() const;
+  // Raised by every change of the mesh's geometry or topology (not by selections).
+  unsigned int getRevision() const { return revision; }
 
   // Puts `stored` in the node and takes the node's mesh into `stored` (a mesh step's
   // undo and redo alike).
@@ -86,6 +88,7 @@ class meshDocument {
   std::shared_ptr<const JEV::MESH::editMesh> reference;
   std::string path;
   std::unique_ptr<selectionState> pendingSelection;
+  unsigned int revision = 0;
 };
 
 // The selection of `m` as it is now.
