@@ -120,6 +120,8 @@ bool meshDocument::read(const std::string& path, editMesh& out, std::string& err
     return false;
   }
   out = reader.getEditMesh();
+  // A file with colours is shown in them: a scan's texture or a distance map.
+  out.colorDisplayState = out.hasVC() ? JEV::MESH::MESH_COLOR_VERTEX : JEV::MESH::MESH_COLOR_NONE;
   return true;
 }
 
