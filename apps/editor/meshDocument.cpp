@@ -69,18 +69,26 @@ bool sameSelection(const selectionState& a, const selectionState& b) {
 
 }  // namespace
 
+namespace {
+
+selectionCounters readCounters(const editMesh& m) {
+  return {m.getSelVn(),  m.getSelEn(),      m.getSelFn(),
+          m.getSelFvn(), m.getSelVertSum(), m.getSelVertNor()};
+}
+
+void writeCounters(editMesh& m, const selectionCounters& c) {
+  m.setSelVn(c.selVn);
+  m.setSelEn(c.selEn);
+  m.setSelFn(c.selFn);
+  m.setSelFvn(c.selFvn);
+  m.setSelVertSum(c.selVertSum);
+  m.setSelVertNor(c.selVertNor);
+}
+
+}  // namespace
+
 selectionState captureSelection(editMesh& m) {
-  selectionState s;
-  s.vertFlags = m.vertFlags();
-  s.edgeFlags = m.edgeFlags();
-  s.faceFlags = m.faceFlags();
-  s.selVn = m.getSelVn();
-  s.selEn = m.getSelEn();
-  s.selFn = m.getSelFn();
-  s.selFvn = m.getSelFvn();
-  s.selVertSum = m.getSelVertSum();
-  s.selVertNor = m.getSelVertNor();
-  return s;
+  return {m.vertFlags(), m.edgeFlags(), m.faceFlags(), readCounters(m)};
 }
 
 meshDocument::meshDocument(editMeshNode& n, unsigned int undoBytes)
@@ -198,20 +206,9 @@ void meshDocument::swapSelection(selectionState& stored) {
   m.vertFlags().swap(stored.vertFlags);
   m.edgeFlags().swap(stored.edgeFlags);
   m.faceFlags().swap(stored.faceFlags);
-  const unsigned int counts[4] = {stored.selVn, stored.selEn, stored.selFn, stored.selFvn};
-  const JEV::MATH::point3<float> sum = stored.selVertSum, nor = stored.selVertNor;
-  stored.selVn = m.getSelVn();
-  stored.selEn = m.getSelEn();
-  stored.selFn = m.getSelFn();
-  stored.selFvn = m.getSelFvn();
-  stored.selVertSum = m.getSelVertSum();
-  stored.selVertNor = m.getSelVertNor();
-  m.setSelVn(counts[0]);
-  m.setSelEn(counts[1]);
-  m.setSelFn(counts[2]);
-  m.setSelFvn(counts[3]);
-  m.setSelVertSum(sum);
-  m.setSelVertNor(nor);
+  const selectionCounters now = readCounters(m);
+  writeCounters(m, stored.counters);
+  stored.counters = now;
   node.invalidateRenderData();
 }
 

@@ -19,12 +19,17 @@ class callBack;
 
 namespace EDITOR {
 
-// The selection bits of every element with the kernel's selection counters: what a
-// selection gesture changes, and what its undo puts back.
-struct selectionState {
-  std::vector<unsigned char> vertFlags, edgeFlags, faceFlags;
+// The kernel's selection counters and sums.
+struct selectionCounters {
   unsigned int selVn = 0, selEn = 0, selFn = 0, selFvn = 0;
   JEV::MATH::point3<float> selVertSum, selVertNor;
+};
+
+// The selection bits of every element with the counters: what a selection gesture
+// changes, and what its undo puts back.
+struct selectionState {
+  std::vector<unsigned char> vertFlags, edgeFlags, faceFlags;
+  selectionCounters counters;
 };
 
 // The mesh being edited (held by the scene's editable node), where it came from, the mesh

@@ -143,6 +143,14 @@ class scriptedEditor : public EDITOR::editorWindow {
       return m && m->isVisible() && clickWidget(item);
     });
   }
+  // A file dropped on the window, as the window system hands it to SDL.
+  bool dropFile(const std::string& path) {
+    SDL_Event drop{};
+    drop.type = SDL_DROPFILE;
+    drop.drop.file = SDL_strdup(path.c_str());
+    drop.drop.windowID = Uint32(getHWnd());
+    return SDL_PushEvent(&drop) == 1;
+  }
   void waitIdle() {
     steps.push_back([this] { return !getJobs().isBusy(); });
   }
@@ -401,47 +409,29 @@ TEST(editorOnDisplay, badFilesLeaveTheMeshAsItWasAndSayWhy) {
                                                         {points, L"holds no faces"},
                                                         {text, L"not a mesh file"},
                                                         {dir.dir().string(), L"is a folder"}};
-  for (const auto& [path, reason] : cases) {
-    e.steps.push_back([&e, path = path] { return e.openFile(path); });
+  // After `start`, the job ends with `reason` on the status line and the mesh unchanged.
+  auto expectRefused = [&](step start, const std::wstring& reason) {
+    e.steps.push_back(std::move(start));
+    e.settle(4);
     e.waitIdle();
-    e.check([&e, &opened, reason = reason] {
+    e.check([&e, &opened, reason] {
       EXPECT_NE(e.getStatus().find(reason), std::wstring::npos);
       expectSameStores(e.getDocument().mesh(), opened);
     });
-  }
+  };
+  for (const auto& [path, reason] : cases)
+    expectRefused([&e, path = path] { return e.openFile(path); }, reason);
   // The same through the interface: a typed path, and a file dropped on the window.
   e.menuSteps(L"BAR_FILE", L"MENU_FILE", L"FILE_OPEN_PATH");
-  e.steps.push_back([&] {
-    e.type(truncated);
-    return true;
-  });
-  e.settle();
-  e.waitIdle();
-  e.check([&] {
-    EXPECT_NE(e.getStatus().find(L"truncated.ply: not a readable PLY mesh"), std::wstring::npos);
-    expectSameStores(e.getDocument().mesh(), opened);
-  });
-  e.steps.push_back([&] {
-    SDL_Event drop{};
-    drop.type = SDL_DROPFILE;
-    drop.drop.file = SDL_strdup(notMesh.c_str());
-    drop.drop.windowID = Uint32(e.getHWnd());
-    return SDL_PushEvent(&drop) == 1;
-  });
-  e.settle(4);
-  e.waitIdle();
-  e.check([&] {
-    EXPECT_NE(e.getStatus().find(L"notes.ply: not a readable PLY mesh"), std::wstring::npos);
-    expectSameStores(e.getDocument().mesh(), opened);
-  });
+  expectRefused(
+      [&] {
+        e.type(truncated);
+        return true;
+      },
+      L"truncated.ply: not a readable PLY mesh");
+  expectRefused([&] { return e.dropFile(notMesh); }, L"notes.ply: not a readable PLY mesh");
   // A good file dropped replaces the mesh.
-  e.steps.push_back([&] {
-    SDL_Event drop{};
-    drop.type = SDL_DROPFILE;
-    drop.drop.file = SDL_strdup(good.c_str());
-    drop.drop.windowID = Uint32(e.getHWnd());
-    return SDL_PushEvent(&drop) == 1;
-  });
+  e.steps.push_back([&] { return e.dropFile(good); });
   e.settle(4);
   e.waitIdle();
   e.check([&] { EXPECT_NE(e.getStatus().find(L"Opened"), std::wstring::npos); });
