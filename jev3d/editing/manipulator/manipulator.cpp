@@ -217,6 +217,14 @@ float manipulator::pixelsPerUnit(const p3& point) const {
   return (b - a).norm();
 }
 
+void manipulator::moveManipulator(const p3& d) {
+  matrix4f m = manipMatrix;
+  m[12] += d.x;
+  m[13] += d.y;
+  m[14] += d.z;
+  setManipMatrix(m);
+}
+
 void manipulator::intersectWidgets(const ray3f& ray, std::vector<hitPoint>& hits) {
   const ray3f local = transformRay(ray, manipMatrix.getInverse());
   const size_t first = hits.size();

@@ -122,6 +122,8 @@ class manipulator : public SG::node {
   virtual void mouseMove(const ray3f& ray);
   // Called at each render with the view just stored, before the handles draw.
   virtual void onViewChange() {}
+  // Moves the manipulator by d in the parent's space.
+  void moveManipulator(const MATH::point3<float>& d);
   // All handles' hits on `ray` (parent space), nearest first.
   void intersectWidgets(const ray3f& ray, std::vector<hitPoint>& hits);
 

@@ -1,6 +1,7 @@
 #include "jev3d/editing/manipulator/manipulatorWidget.h"
 
 #include <algorithm>
+#include <cmath>
 
 #include "jev3d/editing/manipulator/internal/shapeMesh.h"
 #include "jev3d/renderer/renderer.h"
@@ -75,6 +76,14 @@ bool manipulatorWidget::closestPointToRay(const ray3f& line, const ray3f& ray, f
   } else {
     t = u * (-c / det) + s * (b / det);
   }
+  return true;
+}
+
+bool manipulatorWidget::intersectPlane(const ray3f& ray, const p3& point, const p3& normal,
+                                       p3& hit) {
+  const float den = ray.direction * normal;
+  if (std::fabs(den) < 1e-8f) return false;
+  hit = ray.pointAt(((point - ray.origin) * normal) / den);
   return true;
 }
 

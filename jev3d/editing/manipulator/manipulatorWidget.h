@@ -47,6 +47,10 @@ class manipulatorWidget : public editMeshNode {
   // for parallel lines. When the closest point of the ray lies behind its origin t is 0,
   // the start of the line.
   static bool closestPointToRay(const ray3f& line, const ray3f& ray, float& t);
+  // Where the ray's line meets the plane through `point` with normal `normal`; false when
+  // they run parallel.
+  static bool intersectPlane(const ray3f& ray, const MATH::point3<float>& point,
+                             const MATH::point3<float>& normal, MATH::point3<float>& hit);
   // The ray through window pixel (x, y) under the device's current states.
   static bool manipPickRay(RENDERING::renderingContext* rc, int x, int y, ray3f& ray);
   // The object point of window point (x, y, depth) under the device's current states.

@@ -26,14 +26,6 @@ const char* const TYPE_NAMES[] = {
 const CORE::color AXIS_COLORS[3] = {CORE::color(220, 50, 50, 255), CORE::color(50, 200, 50, 255),
                                     CORE::color(60, 90, 230, 255)};
 
-// Where the ray meets the plane through `origin` with normal `n`; false when parallel.
-bool rayPlane(const ray3f& ray, const p3& origin, const p3& n, p3& hit) {
-  const float den = ray.direction * n;
-  if (std::fabs(den) < 1e-8f) return false;
-  hit = ray.pointAt(((origin - ray.origin) * n) / den);
-  return true;
-}
-
 matrix4f translation(const p3& d) { return matrix4f::getTranslate(d.x, d.y, d.z); }
 
 // Scale by f along the unit axis a through c.
@@ -190,7 +182,7 @@ bool trsManipulator::calcHitPoint(const ray3f& ray, p3& point, float& t) const {
     }
     default:
       t = 0.f;
-      return rayPlane(ray, startPosition, axis, point);
+      return manipulatorWidget::intersectPlane(ray, startPosition, axis, point);
   }
 }
 
