@@ -34,7 +34,10 @@ bool editorWindow::overScene(const SYSTEM::inputEvent* e) const {
 
 void editorWindow::onLeftDown(const SYSTEM::inputEvent* e) {
   pressOnWidget = !overScene(e);
-  if (pressOnWidget || typingPath || tool == selectTool::ORBIT || !document->hasMesh()) return;
+  // Orbiting and the move handles have the left button to themselves.
+  if (pressOnWidget || typingPath || tool == selectTool::ORBIT || tool == selectTool::MOVE ||
+      !document->hasMesh())
+    return;
   if (jobs.isBusy()) {
     setStatus(jobs.label() + " is running: the selection waits until it ends");
     return;

@@ -6,6 +6,8 @@
 
 #include <jev3d/algo/remeshing/qECollapse.h>
 #include <jev3d/editing/editMeshNode.h>
+#include <jev3d/editing/manipulator/selectionManipulation.h>
+#include <jev3d/editing/manipulator/trsManipulator.h>
 #include <jev3d/gui/guiController.h>
 #include <jev3d/gui/item.h>
 #include <jev3d/gui/label.h>
@@ -99,6 +101,17 @@ void editorWindow::buildScene() {
   node->connect(light, false);
   reduced->connect(light, false);
   reduced->disabled = true;
+  // The move tool: arrows, plane squares and the centre ball, translation only, dragged
+  // with the left button; drawn last, over the mesh.
+  namespace MANIP = MESH::EDITING::MANIPULATOR;
+  mover = static_cast<MANIP::trsManipulator*>(scene->addNode(new MANIP::trsManipulator(), "mover"));
+  mover->connect(light, false);
+  mover->enableRotation(false);
+  mover->enableScale(false);
+  mover->clearManipWith();
+  mover->manipWith(MANIP::manipulator::FIRST_ALWAYS);
+  mover->registerCallbacks(this);
+  mover->disabled = true;
   scene->setRoot(camera);
   light->enable = true;
   light->viewFlag = true;  // shines along the camera's forward
@@ -108,10 +121,14 @@ void editorWindow::buildScene() {
   light->specular = CORE::color(0, 0, 0, 255);
   ball->keepUp = true;
   document = std::make_unique<meshDocument>(*node);
+  moverLink = std::make_unique<MANIP::selectionManipulation>(mover, node, &document->getHistory());
 }
 
 bool editorWindow::deInit() {
   jobs.cancel();
+  if (document) document->getHistory().clear();  // its move records name moverLink
+  moverLink.reset();
+  if (mover) mover->unRegisterCallbacks();
   if (scene) {
     if (node) node->discard();
     if (reduced) reduced->discard();
@@ -235,6 +252,7 @@ void editorWindow::defineCommands() {
       {"TOOL_RECTANGLE",
        {L"Tool: rectangle", [this] { setTool(selectTool::RECTANGLE, "rectangle"); }}},
       {"TOOL_BRUSH", {L"Tool: brush", [this] { setTool(selectTool::BRUSH, "brush"); }}},
+      {"TOOL_MOVE", {L"Tool: move selection", [this] { setTool(selectTool::MOVE, "move"); }}},
       {"SELECT_FACES", {L"Select faces", [this] { setElementKind(elementKind::FACES); }}},
       {"SELECT_EDGES", {L"Select edges", [this] { setElementKind(elementKind::EDGES); }}},
       {"SELECT_VERTICES", {L"Select vertices", [this] { setElementKind(elementKind::VERTICES); }}},
@@ -465,11 +483,25 @@ bool editorWindow::update() {
   }
   jobs.poll();
   reducedJobs.poll();
+  followMover();
   if (needsReducedCopy() && reducedRevision != document->getRevision() && !reducedJobs.isBusy())
     startReducedCopy();
   takeDroppedFiles();
   showProgress();
   return true;
+}
+
+// The move handles stand on the selection while the move tool is on and there is one, and
+// a finished drag is a change of the mesh like any other.
+void editorWindow::followMover() {
+  const bool dragging = mover->isDragging();
+  // A whole drag may pass between two updates: its record on the history tells.
+  if (document->takeForeignStep())
+    setStatus("Moved " + std::to_string(document->mesh().getSelVn()) + " vertices");
+  const bool shown = tool == selectTool::MOVE && document->mesh().getSelVn() > 0 && !jobs.isBusy();
+  if (mover->disabled.cV() == shown) mover->disabled = !shown;
+  mover->enabled = shown;
+  if (shown && !dragging) moverLink->placeOnSelection();
 }
 
 bool editorWindow::needsReducedCopy() const {
@@ -577,6 +609,7 @@ void editorWindow::draw() {
   ball->render(rc);
   placeCamera();
   chooseLevelOfDetail();
+  if (!mover->disabled.cV()) mover->setSize(mover->computeOptimalManipSize());
 
   auto& target = rc->getRenderStateStack()->getCurrentRenderTargetState();
   target.clearColour = BACKGROUND;

@@ -27,7 +27,11 @@ class widget;
 namespace MESH {
 namespace EDITING {
 class editMeshNode;
-}
+namespace MANIPULATOR {
+class selectionManipulation;
+class trsManipulator;
+}  // namespace MANIPULATOR
+}  // namespace EDITING
 }  // namespace MESH
 namespace RENDERING {
 class cameraState;
@@ -44,7 +48,7 @@ class trackballNode;
 namespace EDITOR {
 
 // What a left drag over the mesh does.
-enum class selectTool { ORBIT, CLICK, RECTANGLE, BRUSH };
+enum class selectTool { ORBIT, CLICK, RECTANGLE, BRUSH, MOVE };
 // What the selection tools pick.
 enum class elementKind { FACES, EDGES, VERTICES };
 
@@ -79,6 +83,7 @@ class editorWindow : public JEV::SYSTEM::winMain {
   jobRunner& getJobs() { return jobs; }
   JEV::GUI::guiController* getGuiController() const;
   JEV::SG::CAM::trackballNode* getTrackball() const { return ball; }
+  JEV::MESH::EDITING::MANIPULATOR::trsManipulator* getMover() const { return mover; }
   selectTool getTool() const { return tool; }
   elementKind getElementKind() const { return kind; }
   // The longest time from the start of one frame to the start of the next since the last
@@ -112,6 +117,7 @@ class editorWindow : public JEV::SYSTEM::winMain {
   bool needsReducedCopy() const;
   void startReducedCopy();
   void chooseLevelOfDetail();
+  void followMover();
   bool startEdit(const std::string& label, meshEdit edit);
   bool refuseWhileBusy();
   void undo();
@@ -149,6 +155,10 @@ class editorWindow : public JEV::SYSTEM::winMain {
   JEV::RENDERING::cameraState* camera = nullptr;
   JEV::SG::CAM::trackballNode* ball = nullptr;
   JEV::MESH::EDITING::editMeshNode* node = nullptr;
+  // The move tool's handles and what applies their drags to the selection; the latter
+  // outlives the document's history, which holds records that name it.
+  JEV::MESH::EDITING::MANIPULATOR::trsManipulator* mover = nullptr;
+  std::unique_ptr<JEV::MESH::EDITING::MANIPULATOR::selectionManipulation> moverLink;
   std::unique_ptr<meshDocument> document;
   jobRunner jobs;
   // A large mesh is drawn from a reduced copy while the camera moves, so that orbiting

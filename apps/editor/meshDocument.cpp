@@ -63,6 +63,13 @@ class selectionStep : public labelledRecord {
   std::unique_ptr<selectionState> other;
 };
 
+// A step the document did not make itself is a manipulator's move of vertices.
+std::string labelOf(JEV::SYSTEM::undoRedoRecordBase* record, bool& ours) {
+  auto* labelled = dynamic_cast<labelledRecord*>(record);
+  ours = labelled != nullptr;
+  return ours ? labelled->label : std::string("Move");
+}
+
 bool sameSelection(const selectionState& a, const selectionState& b) {
   return a.vertFlags == b.vertFlags && a.edgeFlags == b.edgeFlags && a.faceFlags == b.faceFlags;
 }
@@ -156,6 +163,7 @@ void meshDocument::replaceNodeMesh(const editMesh& m) {
 
 void meshDocument::adopt(const editMesh& opened, const std::string& from) {
   history.clear();
+  lastForeign = nullptr;
   pendingSelection.reset();
   replaceNodeMesh(opened);
   reference = std::make_shared<const editMesh>(opened);
@@ -180,17 +188,33 @@ void meshDocument::endSelection(const std::string& label) {
 }
 
 bool meshDocument::undo(std::string& label) {
-  auto* top = dynamic_cast<labelledRecord*>(history.getUndoBack());
+  JEV::SYSTEM::undoRedoRecordBase* top = history.getUndoBack();
   if (!top) return false;
-  label = top->label;
-  return history.undoLast();
+  bool ours = false;
+  label = labelOf(top, ours);
+  if (!history.undoLast()) return false;
+  if (!ours) noteGeometryChanged();
+  return true;
 }
 
 bool meshDocument::redo(std::string& label) {
   if (history.getRedoSize() == 0) return false;
   // redo() moves the back redo record to the undo side, where its label can be read.
   if (!history.redo()) return false;
-  if (auto* done = dynamic_cast<labelledRecord*>(history.getUndoBack())) label = done->label;
+  bool ours = false;
+  label = labelOf(history.getUndoBack(), ours);
+  if (!ours) noteGeometryChanged();
+  return true;
+}
+
+bool meshDocument::takeForeignStep() {
+  JEV::SYSTEM::undoRedoRecordBase* top = history.getUndoBack();
+  bool ours = false;
+  if (!top || top == lastForeign) return false;
+  labelOf(top, ours);
+  if (ours) return false;
+  lastForeign = top;
+  noteGeometryChanged();
   return true;
 }
 

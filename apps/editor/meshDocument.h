@@ -67,6 +67,14 @@ class meshDocument {
   // False when there is nothing to undo (redo); `label` names the step walked.
   bool undo(std::string& label);
   bool redo(std::string& label);
+  // The history itself, for tools that record their own steps (the move manipulator);
+  // such a step counts as a change of geometry.
+  JEV::SYSTEM::undoRedoStack& getHistory() { return history; }
+  // Tells the document that positions changed outside commit (a manipulator's drag).
+  void noteGeometryChanged() { ++revision; }
+  // True once for each step another tool pushed on the history since the last call; that
+  // step is then counted as a change of geometry.
+  bool takeForeignStep();
   unsigned int undoCount() const { return history.getUndoSize(); }
   unsigned int redoCount() const { return history.getRedoSize(); }
 
@@ -94,6 +102,7 @@ class meshDocument {
   std::string path;
   std::unique_ptr<selectionState> pendingSelection;
   unsigned int revision = 0;
+  const JEV::SYSTEM::undoRedoRecordBase* lastForeign = nullptr;
 };
 
 // The selection of `m` as it is now.

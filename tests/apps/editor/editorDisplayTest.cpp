@@ -21,6 +21,7 @@
 
 #include "editorWindow.h"
 #include "jev3d/editing/editMeshNode.h"
+#include "jev3d/editing/manipulator/trsManipulator.h"
 #include "jev3d/gui/guiController.h"
 #include "jev3d/gui/item.h"
 #include "jev3d/gui/menu.h"
@@ -586,4 +587,81 @@ TEST(editorOnDisplay, orbitsAMillionTriangleMesh) {
   RecordProperty("longestOrbitFrameGapMs", int(orbitGap));
   W = 640;
   H = 480;
+}
+
+// The move tool: the selection's handles dragged along their x arrow move the selected
+// vertices along x and nothing else; undo puts every position back bit for bit.
+TEST(editorOnDisplay, theMoveToolDragsTheSelectionAlongAnArrowWithUndo) {
+  tempDir dir;
+  unsigned faces = 0;
+  const std::string input = writeHoledSphere(dir, faces);
+  testApplication app;
+  RENDERING::renderGL device;
+  scriptedEditor e(&app, &device, {input});
+  app.addWin(&e);
+  editMesh selected, moved;
+  e.waitIdle();
+  e.menuSteps(L"BAR_SELECT", L"MENU_SELECT", L"TOOL_RECTANGLE");
+  e.settle();
+  e.steps.push_back([&] {
+    e.drag(W / 2 - 40, H / 2 - 40, W / 2 + 40, H / 2 + 40);
+    return true;
+  });
+  e.settle();
+  e.menuSteps(L"BAR_SELECT", L"MENU_SELECT", L"TOOL_MOVE");
+  e.settle(4);  // the handles are placed and drawn once
+  e.steps.push_back([&] {
+    EXPECT_EQ(e.getTool(), EDITOR::selectTool::MOVE);
+    EXPECT_FALSE(e.getMover()->disabled.cV()) << "the handles show on the selection";
+    selected = e.getDocument().mesh();
+    // A point three quarters along the x arrow, on the screen.
+    auto* mover = e.getMover();
+    const auto at = mover->getPosition() + MATH::point3<float>(0.75f * mover->getSize(), 0, 0);
+    MATH::point3<float> window;
+    if (!mover->projectPoint(at, window)) return false;
+    e.drag(window.x, window.y, window.x + 80, window.y);
+    return true;
+  });
+  e.settle(4);
+  e.check([&] {
+    const editMesh& m = e.getDocument().mesh();
+    EXPECT_NE(e.getStatus().find(L"Moved"), std::wstring::npos);
+    double dx = 0;
+    unsigned count = 0;
+    for (unsigned v = 0; v < m.vn(); ++v) {
+      if (!selected.isVertSelected(v)) {
+        EXPECT_EQ(std::memcmp(&m.vPos(v), &selected.vPos(v), sizeof(m.vPos(v))), 0) << v;
+        continue;
+      }
+      dx += m.vPos(v).x - selected.vPos(v).x;
+      EXPECT_NEAR(m.vPos(v).y, selected.vPos(v).y, 1e-5f);
+      EXPECT_NEAR(m.vPos(v).z, selected.vPos(v).z, 1e-5f);
+      ++count;
+    }
+    ASSERT_GT(count, 0u);
+    EXPECT_GT(dx / count, 0.05) << "the selection went along +x";
+    moved = m;
+  });
+  e.steps.push_back([&] {
+    e.key('Z', true);
+    return true;
+  });
+  e.settle();
+  e.check([&] {
+    const editMesh& m = e.getDocument().mesh();
+    EXPECT_NE(e.getStatus().find(L"Undone: Move"), std::wstring::npos);
+    for (unsigned v = 0; v < m.vn(); ++v)
+      ASSERT_EQ(std::memcmp(&m.vPos(v), &selected.vPos(v), sizeof(m.vPos(v))), 0) << v;
+  });
+  e.steps.push_back([&] {
+    e.key('Y', true);
+    return true;
+  });
+  e.settle();
+  e.check([&] {
+    const editMesh& m = e.getDocument().mesh();
+    for (unsigned v = 0; v < m.vn(); ++v)
+      ASSERT_EQ(std::memcmp(&m.vPos(v), &moved.vPos(v), sizeof(m.vPos(v))), 0) << v;
+  });
+  ASSERT_TRUE(runScript(app, e)) << "the script stopped at step " << e.next;
 }
