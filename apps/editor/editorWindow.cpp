@@ -235,6 +235,7 @@ void editorWindow::defineCommands() {
     return [this, label, e] { startEdit(label, e); };
   };
   commands = {
+      // Its item only opens the list of the folder's files.
       {"FILE_OPEN", {L"Open", [] {}}},
       {"FILE_OPEN_PATH", {L"Open path...  Ctrl+O", [this] { beginPathEntry(false); }}},
       {"FILE_SAVE",
@@ -369,10 +370,12 @@ void editorWindow::redo() {
 
 void editorWindow::setTool(selectTool t, const char* name) {
   tool = t;
-  setStatus(std::string("Tool: ") + name +
-            (t == selectTool::ORBIT
-                 ? " (left drag orbits)"
-                 : " (left drag selects, Ctrl removes; middle pans, right zooms)"));
+  const char* how = " (left drag selects, Ctrl removes; middle pans, right zooms)";
+  if (t == selectTool::ORBIT) how = " (left drag orbits)";
+  if (t == selectTool::MOVE)
+    how = document->mesh().getSelVn() ? " (drag an arrow, a square or the centre)"
+                                      : " (select something to move first)";
+  setStatus(std::string("Tool: ") + name + how);
 }
 
 void editorWindow::setElementKind(elementKind k) {

@@ -94,7 +94,7 @@ class editorWindow : public JEV::SYSTEM::winMain {
   void resetFrameGaps() { longestGap = longestOrbitGap = 0; }
   // True when orbiting can draw the reduced copy of a large mesh (or needs none).
   bool isLevelOfDetailReady() const;
-  // Where the last opened file's folder list came from: the files the open menu lists.
+  // The mesh files of the starting folder that File > Open lists.
   const std::vector<std::string>& getListedFiles() const { return listedFiles; }
 
  private:

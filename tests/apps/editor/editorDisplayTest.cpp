@@ -221,6 +221,20 @@ void expectSameStores(const editMesh& a, const editMesh& b) {
   EXPECT_EQ(a.getSelEn(), b.getSelEn());
 }
 
+// Writes the last grabbed frame as a PPM picture where the environment variable `name`
+// says, for looking at what a test saw.
+void dumpFrame(const scriptedEditor& e, const char* name) {
+  const char* path = std::getenv(name);
+  if (!path) return;
+  std::ofstream out(path, std::ios::binary);
+  out << "P6 " << W << " " << H << " 255\n";
+  for (int y = H - 1; y >= 0; --y)
+    for (int x = 0; x < W; ++x) {
+      const auto p = e.pixel(x, y);
+      out << char(p[0]) << char(p[1]) << char(p[2]);
+    }
+}
+
 // A sphere with three quads left out: three holes of four edges.
 std::string writeHoledSphere(const tempDir& dir, unsigned& faces) {
   editMesh m;
@@ -267,15 +281,7 @@ TEST(editorOnDisplay, selectsSmoothsUndoesRedoesFillsHolesAndSaves) {
     EXPECT_NE(e.pixel(W / 2, H - 10), background);
     EXPECT_NE(e.pixel(W / 2, 10), background);
     EXPECT_EQ(e.pixel(20, H / 2), background);
-    if (std::getenv("EDITOR_DUMP")) {
-      std::ofstream out(std::getenv("EDITOR_DUMP"), std::ios::binary);
-      out << "P6 " << W << " " << H << " 255\n";
-      for (int y = H - 1; y >= 0; --y)
-        for (int x = 0; x < W; ++x) {
-          const auto p = e.pixel(x, y);
-          out << char(p[0]) << char(p[1]) << char(p[2]);
-        }
-    }
+    dumpFrame(e, "EDITOR_DUMP");
   });
   // Select > Tool: rectangle, then a drag over the middle of the view.
   e.menuSteps(L"BAR_SELECT", L"MENU_SELECT", L"TOOL_RECTANGLE");
@@ -292,6 +298,14 @@ TEST(editorOnDisplay, selectsSmoothsUndoesRedoesFillsHolesAndSaves) {
     EXPECT_LT(m.getSelFn(), testMeshes::liveFaces(m));
     EXPECT_MESH_VALID(m);
     selected = m;
+  });
+  // The selection shows in its colour where it was drawn, the rest of the sphere does not.
+  e.grabFrame();
+  e.check([&] {
+    const auto inside = e.pixel(W / 2, H / 2), outside = e.pixel(W / 2 + 90, H / 2);
+    EXPECT_GT(inside[0], inside[2] + 40) << "the kernel's orange selection colour";
+    EXPECT_NE(inside, outside);
+    dumpFrame(e, "EDITOR_DUMP_SELECTION");
   });
   // Algorithms > Smooth moves the selected vertices only.
   e.menuSteps(L"BAR_ALGORITHMS", L"MENU_ALGORITHMS", L"ALGO_SMOOTH");
@@ -610,7 +624,9 @@ TEST(editorOnDisplay, theMoveToolDragsTheSelectionAlongAnArrowWithUndo) {
   e.settle();
   e.menuSteps(L"BAR_SELECT", L"MENU_SELECT", L"TOOL_MOVE");
   e.settle(4);  // the handles are placed and drawn once
+  e.grabFrame();
   e.steps.push_back([&] {
+    dumpFrame(e, "EDITOR_DUMP_MOVE");
     EXPECT_EQ(e.getTool(), EDITOR::selectTool::MOVE);
     EXPECT_FALSE(e.getMover()->disabled.cV()) << "the handles show on the selection";
     selected = e.getDocument().mesh();
