@@ -1,5 +1,7 @@
 // jev3d-editor: opens the PLY or STL files given on the command line (the last one shown)
 // and edits them; see editorWindow.h.
+#include <cstdio>
+#include <cstring>
 #include <string>
 #include <vector>
 
@@ -9,7 +11,20 @@
 #include "editorWindow.h"
 
 int main(int argc, char** argv) {
-  std::vector<std::string> files(argv + 1, argv + argc);
+  std::vector<std::string> files;
+  for (int i = 1; i < argc; ++i) {
+    if (std::strcmp(argv[i], "--help") == 0 || std::strcmp(argv[i], "-h") == 0) {
+      std::printf(
+          "usage: jev3d-editor [FILE.ply|FILE.stl]\n"
+          "Opens the mesh (the last file given) in an editor window. Files can also be\n"
+          "opened from the File menu (the folder's files, or a typed path) and by dropping\n"
+          "them on the window. Left drag orbits (or selects, with a selection tool), middle\n"
+          "drag pans, right drag and the wheel zoom; Ctrl+Z undoes, Ctrl+Y redoes, Ctrl+S\n"
+          "saves, Escape cancels a running job.\n");
+      return 0;
+    }
+    files.emplace_back(argv[i]);
+  }
   JEV::SYSTEM::application app(L"", L"");
   JEV::RENDERING::renderGL device;
   EDITOR::editorWindow window(&app, &device, files);
