@@ -92,7 +92,7 @@ void editorWindow::buildScene() {
   camera =
       static_cast<RENDERING::cameraState*>(scene->addNode(new RENDERING::cameraState(), "camera"));
   // The trackball is driven by hand before each frame, so the camera is never a frame late.
-  ball = new SG::CAM::trackballNode(this, getInputContext(), getRenderingContext());
+  ball = std::make_unique<SG::CAM::trackballNode>(this, getInputContext(), getRenderingContext());
   auto* light = static_cast<RENDERING::RENDERSTATE::lightstate*>(
       scene->addNode(new RENDERING::RENDERSTATE::lightstate(), "light"));
   node = static_cast<editMeshNode*>(scene->addNode(new editMeshNode(getRenderer()), "mesh"));
@@ -134,8 +134,7 @@ bool editorWindow::deInit() {
     if (reduced) reduced->discard();
     scene->discard();
   }
-  delete ball;
-  ball = nullptr;
+  ball.reset();
   getRenderer()->discardFont(&interfaceFont);
   return winMain::deInit();
 }

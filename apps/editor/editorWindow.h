@@ -82,7 +82,7 @@ class editorWindow : public JEV::SYSTEM::winMain {
   meshDocument& getDocument() { return *document; }
   jobRunner& getJobs() { return jobs; }
   JEV::GUI::guiController* getGuiController() const;
-  JEV::SG::CAM::trackballNode* getTrackball() const { return ball; }
+  JEV::SG::CAM::trackballNode* getTrackball() const { return ball.get(); }
   JEV::MESH::EDITING::MANIPULATOR::trsManipulator* getMover() const { return mover; }
   selectTool getTool() const { return tool; }
   elementKind getElementKind() const { return kind; }
@@ -153,7 +153,7 @@ class editorWindow : public JEV::SYSTEM::winMain {
   std::vector<std::string> startFiles;
   std::unique_ptr<JEV::SG::sgController> scene;
   JEV::RENDERING::cameraState* camera = nullptr;
-  JEV::SG::CAM::trackballNode* ball = nullptr;
+  std::unique_ptr<JEV::SG::CAM::trackballNode> ball;
   JEV::MESH::EDITING::editMeshNode* node = nullptr;
   // The move tool's handles and what applies their drags to the selection; the latter
   // outlives the document's history, which holds records that name it.
