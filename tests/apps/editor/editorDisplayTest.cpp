@@ -160,6 +160,14 @@ class scriptedEditor : public EDITOR::editorWindow {
     auto left = std::make_shared<int>(updates);
     steps.push_back([left] { return --*left <= 0; });
   }
+  // Waits for the opening to end and keeps a copy of the mesh it opened.
+  void keepOpened(editMesh& opened) {
+    waitIdle();
+    steps.push_back([this, &opened] {
+      opened = getDocument().mesh();
+      return true;
+    });
+  }
   void check(std::function<void()> f) {
     steps.push_back([this, f] {
       SCOPED_TRACE(IO::XML::wstringToUtf8(getStatus()));
@@ -182,6 +190,16 @@ class testApplication : public SYSTEM::application {
  public:
   testApplication() : application(L"", L"") {}
   void terminateApplication() override {}
+};
+
+// The application, the GL device and the scripted editor of one test.
+struct editorSession {
+  explicit editorSession(std::vector<std::string> files) : e(&app, &device, std::move(files)) {
+    app.addWin(&e);
+  }
+  testApplication app;
+  RENDERING::renderGL device;
+  scriptedEditor e;
 };
 
 // Runs the loop; closes the window if the script stalls, so a broken display fails the
@@ -263,10 +281,8 @@ struct editedScan {
 // them, fills the holes and saves to `output` through File > Save as with a typed path;
 // the saved file has the counts of the filled mesh.
 void editScan(const std::string& input, const std::string& output, editedScan& result) {
-  testApplication app;
-  RENDERING::renderGL device;
-  scriptedEditor e(&app, &device, {input});
-  app.addWin(&e);
+  editorSession session({input});
+  scriptedEditor& e = session.e;
 
   editMesh& original = result.original;
   editMesh& filled = result.filled;
@@ -374,7 +390,7 @@ void editScan(const std::string& input, const std::string& output, editedScan& r
   });
   e.settle(4);
 
-  ASSERT_TRUE(runScript(app, e)) << "the script stopped at step " << e.next;
+  ASSERT_TRUE(runScript(session.app, e)) << "the script stopped at step " << e.next;
   ASSERT_TRUE(readBack(output, result.saved));
   unsigned liveVertices = 0;
   for (unsigned v = 0; v < filled.vn(); ++v) liveVertices += !filled.isVertDeleted(v);
@@ -437,13 +453,10 @@ TEST(editorOnDisplay, badFilesLeaveTheMeshAsItWasAndSayWhy) {
   const std::string text = dir.file("mesh.txt");
   std::ofstream(text) << "ply\n";
 
-  testApplication app;
-  RENDERING::renderGL device;
-  scriptedEditor e(&app, &device, {good});
-  app.addWin(&e);
+  editorSession session({good});
+  scriptedEditor& e = session.e;
   editMesh opened;
-  e.waitIdle();
-  e.check([&] { opened = e.getDocument().mesh(); });
+  e.keepOpened(opened);
   // Each bad file is refused with its reason on the status line; the mesh is untouched.
   const std::pair<std::string, std::wstring> cases[] = {{dir.file("missing.ply"), L"no such file"},
                                                         {truncated, L"not a readable PLY mesh"},
@@ -477,7 +490,7 @@ TEST(editorOnDisplay, badFilesLeaveTheMeshAsItWasAndSayWhy) {
   e.settle(4);
   e.waitIdle();
   e.check([&] { EXPECT_NE(e.getStatus().find(L"Opened"), std::wstring::npos); });
-  ASSERT_TRUE(runScript(app, e)) << "the script stopped at step " << e.next;
+  ASSERT_TRUE(runScript(session.app, e)) << "the script stopped at step " << e.next;
 }
 
 TEST(editorOnDisplay, cancelLeavesTheMeshAsItWasAndFreesTheInterface) {
@@ -489,13 +502,10 @@ TEST(editorOnDisplay, cancelLeavesTheMeshAsItWasAndFreesTheInterface) {
     testMeshes::finishMesh(m);
     ASSERT_TRUE(m.saveMeshToPly(path));
   }
-  testApplication app;
-  RENDERING::renderGL device;
-  scriptedEditor e(&app, &device, {path});
-  app.addWin(&e);
+  editorSession session({path});
+  scriptedEditor& e = session.e;
   editMesh opened;
-  e.waitIdle();
-  e.check([&] { opened = e.getDocument().mesh(); });
+  e.keepOpened(opened);
   e.menuSteps(L"BAR_ALGORITHMS", L"MENU_ALGORITHMS", L"ALGO_REMESH");
   e.steps.push_back([&] { return e.getJobs().isBusy(); });
   e.check([&] {
@@ -510,7 +520,7 @@ TEST(editorOnDisplay, cancelLeavesTheMeshAsItWasAndFreesTheInterface) {
     expectSameStores(e.getDocument().mesh(), opened);
     EXPECT_EQ(e.getDocument().undoCount(), 0u);
   });
-  ASSERT_TRUE(runScript(app, e)) << "the script stopped at step " << e.next;
+  ASSERT_TRUE(runScript(session.app, e)) << "the script stopped at step " << e.next;
 }
 
 // The shared bunny, opened from the file menu's list of the current folder: its holes are
@@ -523,10 +533,8 @@ TEST(editorOnDisplay, opensTheBunnyFromTheFolderListFillsItsHolesAndSaves) {
   const auto startedIn = std::filesystem::current_path();
   std::filesystem::current_path(dir.dir());
 
-  testApplication app;
-  RENDERING::renderGL device;
-  scriptedEditor e(&app, &device, {});
-  app.addWin(&e);
+  editorSession session({});
+  scriptedEditor& e = session.e;
   unsigned holesBefore = 0;
   editMesh filled;
   e.check([&] { EXPECT_EQ(e.getListedFiles(), std::vector<std::string>{"bunny.ply"}); });
@@ -564,7 +572,7 @@ TEST(editorOnDisplay, opensTheBunnyFromTheFolderListFillsItsHolesAndSaves) {
     return true;
   });
   e.settle();
-  ASSERT_TRUE(runScript(app, e)) << "the script stopped at step " << e.next;
+  ASSERT_TRUE(runScript(session.app, e)) << "the script stopped at step " << e.next;
   std::filesystem::current_path(startedIn);
 
   IO::PLY::plyPolygonMesh saved;
@@ -589,10 +597,8 @@ TEST(editorOnDisplay, orbitsAMillionTriangleMesh) {
   }
   W = 1024;
   H = 768;
-  testApplication app;
-  RENDERING::renderGL device;
-  scriptedEditor e(&app, &device, {path});
-  app.addWin(&e);
+  editorSession session({path});
+  scriptedEditor& e = session.e;
   MATH::quaternion<float> before;
   double orbitGap = 0, firstGap = 0;
   e.waitIdle();
@@ -622,7 +628,7 @@ TEST(editorOnDisplay, orbitsAMillionTriangleMesh) {
     const auto after = e.getTrackball()->orientation.cV();
     EXPECT_NE(std::memcmp(&before, &after, sizeof(before)), 0) << "the drag orbited";
   });
-  ASSERT_TRUE(runScript(app, e, 300)) << "the script stopped at step " << e.next;
+  ASSERT_TRUE(runScript(session.app, e, 300)) << "the script stopped at step " << e.next;
   std::printf("frame gaps, 1M triangles at 1024 x 768: full frames %.1f ms, orbiting %.1f ms\n",
               firstGap, orbitGap);
   RecordProperty("longestOrbitFrameGapMs", int(orbitGap));
@@ -636,10 +642,8 @@ TEST(editorOnDisplay, theMoveToolDragsTheSelectionAlongAnArrowWithUndo) {
   tempDir dir;
   unsigned faces = 0;
   const std::string input = writeHoledSphere(dir, faces);
-  testApplication app;
-  RENDERING::renderGL device;
-  scriptedEditor e(&app, &device, {input});
-  app.addWin(&e);
+  editorSession session({input});
+  scriptedEditor& e = session.e;
   editMesh selected, moved;
   e.waitIdle();
   e.menuSteps(L"BAR_SELECT", L"MENU_SELECT", L"TOOL_RECTANGLE");
@@ -706,5 +710,5 @@ TEST(editorOnDisplay, theMoveToolDragsTheSelectionAlongAnArrowWithUndo) {
     for (unsigned v = 0; v < m.vn(); ++v)
       ASSERT_EQ(std::memcmp(&m.vPos(v), &moved.vPos(v), sizeof(m.vPos(v))), 0) << v;
   });
-  ASSERT_TRUE(runScript(app, e)) << "the script stopped at step " << e.next;
+  ASSERT_TRUE(runScript(session.app, e)) << "the script stopped at step " << e.next;
 }
