@@ -122,6 +122,14 @@ class scriptedEditor : public EDITOR::editorWindow {
     current().postMessage(getHWnd(), WM_KEYUP, vk, 1);
     if (ctrl) current().postMessage(getHWnd(), WM_KEYUP, VK_CONTROL, 1);
   }
+  // A key pressed (with Ctrl) as a step, and the updates that take it.
+  void keyStep(unsigned vk, bool ctrl) {
+    steps.push_back([=] {
+      key(vk, ctrl);
+      return true;
+    });
+    settle();
+  }
   void type(const std::string& text) {
     for (char c : text) current().postMessage(getHWnd(), WM_CHAR, std::uint64_t(c), 1);
     current().postMessage(getHWnd(), WM_CHAR, VK_RETURN, 1);
@@ -217,14 +225,19 @@ bool runScript(SYSTEM::application& app, scriptedEditor& win, int seconds = 120)
   return win.next == win.steps.size();
 }
 
+void expectSamePositions(const editMesh& a, const editMesh& b) {
+  ASSERT_EQ(a.vn(), b.vn());
+  for (unsigned v = 0; v < a.vn(); ++v)
+    ASSERT_EQ(std::memcmp(&a.vPos(v), &b.vPos(v), sizeof(a.vPos(v))), 0) << "vertex " << v;
+}
+
 // The same stores, byte for byte where they are plain data: positions, normals, corners,
 // every flag and the selection counters.
 void expectSameStores(const editMesh& a, const editMesh& b) {
-  ASSERT_EQ(a.vn(), b.vn());
+  expectSamePositions(a, b);
   ASSERT_EQ(a.fn(), b.fn());
   ASSERT_EQ(a.en(), b.en());
   for (unsigned v = 0; v < a.vn(); ++v) {
-    ASSERT_EQ(std::memcmp(&a.vPos(v), &b.vPos(v), sizeof(a.vPos(v))), 0) << "vertex " << v;
     ASSERT_EQ(std::memcmp(&a.vNor(v), &b.vNor(v), sizeof(a.vNor(v))), 0) << "normal " << v;
     ASSERT_EQ(a.getVertFlag(v), b.getVertFlag(v)) << "vertex flag " << v;
   }
@@ -348,17 +361,9 @@ void editScan(const std::string& input, const std::string& output, editedScan& r
     smoothed = m;
   });
   // Ctrl+Z twice: the smoothing, then the selection; the stores are the opened ones.
-  e.steps.push_back([&] {
-    e.key('Z', true);
-    return true;
-  });
-  e.settle();
+  e.keyStep('Z', true);
   e.check([&] { expectSameStores(e.getDocument().mesh(), selected); });
-  e.steps.push_back([&] {
-    e.key('Z', true);
-    return true;
-  });
-  e.settle();
+  e.keyStep('Z', true);
   e.check([&] {
     expectSameStores(e.getDocument().mesh(), original);
     EXPECT_MESH_VALID(e.getDocument().mesh());
@@ -567,11 +572,7 @@ TEST(editorOnDisplay, opensTheBunnyFromTheFolderListFillsItsHolesAndSaves) {
     EXPECT_LT(testMeshes::borderEdges(m), holesBefore);
     filled = m;
   });
-  e.steps.push_back([&] {
-    e.key('S', true);
-    return true;
-  });
-  e.settle();
+  e.keyStep('S', true);
   ASSERT_TRUE(runScript(session.app, e)) << "the script stopped at step " << e.next;
   std::filesystem::current_path(startedIn);
 
@@ -689,26 +690,12 @@ TEST(editorOnDisplay, theMoveToolDragsTheSelectionAlongAnArrowWithUndo) {
     EXPECT_GT(dx / count, 0.05) << "the selection went along +x";
     moved = m;
   });
-  e.steps.push_back([&] {
-    e.key('Z', true);
-    return true;
-  });
-  e.settle();
+  e.keyStep('Z', true);
   e.check([&] {
-    const editMesh& m = e.getDocument().mesh();
     EXPECT_NE(e.getStatus().find(L"Undone: Move"), std::wstring::npos);
-    for (unsigned v = 0; v < m.vn(); ++v)
-      ASSERT_EQ(std::memcmp(&m.vPos(v), &selected.vPos(v), sizeof(m.vPos(v))), 0) << v;
+    expectSamePositions(e.getDocument().mesh(), selected);
   });
-  e.steps.push_back([&] {
-    e.key('Y', true);
-    return true;
-  });
-  e.settle();
-  e.check([&] {
-    const editMesh& m = e.getDocument().mesh();
-    for (unsigned v = 0; v < m.vn(); ++v)
-      ASSERT_EQ(std::memcmp(&m.vPos(v), &moved.vPos(v), sizeof(m.vPos(v))), 0) << v;
-  });
+  e.keyStep('Y', true);
+  e.check([&] { expectSamePositions(e.getDocument().mesh(), moved); });
   ASSERT_TRUE(runScript(session.app, e)) << "the script stopped at step " << e.next;
 }
