@@ -163,6 +163,12 @@ class scriptedEditor : public EDITOR::editorWindow {
   void waitIdle() {
     steps.push_back([this] { return !getJobs().isBusy(); });
   }
+  // A menu command that runs a job, and the wait for its end.
+  void menuJob(const std::wstring& bar, const std::wstring& menuId, const std::wstring& item) {
+    menuSteps(bar, menuId, item);
+    settle(2);
+    waitIdle();
+  }
   // Waits a few updates so that posted input has been taken.
   void settle(int updates = 3) {
     auto left = std::make_shared<int>(updates);
@@ -342,9 +348,7 @@ void editScan(const std::string& input, const std::string& output, editedScan& r
     dumpFrame(e, "EDITOR_DUMP_SELECTION");
   });
   // Algorithms > Smooth moves the selected vertices only.
-  e.menuSteps(L"BAR_ALGORITHMS", L"MENU_ALGORITHMS", L"ALGO_SMOOTH");
-  e.settle(2);
-  e.waitIdle();
+  e.menuJob(L"BAR_ALGORITHMS", L"MENU_ALGORITHMS", L"ALGO_SMOOTH");
   e.check([&] {
     const editMesh& m = e.getDocument().mesh();
     EXPECT_MESH_VALID(m);
@@ -375,9 +379,7 @@ void editScan(const std::string& input, const std::string& output, editedScan& r
   e.settle();
   e.check([&] { expectSameStores(e.getDocument().mesh(), smoothed); });
   // Algorithms > Fill holes adds faces where the holes were.
-  e.menuSteps(L"BAR_ALGORITHMS", L"MENU_ALGORITHMS", L"ALGO_FILL_HOLES");
-  e.settle(2);
-  e.waitIdle();
+  e.menuJob(L"BAR_ALGORITHMS", L"MENU_ALGORITHMS", L"ALGO_FILL_HOLES");
   e.check([&] {
     const editMesh& m = e.getDocument().mesh();
     EXPECT_MESH_VALID(m);
@@ -563,9 +565,7 @@ TEST(editorOnDisplay, opensTheBunnyFromTheFolderListFillsItsHolesAndSaves) {
     holesBefore = testMeshes::borderEdges(e.getDocument().mesh());
     EXPECT_GT(holesBefore, 0u);
   });
-  e.menuSteps(L"BAR_ALGORITHMS", L"MENU_ALGORITHMS", L"ALGO_FILL_HOLES");
-  e.settle(2);
-  e.waitIdle();
+  e.menuJob(L"BAR_ALGORITHMS", L"MENU_ALGORITHMS", L"ALGO_FILL_HOLES");
   e.check([&] {
     const editMesh& m = e.getDocument().mesh();
     EXPECT_MESH_VALID(m);
