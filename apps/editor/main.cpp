@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include <jev3d/platform/sdlPlatform.h>
 #include <jev3d/renderer/rendergl/renderGL.h>
 #include <jev3d/system/application.h>
 
@@ -24,6 +25,12 @@ int main(int argc, char** argv) {
       return 0;
     }
     files.emplace_back(argv[i]);
+  }
+  // Without a display there is nothing to edit in: say so and fail.
+  if (auto* sdl = dynamic_cast<JEV::PLATFORM::sdlPlatform*>(&JEV::PLATFORM::current());
+      sdl && !sdl->isReady()) {
+    std::fprintf(stderr, "jev3d-editor: no display to open a window on\n");
+    return 1;
   }
   JEV::SYSTEM::application app(L"", L"");
   JEV::RENDERING::renderGL device;
