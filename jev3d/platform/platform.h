@@ -126,6 +126,10 @@ class platform {
   virtual bool swapBuffers(windowHandle window) = 0;
 
   virtual void messageBox(const std::wstring& text, const std::wstring& title) = 0;
+
+  // Files dropped on a window wait here, oldest first, each announced by a WM_DROPFILES
+  // message; takes the next one. A platform without drops has none.
+  virtual bool takeDroppedFile(windowHandle /*window*/, std::string& /*path*/) { return false; }
 };
 
 // The platform every window of the process uses: the SDL2 binding unless another was

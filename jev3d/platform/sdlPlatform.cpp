@@ -57,6 +57,7 @@ struct sdlPlatform::impl {
     bool frameTickPending = false;
     int lastMouseX = -1000000;
     int lastMouseY = -1000000;
+    std::deque<std::string> dropped;  // paths waiting for takeDroppedFile
   };
   struct timerData {
     windowHandle window;
@@ -247,6 +248,18 @@ struct sdlPlatform::impl {
       case SDL_MOUSEBUTTONUP:
         translateButton(e.button);
         break;
+      case SDL_DROPFILE: {
+        // SDL hands over the path's memory; the window takes the path when it wakes.
+        const windowHandle w = e.drop.windowID;
+        if (e.drop.file) {
+          std::lock_guard<std::mutex> lock(windowsLock);
+          auto it = windows.find(w);
+          if (it != windows.end()) it->second.dropped.emplace_back(e.drop.file);
+          if (it != windows.end()) push(w, WM_DROPFILES, 0, 0);
+        }
+        SDL_free(e.drop.file);
+        break;
+      }
       case SDL_MOUSEWHEEL: {
         const windowHandle w = e.wheel.windowID;
         if (!sdlWindow(w)) break;
@@ -624,6 +637,15 @@ bool sdlPlatform::swapBuffers(windowHandle window) {
   SDL_Window* sdl = d->sdlWindow(window);
   if (!sdl) return false;
   SDL_GL_SwapWindow(sdl);
+  return true;
+}
+
+bool sdlPlatform::takeDroppedFile(windowHandle window, std::string& path) {
+  std::lock_guard<std::mutex> lock(d->windowsLock);
+  auto it = d->windows.find(window);
+  if (it == d->windows.end() || it->second.dropped.empty()) return false;
+  path = std::move(it->second.dropped.front());
+  it->second.dropped.pop_front();
   return true;
 }
 

@@ -56,6 +56,7 @@ class sdlPlatform : public platform {
   void deleteGLContext(glContextHandle context) override;
   bool swapBuffers(windowHandle window) override;
   void messageBox(const std::wstring& text, const std::wstring& title) override;
+  bool takeDroppedFile(windowHandle window, std::string& path) override;
 
  private:
   struct impl;
