@@ -6,11 +6,14 @@
 #include <string>
 #include <vector>
 
+#include "jev3d/editing/editMeshNode.h"
 #include "jev3d/editing/manipulator/globalManipulatorArrow.h"
+#include "jev3d/editing/manipulator/selectionManipulation.h"
 #include "jev3d/editing/manipulator/standardManipulator.h"
 #include "jev3d/editing/undoRedoStack.h"
 #include "jev3d/renderer/renderingContext.h"
 #include "manipulatorTestSupport.h"
+#include "support/meshes.h"
 #include "support/recordingRenderer.h"
 
 using namespace JEV::MESH::EDITING::MANIPULATOR;
@@ -207,4 +210,31 @@ TEST(standardManipulator, labelsItsArrowsThroughTheRenderersText) {
   s.render(&rc);
   EXPECT_EQ(s.getLabels().size(), 2u);
   EXPECT_EQ(device.only("cacheFont").size(), 0u) << "tried once";
+}
+
+TEST_F(globalFixture, itsStepsMoveASelectionThroughTheSameBinding) {
+  JEV::MESH::EDITING::editMeshNode node;
+  JEV::MESH::editMesh& mesh = node.getEditMesh();
+  testMeshes::makeGrid(mesh, 2, 2);
+  testMeshes::finishMesh(mesh);
+  mesh.translate(p3(-1, -1, 0));
+  for (unsigned v = 0; v < mesh.vn(); ++v)
+    if (v != 4) mesh.selectVert(v);
+  const std::vector<p3> start = [&] {
+    std::vector<p3> out;
+    for (unsigned v = 0; v < mesh.vn(); ++v) out.push_back(mesh.vPos(v));
+    return out;
+  }();
+  JEV::SYSTEM::undoRedoStack stack(1u << 20);
+  selectionManipulation edit(&g, &node, &stack);
+  edit.placeOnSelection();
+  EXPECT_LT(g.getState().getCenter().norm(), 1e-6f) << "the selection's centre";
+  rightDrag(g, pixelX(1.05f), pixelY(0.f), pixelX(1.55f), pixelY(0.f), 3);
+  for (unsigned v = 0; v < mesh.vn(); ++v) {
+    const p3 expected = start[v] + (v != 4 ? p3(0.5f, 0, 0) : p3());
+    EXPECT_LT((mesh.vPos(v) - expected).norm(), 1e-4f) << v;
+  }
+  EXPECT_EQ(mesh.checkInvariants(), "");
+  ASSERT_TRUE(stack.undoLast());
+  for (unsigned v = 0; v < mesh.vn(); ++v) EXPECT_EQ(mesh.vPos(v), start[v]) << v;
 }
