@@ -4,6 +4,7 @@
 #include <cmath>
 
 #include "jev3d/editing/manipulator/globalManipulatorArrow.h"
+#include "jev3d/editing/manipulator/internal/manipMath.h"
 #include "jev3d/editing/manipulator/manipulatorArc.h"
 #include "jev3d/editing/manipulator/manipulatorCube.h"
 #include "jev3d/editing/manipulator/manipulatorSphere.h"
@@ -19,6 +20,9 @@ namespace {
 
 using p3 = MATH::point3<float>;
 using matrix4f = MATH::matrix4<float>;
+using INTERNAL::axisScaleAbout;
+using INTERNAL::translation;
+using INTERNAL::turnAbout;
 
 // The cage's sides in the order -x, +x, -y, +y, -z, +z, as corners of the state's order
 // wound outward.
@@ -30,31 +34,8 @@ const CORE::color LABEL_COLOR(255, 255, 255, 255);
 // Ids reported by the elements' hits, one range a list.
 constexpr int SCALE_IDS = 0, ARROW_IDS = 10, CIRCLE_IDS = 20, CONTROL_IDS = 30;
 
-matrix4f translation(const p3& d) { return matrix4f::getTranslate(d.x, d.y, d.z); }
-
-// The turn by `angle` about the unit axis k through c, for row vectors.
-matrix4f turnAbout(const p3& c, const p3& k, float angle) {
-  const float co = std::cos(angle), si = std::sin(angle);
-  matrix4f r;
-  for (int i = 0; i < 3; ++i) {
-    p3 e;
-    e[i] = 1.f;
-    const p3 out = e * co + k.cross(e) * si + k * ((k * e) * (1.f - co));
-    for (int j = 0; j < 3; ++j) r(i, j) = out[j];
-  }
-  return translation(-c) * r * translation(c);
-}
-
 matrix4f scaleAbout(const p3& c, float f) {
   return translation(-c) * matrix4f::getScale(f, f, f) * translation(c);
-}
-
-// Scale by f along the unit axis k, about the plane through c across it.
-matrix4f axisScaleAbout(const p3& c, const p3& k, float f) {
-  matrix4f m;
-  for (int r = 0; r < 3; ++r)
-    for (int col = 0; col < 3; ++col) m(r, col) += (f - 1.f) * k[r] * k[col];
-  return translation(-c) * m * translation(c);
 }
 
 template <class W>
@@ -426,32 +407,19 @@ void globalManipulator::placeAt(const p3& point) {
   stepTransform.setIdentity();
 }
 
-void globalManipulator::setScaling(int axis, bool on, bool display) {
-  setOne(scaleControls, size_t(2 * axis), on, display);
-  setOne(scaleControls, size_t(2 * axis + 1), on, display);
-}
-
-void globalManipulator::setOne(const std::vector<globalManipulatorArrow*>& list, size_t i, bool on,
-                               bool display) {
-  if (i >= list.size()) return;
-  if (display)
-    list[i]->visible = on;
+void globalManipulator::setSwitch(elementList list, size_t i, bool on, bool display) {
+  std::vector<manipulatorWidget*> chosen;
+  if (list == ARROW_LIST)
+    chosen.assign(arrows.begin(), arrows.end());
   else
-    list[i]->pickable = on;
-}
-
-void globalManipulator::setOne(const std::vector<manipulatorWidget*>& list, size_t i, bool on,
-                               bool display) {
-  if (i >= list.size()) return;
-  if (display)
-    list[i]->visible = on;
-  else
-    list[i]->pickable = on;
-}
-
-void globalManipulator::setGroup(const std::vector<manipulatorWidget*>& list, bool on,
-                                 bool display) {
-  for (size_t i = 0; i < list.size(); ++i) setOne(list, i, on, display);
+    chosen = list == SCALE_LIST ? scaleControls : list == CIRCLE_LIST ? circles : controls;
+  for (size_t k = 0; k < chosen.size(); ++k) {
+    if (i != ALL && k != i) continue;
+    if (display)
+      chosen[k]->visible = on;
+    else
+      chosen[k]->pickable = on;
+  }
 }
 
 void globalManipulator::setAxisCaption(int axis, const std::wstring& caption) {

@@ -80,26 +80,44 @@ class globalManipulator : public manipulator {
   void placeAt(const p3& point) override;
 
   // Switches: enable lets an element be picked, display shows it.
-  void enableXScaling(bool on) { setScaling(0, on, false); }
-  void enableYScaling(bool on) { setScaling(1, on, false); }
-  void enableZScaling(bool on) { setScaling(2, on, false); }
-  void enableFreeScaling(bool on) { setGroup(controls, on, false); }
-  void enableXRotation(bool on) { setOne(circles, 0, on, false); }
-  void enableYRotation(bool on) { setOne(circles, 1, on, false); }
-  void enableZRotation(bool on) { setOne(circles, 2, on, false); }
-  void enableXTranslation(bool on) { setOne(arrows, 0, on, false); }
-  void enableYTranslation(bool on) { setOne(arrows, 1, on, false); }
-  void enableZTranslation(bool on) { setOne(arrows, 2, on, false); }
-  void displayXScaling(bool on) { setScaling(0, on, true); }
-  void displayYScaling(bool on) { setScaling(1, on, true); }
-  void displayZScaling(bool on) { setScaling(2, on, true); }
-  void displayFreeScaling(bool on) { setGroup(controls, on, true); }
-  void displayXRotation(bool on) { setOne(circles, 0, on, true); }
-  void displayYRotation(bool on) { setOne(circles, 1, on, true); }
-  void displayZRotation(bool on) { setOne(circles, 2, on, true); }
-  void displayXTranslation(bool on) { setOne(arrows, 0, on, true); }
-  void displayYTranslation(bool on) { setOne(arrows, 1, on, true); }
-  void displayZTranslation(bool on) { setOne(arrows, 2, on, true); }
+  void enableXScaling(bool on) {
+    setSwitch(SCALE_LIST, 0, on, false);
+    setSwitch(SCALE_LIST, 1, on, false);
+  }
+  void enableYScaling(bool on) {
+    setSwitch(SCALE_LIST, 2, on, false);
+    setSwitch(SCALE_LIST, 3, on, false);
+  }
+  void enableZScaling(bool on) {
+    setSwitch(SCALE_LIST, 4, on, false);
+    setSwitch(SCALE_LIST, 5, on, false);
+  }
+  void enableFreeScaling(bool on) { setSwitch(CONTROL_LIST, ALL, on, false); }
+  void enableXRotation(bool on) { setSwitch(CIRCLE_LIST, 0, on, false); }
+  void enableYRotation(bool on) { setSwitch(CIRCLE_LIST, 1, on, false); }
+  void enableZRotation(bool on) { setSwitch(CIRCLE_LIST, 2, on, false); }
+  void enableXTranslation(bool on) { setSwitch(ARROW_LIST, 0, on, false); }
+  void enableYTranslation(bool on) { setSwitch(ARROW_LIST, 1, on, false); }
+  void enableZTranslation(bool on) { setSwitch(ARROW_LIST, 2, on, false); }
+  void displayXScaling(bool on) {
+    setSwitch(SCALE_LIST, 0, on, true);
+    setSwitch(SCALE_LIST, 1, on, true);
+  }
+  void displayYScaling(bool on) {
+    setSwitch(SCALE_LIST, 2, on, true);
+    setSwitch(SCALE_LIST, 3, on, true);
+  }
+  void displayZScaling(bool on) {
+    setSwitch(SCALE_LIST, 4, on, true);
+    setSwitch(SCALE_LIST, 5, on, true);
+  }
+  void displayFreeScaling(bool on) { setSwitch(CONTROL_LIST, ALL, on, true); }
+  void displayXRotation(bool on) { setSwitch(CIRCLE_LIST, 0, on, true); }
+  void displayYRotation(bool on) { setSwitch(CIRCLE_LIST, 1, on, true); }
+  void displayZRotation(bool on) { setSwitch(CIRCLE_LIST, 2, on, true); }
+  void displayXTranslation(bool on) { setSwitch(ARROW_LIST, 0, on, true); }
+  void displayYTranslation(bool on) { setSwitch(ARROW_LIST, 1, on, true); }
+  void displayZTranslation(bool on) { setSwitch(ARROW_LIST, 2, on, true); }
 
   // Labels: the caption of each axis drawn beside its arrow's tip, in window pixels,
   // through the renderer's own text.
@@ -141,10 +159,11 @@ class globalManipulator : public manipulator {
   void mouseMove(const ray3f& ray) override { globalManipulatorMouseMove(ray); }
 
  private:
-  void setScaling(int axis, bool on, bool display);
-  void setOne(const std::vector<globalManipulatorArrow*>& list, size_t i, bool on, bool display);
-  void setOne(const std::vector<manipulatorWidget*>& list, size_t i, bool on, bool display);
-  void setGroup(const std::vector<manipulatorWidget*>& list, bool on, bool display);
+  enum elementList { SCALE_LIST, ARROW_LIST, CIRCLE_LIST, CONTROL_LIST };
+  static constexpr size_t ALL = ~size_t(0);
+  // Element i of a list (every one for ALL): display shows or hides it, else it may be
+  // picked or not.
+  void setSwitch(elementList list, size_t i, bool on, bool display);
   // The shape mesh's corners, in state order.
   std::vector<p3> shapeCorners() const;
   void setShapeCorners(const std::vector<p3>& corners);
