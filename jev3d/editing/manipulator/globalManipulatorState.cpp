@@ -3,6 +3,7 @@
 #include <cmath>
 #include <cwchar>
 
+#include "jev3d/editing/manipulator/internal/manipMath.h"
 #include "jev3d/io/xml/xmlAttribute.h"
 #include "jev3d/io/xml/xmlElement.h"
 
@@ -199,11 +200,7 @@ void globalManipulatorState::rotateAboutLocalAxis(int axis, float angle) {
   getNormalizedShapeAxes(axes);
   const p3 k = axes[axis];
   const p3 centre = getCenter();
-  const float c = std::cos(angle), s = std::sin(angle);
-  for (p3& p : currentShape) {
-    const p3 v = p - centre;
-    p = centre + v * c + k.cross(v) * s + k * ((k * v) * (1.f - c));
-  }
+  for (p3& p : currentShape) p = centre + INTERNAL::turnVector(p - centre, k, angle);
 }
 
 void globalManipulatorState::translateWrtLocalAxis(int axis, float amount) {

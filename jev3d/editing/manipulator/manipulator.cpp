@@ -204,7 +204,7 @@ bool manipulator::getParentSpaceRay(float x, float y, ray3f& ray) const {
 bool manipulator::getManipSpaceRay(float x, float y, ray3f& ray) const {
   ray3f parent;
   if (!getParentSpaceRay(x, y, parent)) return false;
-  ray = transformRay(parent, manipMatrix.getInverse());
+  ray = toManipSpace(parent);
   return true;
 }
 
@@ -217,6 +217,18 @@ float manipulator::pixelsPerUnit(const p3& point) const {
   return (b - a).norm();
 }
 
+ray3f manipulator::toManipSpace(const ray3f& ray) const {
+  return transformRay(ray, manipMatrix.getInverse());
+}
+
+matrix4f manipulator::toParentSpace(const matrix4f& m) const {
+  return manipMatrix.getInverse() * m * manipMatrix;
+}
+
+void manipulator::placeAt(const p3& point) {
+  moveManipulator(point - manipMatrix.getTranslateVector());
+}
+
 void manipulator::moveManipulator(const p3& d) {
   matrix4f m = manipMatrix;
   m[12] += d.x;
@@ -226,7 +238,7 @@ void manipulator::moveManipulator(const p3& d) {
 }
 
 void manipulator::intersectWidgets(const ray3f& ray, std::vector<hitPoint>& hits) {
-  const ray3f local = transformRay(ray, manipMatrix.getInverse());
+  const ray3f local = toManipSpace(ray);
   const size_t first = hits.size();
   for (manipulatorWidget* w : widgets) w->intersectRay(local, hits);
   for (size_t i = first; i < hits.size(); ++i) hits[i].point = hits[i].point * manipMatrix;

@@ -90,6 +90,12 @@ class manipulator : public SG::node {
   const MATH::matrix4<float>& getManipMatrix() const { return manipMatrix; }
   virtual void setManipMatrix(const MATH::matrix4<float>& m) { manipMatrix = m; }
 
+  // What the last drag step did, as a transform of the parent's space (the identity
+  // here); clients apply it in the step delegate.
+  virtual MATH::matrix4<float> getStepTransform() const { return MATH::matrix4<float>(); }
+  // Puts the manipulator's centre at `point` of the parent's space.
+  virtual void placeAt(const MATH::point3<float>& point);
+
   // Window point (x, y, depth) of a point in the parent's space, and back.
   bool projectPoint(const MATH::point3<float>& point, MATH::point3<float>& window) const;
   bool unProjectPoint(const MATH::point3<float>& window, MATH::point3<float>& point) const;
@@ -122,6 +128,10 @@ class manipulator : public SG::node {
   virtual void mouseMove(const ray3f& ray);
   // Called at each render with the view just stored, before the handles draw.
   virtual void onViewChange() {}
+  // A ray of the parent's space in the manipulator's own, and a transform of the own
+  // space seen in the parent's.
+  ray3f toManipSpace(const ray3f& ray) const;
+  MATH::matrix4<float> toParentSpace(const MATH::matrix4<float>& m) const;
   // Moves the manipulator by d in the parent's space.
   void moveManipulator(const MATH::point3<float>& d);
   // All handles' hits on `ray` (parent space), nearest first.

@@ -48,7 +48,7 @@ void manipulatorWidget::render(RENDERING::renderingContext* rc) {
 }
 
 bool manipulatorWidget::intersectRay(const ray3f& ray, std::vector<hitPoint>& hits) {
-  if (!visible.cV() || !isActive() || disabled.cV()) return false;
+  if (!pickable || !visible.cV() || !isActive() || disabled.cV()) return false;
   MATH::rayHit hit;
   p3 point;
   if (!getRayIntersect(ray.origin, ray.direction, hit, point)) return false;

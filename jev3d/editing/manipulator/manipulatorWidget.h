@@ -39,8 +39,8 @@ class manipulatorWidget : public editMeshNode {
   void onVisibleChange();
 
   // Appends the first hit of `ray` (in the space of this handle's parent) on the mesh;
-  // false when hidden, inactive or missed.
-  virtual bool intersectRay(const ray3f& ray, std::vector<hitPoint>& hits);
+  // false when hidden, not pickable, inactive or missed.
+  bool intersectRay(const ray3f& ray, std::vector<hitPoint>& hits);
   // Nearest first, by the distance along the ray.
   static void sortHitPoints(const ray3f& ray, std::vector<hitPoint>& hits);
   // The parameter t on `line` (origin + t direction) of the point closest to `ray`. False
@@ -69,6 +69,8 @@ class manipulatorWidget : public editMeshNode {
   SYSTEM::fieldBase<bool> visible{true};
   // What hits on this handle report.
   int widgetId = -1;
+  // False leaves the handle out of picking while it still draws.
+  bool pickable = true;
 
  private:
   CORE::color mainColor{200, 200, 200, 255};

@@ -26,6 +26,10 @@ class planeManipulator : public manipulator {
   bool isPicked() const { return picked; }
   const MATH::point3<float>& getLastDisplacement() const { return lastDisplacement; }
   const MATH::point3<float>& getDragDisplacement() const { return dragDisplacement; }
+  MATH::matrix4<float> getStepTransform() const override {
+    return MATH::matrix4<float>::getTranslate(lastDisplacement.x, lastDisplacement.y,
+                                              lastDisplacement.z);
+  }
   manipulatorPlane* getPlane() const { return plane; }
 
  protected:

@@ -13,6 +13,7 @@ using p3 = MATH::point3<float>;
 
 referenceGrid::referenceGrid(const p3& c, const p3& u, const p3& v, unsigned n, float s) {
   build(c, u, v, n, s);
+  pickable = false;
   // Only the wire shows.
   getEditMesh().surfaceDrawing = false;
   enableWireframeDisplay(true);
@@ -35,8 +36,6 @@ void referenceGrid::build(const p3& c, const p3& u, const p3& v, unsigned n, flo
     }
   endShape();
 }
-
-bool referenceGrid::intersectRay(const ray3f&, std::vector<hitPoint>&) { return false; }
 
 }  // namespace MANIPULATOR
 }  // namespace EDITING

@@ -17,7 +17,6 @@ class referenceGrid : public manipulatorWidget {
                 const MATH::point3<float>& v, unsigned cells, float spacing);
   void build(const MATH::point3<float>& centre, const MATH::point3<float>& u,
              const MATH::point3<float>& v, unsigned cells, float spacing);
-  bool intersectRay(const ray3f& ray, std::vector<hitPoint>& hits) override;
   unsigned getCells() const { return cells; }
   float getSpacing() const { return spacing; }
 

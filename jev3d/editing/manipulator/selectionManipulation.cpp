@@ -1,7 +1,7 @@
 #include "jev3d/editing/manipulator/selectionManipulation.h"
 
 #include "jev3d/editing/editMeshNode.h"
-#include "jev3d/editing/manipulator/trsManipulator.h"
+#include "jev3d/editing/manipulator/manipulator.h"
 #include "jev3d/editing/undoRedoRecord.h"
 #include "jev3d/editing/undoRedoStack.h"
 
@@ -17,7 +17,7 @@ using matrix4f = MATH::matrix4<float>;
 
 }  // namespace
 
-selectionManipulation::selectionManipulation(trsManipulator* m, editMeshNode* n,
+selectionManipulation::selectionManipulation(manipulator* m, editMeshNode* n,
                                              SYSTEM::undoRedoStack* s)
     : manip(m), node(n), stack(s) {
   manip->afterDragStepDelegate = SYSTEM::makeDelegate(this, &selectionManipulation::onDragStep);
@@ -32,12 +32,12 @@ selectionManipulation::~selectionManipulation() {
 void selectionManipulation::placeOnSelection() {
   const editMesh& m = node->getEditMesh();
   if (m.getSelVn() == 0) return;
-  manip->setPosition(m.getSelVertBarycenter() * node->getTransformMatrix());
+  manip->placeAt(m.getSelVertBarycenter() * node->getTransformMatrix());
 }
 
 void selectionManipulation::onDragStep(manipulator*) {
   editMesh& m = node->getEditMesh();
-  const matrix4f& delta = manip->getDeltaTransform();
+  const matrix4f delta = manip->getStepTransform();
   if (delta == matrix4f::IDENTITY() || m.getSelVn() == 0) return;
   if (before.empty()) {
     // The first step of a drag: keep what it starts from.

@@ -14,17 +14,16 @@ class editMeshNode;
 namespace MANIPULATOR {
 
 class manipulator;
-class trsManipulator;
 
-// Moves the selected vertices of an editable node with the drags of a translate-rotate-
-// scale manipulator: every drag step applies the step's transform, and every drag that
+// Moves the selected vertices of an editable node with the drags of a manipulator: every
+// drag step applies the step's transform, and every drag that
 // moved something pushes one record on the undo stack. The records are commands (the
 // positions before and after, with the vertex ids), so the stack's undoLast and redo
 // take them back and forth. The object takes both of the manipulator's delegates, and
 // must outlive the records it pushed (clear the stack first).
 class selectionManipulation {
  public:
-  selectionManipulation(trsManipulator* manip, editMeshNode* node, SYSTEM::undoRedoStack* stack);
+  selectionManipulation(manipulator* manip, editMeshNode* node, SYSTEM::undoRedoStack* stack);
   ~selectionManipulation();
   selectionManipulation(const selectionManipulation&) = delete;
   selectionManipulation& operator=(const selectionManipulation&) = delete;
@@ -42,7 +41,7 @@ class selectionManipulation {
  private:
   void apply(const std::vector<MATH::point4<float>>& positions, size_t first, size_t count);
 
-  trsManipulator* manip;
+  manipulator* manip;
   editMeshNode* node;
   SYSTEM::undoRedoStack* stack;
   // Positions before the running drag, and the faces it moves.

@@ -2,6 +2,7 @@
 
 #include <cmath>
 
+#include "jev3d/editing/manipulator/internal/manipMath.h"
 #include "jev3d/editing/manipulator/manipulatorArc.h"
 #include "jev3d/editing/manipulator/manipulatorArrow.h"
 #include "jev3d/editing/manipulator/manipulatorCube.h"
@@ -16,6 +17,8 @@ namespace {
 
 using p3 = MATH::point3<float>;
 using matrix4f = MATH::matrix4<float>;
+using INTERNAL::axisScaleAbout;
+using INTERNAL::translation;
 
 const char* const TYPE_NAMES[] = {
     "NULL_OPERATION", "TRANSL_X",     "TRANSL_Y",         "TRANSL_Z",      "TRANSL_XY", "TRANSL_XZ",
@@ -25,16 +28,6 @@ const char* const TYPE_NAMES[] = {
 
 const CORE::color AXIS_COLORS[3] = {CORE::color(220, 50, 50, 255), CORE::color(50, 200, 50, 255),
                                     CORE::color(60, 90, 230, 255)};
-
-matrix4f translation(const p3& d) { return matrix4f::getTranslate(d.x, d.y, d.z); }
-
-// Scale by f along the unit axis a through c.
-matrix4f axisScale(const p3& c, const p3& a, float f) {
-  matrix4f m;
-  for (int r = 0; r < 3; ++r)
-    for (int col = 0; col < 3; ++col) m(r, col) += (f - 1.f) * a[r] * a[col];
-  return translation(-c) * m * translation(c);
-}
 
 }  // namespace
 
@@ -304,7 +297,7 @@ void trsManipulator::mouseDrag(const ray3f& ray) {
       // A pick at the centre has no lever to scale by.
       if (std::fabs(startT) < 1e-6f) return;
       const float factor = std::max(t / startT, 1e-3f);
-      total = axisScale(startPosition, axis, factor);
+      total = axisScaleAbout(startPosition, axis, factor);
       break;
     }
     case ROT_X:

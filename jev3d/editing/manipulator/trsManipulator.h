@@ -79,6 +79,8 @@ class trsManipulator : public manipulator {
   float rotationStep = 0.f;
 
   const matrix4f& getDeltaTransform() const { return deltaTransform; }
+  matrix4f getStepTransform() const override { return deltaTransform; }
+  void placeAt(const p3& point) override { setPosition(point); }
   const matrix4f& getDragTransform() const { return dragTransform; }
 
   // The point of `ray` on the constraint of the running operation (the axis line, the
