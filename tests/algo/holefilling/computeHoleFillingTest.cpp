@@ -176,6 +176,36 @@ TEST(HoleFilling, ASphereWithItsCapCutAwayIsFilledBackCloseToTheSphere) {
   EXPECT_LT(sum / n, 1.1 * rim);
 }
 
+// The triangulation of a fixed hole is pinned: ports of the ear queue compare against
+// these faces, so a faster build of its inputs must not change one of them. Most of the
+// grid is flat with unit cells, which keeps the feature size at 1 whichever faces it
+// samples; the hole's rim is lifted so that the normals take part.
+TEST(HoleFilling, TheTriangulationOfAFixedHoleStaysFaceForFace) {
+  editMesh grid;
+  std::vector<std::pair<unsigned, unsigned>> hole;
+  for (unsigned j = 10; j < 16; ++j)
+    for (unsigned i = 9 + (j % 3); i < 17 - (j % 2); ++i) hole.emplace_back(i, j);
+  testMeshes::makeGrid(grid, 26, 26, false, hole);
+  for (unsigned v = 0; v < grid.vn(); ++v) {
+    p3& p = grid.vPos(v);
+    const float dx = p.x - 13.f, dy = p.y - 13.f;
+    if (dx * dx + dy * dy < 30.f) p.z = 0.05f * dx * dy - 0.1f * dx;
+  }
+  testMeshes::finishMesh(grid);
+  editMesh out;
+  ASSERT_TRUE(fillInto(grid, out, 100, true));
+  EXPECT_EQ(out.checkInvariants(), "");
+  EXPECT_TRUE(consistentlyOriented(out));
+  ASSERT_EQ(out.vn(), grid.vn());
+  uint32_t hash = 2166136261u;  // FNV-1a over the new faces' corners, in order
+  for (unsigned f = grid.fn(); f < out.fn(); ++f)
+    for (unsigned i = 0; i < 3; ++i)
+      for (int byte = 0; byte < 4; ++byte)
+        hash = (hash ^ ((out.fV(f, i) >> (8 * byte)) & 0xFFu)) * 16777619u;
+  EXPECT_EQ(out.fn() - grid.fn(), 36u);
+  EXPECT_EQ(hash, 404551599u);
+}
+
 TEST(HoleFilling, TwoLoopsThroughOneVertexAndARimTouchingItselfCloseCleanly) {
   // Two holes sharing the grid vertex (2, 2).
   editMesh pinched;
