@@ -268,7 +268,7 @@ TEST(PatchImprovement, RefinementAndFairingKeepTheRimAndLinkEverySideOnce) {
   std::vector<int> loop;
   for (int i = 0; i < n; ++i) loop.push_back(i);
   std::vector<int> corners;
-  fillLoops(h, {loop}, 0, false, corners, nullptr, 0.f, 100.f);
+  fillLoops(h, {loop}, 0, patchFinish::REFINE_AND_FAIR, corners, nullptr, 0.f, 100.f);
   ASSERT_GT(h.added.size(), 10u);
   // Closed up against the rim: every inner side twice, each rim side once, opposite.
   std::multiset<std::pair<int, int>> sides;
