@@ -414,3 +414,32 @@ TEST(HoleFillingFaired, AFlatHoleStaysFlatAndAClosedMeshComesBackAsItWas) {
   EXPECT_EQ(back.vn(), closed.vn());
   EXPECT_EQ(back.fn(), closed.fn());
 }
+
+TEST(HoleFillingFaired, TheBunnysHolesCloseWithNewVerticesInsideItsBounds) {
+  JEV3D_REQUIRE_DATA("ply/stanford_bun_zipper.ply");
+  POSTPROCESSING::triMesh bunny;
+  ASSERT_TRUE(bunny.readPlyFromFile(dataFile("ply/stanford_bun_zipper.ply")));
+  editMesh mesh, out;
+  editMeshInterface meshIn(mesh), to(out);
+  bunny.copyTo(meshIn);
+  testMeshes::finishMesh(mesh);
+  ASSERT_TRUE(computeHoleFillingFaired(meshIn, 0, to));
+  testMeshes::finishMesh(out);
+  EXPECT_EQ(out.checkInvariants(), "");
+  EXPECT_EQ(testMeshes::borderEdges(out), 0u);
+  EXPECT_TRUE(consistentlyOriented(out));
+  ASSERT_GT(out.vn(), mesh.vn());
+  p3 lo = mesh.vPos(0), hi = lo;
+  for (unsigned v = 0; v < mesh.vn(); ++v) {
+    EXPECT_EQ(std::memcmp(&out.vPos(v), &mesh.vPos(v), sizeof(p3)), 0);
+    for (int i = 0; i < 3; ++i)
+      lo[i] = std::min(lo[i], mesh.vPos(v)[i]), hi[i] = std::max(hi[i], mesh.vPos(v)[i]);
+  }
+  // The holes are on the base: a patch bulging far out of the bunny's box went wrong.
+  const p3 margin = (hi - lo) * 0.05f;
+  for (unsigned v = mesh.vn(); v < out.vn(); ++v)
+    for (int i = 0; i < 3; ++i) {
+      EXPECT_GE(out.vPos(v)[i], lo[i] - margin[i]);
+      EXPECT_LE(out.vPos(v)[i], hi[i] + margin[i]);
+    }
+}
