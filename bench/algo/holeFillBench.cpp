@@ -1,6 +1,8 @@
 // Hole filling against CGAL's triangulate_hole (triangulation only) and
 // triangulate_refine_and_fair_hole, on the shared bunny's holes and on one round hole of
-// 2,000 rim vertices cut into a unit sphere. Each case reports the patch's triangle
+// 2,000 rim vertices cut into a unit sphere. Our refine-and-fair side is
+// computeHoleFillingFaired (what jevmesh fill-holes runs); jev3dRounds is
+// computeHoleFilling's fixed fairing rounds, for reference. Each case reports the patch's triangle
 // count, its smallest angle in degrees and, on the sphere, the mean and largest distance
 // of the new vertices from it.
 #include <benchmark/benchmark.h>
@@ -105,7 +107,11 @@ void report(benchmark::State& state, const std::vector<std::array<p3, 3>>& faces
   }
 }
 
-void runJev3d(benchmark::State& state, const holeCase* c, bool fair) {
+// What our side runs: the triangulation, the fixed fairing rounds of computeHoleFilling,
+// or the settled fairing of computeHoleFillingFaired.
+enum class ours { TRIANGULATE, ROUNDS, FAIRED };
+
+void runJev3d(benchmark::State& state, const holeCase* c, ours mode) {
   if (!c) {
     state.SkipWithError("shared data folder not present");
     return;
@@ -121,7 +127,10 @@ void runJev3d(benchmark::State& state, const holeCase* c, bool fair) {
       chosen.push_back(l);
   triMesh out;
   for (auto _ : state) {
-    JEV::MESH::ALGO::computeHoleFilling(source, 0, out, !fair, chosen);
+    if (mode == ours::FAIRED)
+      JEV::MESH::ALGO::computeHoleFillingFaired(source, 0, out, chosen);
+    else
+      JEV::MESH::ALGO::computeHoleFilling(source, 0, out, mode == ours::TRIANGULATE, chosen);
     benchmark::DoNotOptimize(out.fn());
   }
   std::vector<std::array<p3, 3>> faces;
@@ -132,26 +141,36 @@ void runJev3d(benchmark::State& state, const holeCase* c, bool fair) {
   report(state, faces, added, c->onSphere);
 }
 
-void runCgal(benchmark::State& state, const holeCase* c, bool fair) {
+// With fromArrays, CGAL's timing includes building its halfedge mesh from the arrays and
+// finding the border cycles: the work our side does inside its call, which takes and
+// returns a plain indexed mesh. Without, only the filling itself is timed.
+void runCgal(benchmark::State& state, const holeCase* c, bool fair, bool fromArrays = false) {
   if (!c) {
     state.SkipWithError("shared data folder not present");
     return;
   }
+  auto build = [&](cgalMesh& m) {
+    m.clear();
+    std::vector<cgalMesh::Vertex_index> ids;
+    for (const p3& p : c->pos) ids.push_back(m.add_vertex(K::Point_3(p.x, p.y, p.z)));
+    for (size_t i = 0; i < c->tri.size(); i += 3)
+      m.add_face(ids[c->tri[i]], ids[c->tri[i + 1]], ids[c->tri[i + 2]]);
+  };
   cgalMesh base;
-  std::vector<cgalMesh::Vertex_index> ids;
-  for (const p3& p : c->pos) ids.push_back(base.add_vertex(K::Point_3(p.x, p.y, p.z)));
-  for (size_t i = 0; i < c->tri.size(); i += 3)
-    base.add_face(ids[c->tri[i]], ids[c->tri[i + 1]], ids[c->tri[i + 2]]);
+  build(base);
   std::vector<cgalMesh::Face_index> faces;
   std::vector<cgalMesh::Vertex_index> added;
   cgalMesh mesh;
   for (auto _ : state) {
-    state.PauseTiming();
-    mesh = base;
+    if (!fromArrays) state.PauseTiming();
+    if (fromArrays)
+      build(mesh);
+    else
+      mesh = base;
     faces.clear(), added.clear();
     std::vector<cgalMesh::Halfedge_index> cycles;
     PMP::extract_boundary_cycles(mesh, std::back_inserter(cycles));
-    state.ResumeTiming();
+    if (!fromArrays) state.ResumeTiming();
     for (auto h : cycles) {
       if (!c->loopVertices.empty()) {
         bool wanted = false;
@@ -184,13 +203,17 @@ void runCgal(benchmark::State& state, const holeCase* c, bool fair) {
   report(state, tris, verts, c->onSphere);
 }
 
-void bunnyTriangulateJev3d(benchmark::State& s) { runJev3d(s, bunnyCase(), false); }
+void bunnyTriangulateJev3d(benchmark::State& s) { runJev3d(s, bunnyCase(), ours::TRIANGULATE); }
 void bunnyTriangulateCgal(benchmark::State& s) { runCgal(s, bunnyCase(), false); }
-void bunnyFairJev3d(benchmark::State& s) { runJev3d(s, bunnyCase(), true); }
+void bunnyFairJev3d(benchmark::State& s) { runJev3d(s, bunnyCase(), ours::FAIRED); }
+void bunnyFairJev3dRounds(benchmark::State& s) { runJev3d(s, bunnyCase(), ours::ROUNDS); }
 void bunnyFairCgal(benchmark::State& s) { runCgal(s, bunnyCase(), true); }
-void loop2000TriangulateJev3d(benchmark::State& s) { runJev3d(s, &bandCase(), false); }
+void bunnyTriangulateFromArraysCgal(benchmark::State& s) { runCgal(s, bunnyCase(), false, true); }
+void bunnyFairFromArraysCgal(benchmark::State& s) { runCgal(s, bunnyCase(), true, true); }
+void loop2000TriangulateJev3d(benchmark::State& s) { runJev3d(s, &bandCase(), ours::TRIANGULATE); }
 void loop2000TriangulateCgal(benchmark::State& s) { runCgal(s, &bandCase(), false); }
-void loop2000FairJev3d(benchmark::State& s) { runJev3d(s, &bandCase(), true); }
+void loop2000FairJev3d(benchmark::State& s) { runJev3d(s, &bandCase(), ours::FAIRED); }
+void loop2000FairJev3dRounds(benchmark::State& s) { runJev3d(s, &bandCase(), ours::ROUNDS); }
 void loop2000FairCgal(benchmark::State& s) { runCgal(s, &bandCase(), true); }
 
 }  // namespace
@@ -198,7 +221,19 @@ void loop2000FairCgal(benchmark::State& s) { runCgal(s, &bandCase(), true); }
 BENCHMARK(bunnyTriangulateJev3d)->Name("bunnyTriangulate/jev3d")->Unit(benchmark::kMillisecond);
 BENCHMARK(bunnyTriangulateCgal)->Name("bunnyTriangulate/cgal")->Unit(benchmark::kMillisecond);
 BENCHMARK(bunnyFairJev3d)->Name("bunnyRefineFair/jev3d")->Unit(benchmark::kMillisecond);
+BENCHMARK(bunnyFairJev3dRounds)->Name("bunnyRefineFair/jev3dRounds")->Unit(benchmark::kMillisecond);
 BENCHMARK(bunnyFairCgal)->Name("bunnyRefineFair/cgal")->Unit(benchmark::kMillisecond);
+// Our calls again beside CGAL's timed from the same arrays.
+BENCHMARK(bunnyTriangulateJev3d)
+    ->Name("bunnyTriangulateFromArrays/jev3d")
+    ->Unit(benchmark::kMillisecond);
+BENCHMARK(bunnyTriangulateFromArraysCgal)
+    ->Name("bunnyTriangulateFromArrays/cgal")
+    ->Unit(benchmark::kMillisecond);
+BENCHMARK(bunnyFairJev3d)->Name("bunnyRefineFairFromArrays/jev3d")->Unit(benchmark::kMillisecond);
+BENCHMARK(bunnyFairFromArraysCgal)
+    ->Name("bunnyRefineFairFromArrays/cgal")
+    ->Unit(benchmark::kMillisecond);
 BENCHMARK(loop2000TriangulateJev3d)
     ->Name("loop2000Triangulate/jev3d")
     ->Unit(benchmark::kMillisecond)
@@ -209,6 +244,10 @@ BENCHMARK(loop2000TriangulateCgal)
     ->Iterations(1);
 BENCHMARK(loop2000FairJev3d)
     ->Name("loop2000RefineFair/jev3d")
+    ->Unit(benchmark::kMillisecond)
+    ->Iterations(1);
+BENCHMARK(loop2000FairJev3dRounds)
+    ->Name("loop2000RefineFair/jev3dRounds")
     ->Unit(benchmark::kMillisecond)
     ->Iterations(1);
 BENCHMARK(loop2000FairCgal)

@@ -27,7 +27,10 @@ int runFillHoles(const commandLine& line) {
                        "the border cannot be walked (faces on it are wound against each other)");
     {
       progressBar bar("filling holes", quiet(line));
-      ALGO::computeHoleFilling(view, unsigned(maxEdges), view, !fair, bar.reporter());
+      if (fair)
+        ALGO::computeHoleFillingFaired(view, unsigned(maxEdges), view, {}, bar.reporter());
+      else
+        ALGO::computeHoleFilling(view, unsigned(maxEdges), view, true, bar.reporter());
     }
     mesh.checkMeshState();
     mesh.computeEdges(true);
@@ -49,8 +52,9 @@ command fillHolesCommand() {
           "IN OUT [--max-edges N] [--no-fair]",
           "Close boundary loops with patches that follow the surface.",
           "Each loop is triangulated by cutting its best ears first; unless --no-fair the\n"
-          "patch is then refined to the mesh's edge length and faired into the surface\n"
-          "around it. The rim does not move. Polygons become triangles.\n"
+          "patch is then refined to the mesh's edge length, started on a smooth surface\n"
+          "fitted to the rim and the ring around it, and faired into the surface around\n"
+          "it. The rim does not move. Polygons become triangles.\n"
           "  --max-edges N       fill only loops of at most N edges (default: all)\n"
           "  --no-fair           triangulate only\n",
           withWriteOptions({{"--max-edges", 1}, {"--no-fair", 0}}),

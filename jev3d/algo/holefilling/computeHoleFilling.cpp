@@ -129,9 +129,11 @@ bool computeHoleFilling(const meshInterface& source, unsigned int maxSize, meshI
   return computeHoleFilling(source, maxSize, target, triangulateOnly, {}, loops, cb);
 }
 
-bool computeHoleFilling(const meshInterface& source, unsigned int maxSize, meshInterface& target,
-                        bool triangulateOnly, const std::vector<unsigned char>& mask,
-                        const loopList& givenLoops, SYSTEM::callBack* cb) {
+namespace {
+
+bool fillHoles(const meshInterface& source, unsigned int maxSize, meshInterface& target,
+               HOLEFILLING_INTERNAL::patchFinish finish, const std::vector<unsigned char>& mask,
+               const loopList& givenLoops, SYSTEM::callBack* cb) {
   if (cb) cb->setValue(0.f);
   triSurface surface;
   surface.fromMesh(source);
@@ -171,7 +173,7 @@ bool computeHoleFilling(const meshInterface& source, unsigned int maxSize, meshI
   const float feature = surface.featureSize();
   HOLEFILLING_INTERNAL::holeSurface work(surface.vertices, surface.normals, edges, feature);
   std::vector<int> corners;
-  HOLEFILLING_INTERNAL::fillLoops(work, loops, maxSize, triangulateOnly, corners, cb, 5.f, 95.f);
+  HOLEFILLING_INTERNAL::fillLoops(work, loops, maxSize, finish, corners, cb, 5.f, 95.f);
 
   for (const auto& v : work.added) surface.vertices.push_back(v.pos);
   for (size_t i = 0; i + 2 < corners.size(); i += 3)
@@ -185,6 +187,23 @@ bool computeHoleFilling(const meshInterface& source, unsigned int maxSize, meshI
   }
   if (cb) cb->setValue(100.f);
   return true;
+}
+
+}  // namespace
+
+bool computeHoleFilling(const meshInterface& source, unsigned int maxSize, meshInterface& target,
+                        bool triangulateOnly, const std::vector<unsigned char>& mask,
+                        const loopList& givenLoops, SYSTEM::callBack* cb) {
+  return fillHoles(source, maxSize, target,
+                   triangulateOnly ? HOLEFILLING_INTERNAL::patchFinish::NONE
+                                   : HOLEFILLING_INTERNAL::patchFinish::REFINE_AND_FAIR,
+                   mask, givenLoops, cb);
+}
+
+bool computeHoleFillingFaired(const meshInterface& source, unsigned int maxSize,
+                              meshInterface& target, const loopList& loops, SYSTEM::callBack* cb) {
+  return fillHoles(source, maxSize, target, HOLEFILLING_INTERNAL::patchFinish::REFINE_AND_FIT, {},
+                   loops, cb);
 }
 
 bool computeTessellateHole(const meshInterface& source, meshInterface& target) {

@@ -54,6 +54,17 @@ bool computeHoleFilling(const meshInterface& source, unsigned int maxSize, meshI
                         const std::vector<std::vector<unsigned int>>& loops,
                         SYSTEM::callBack* cb = nullptr);
 
+// computeHoleFilling with refinement and fairing made for large holes: the patch is
+// refined in two levels, its new vertices start on a quadric fitted to the rim and the
+// ring of vertices around it, and the fairing weighs ring members by inverse distance.
+// The fixed rounds of computeHoleFilling leave patches of thousands of vertices nearly
+// flat; these take the curve of the surface around them. Same loops, rim and output
+// layout as computeHoleFilling; loops given by the caller are used instead of tracing.
+bool computeHoleFillingFaired(const meshInterface& source, unsigned int maxSize,
+                              meshInterface& target,
+                              const std::vector<std::vector<unsigned int>>& loops = {},
+                              SYSTEM::callBack* cb = nullptr);
+
 // The patches of all loops, triangulated only: computeHoleFilling with no size limit
 // and triangulateOnly set.
 bool computeTessellateHole(const meshInterface& source, meshInterface& target);

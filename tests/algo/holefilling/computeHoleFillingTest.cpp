@@ -2,6 +2,7 @@
 // shared bunny scan.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 #include <cstring>
 #include <set>
@@ -176,6 +177,36 @@ TEST(HoleFilling, ASphereWithItsCapCutAwayIsFilledBackCloseToTheSphere) {
   EXPECT_LT(sum / n, 1.1 * rim);
 }
 
+// The triangulation of a fixed hole is pinned: ports of the ear queue compare against
+// these faces, so a faster build of its inputs must not change one of them. Most of the
+// grid is flat with unit cells, which keeps the feature size at 1 whichever faces it
+// samples; the hole's rim is lifted so that the normals take part.
+TEST(HoleFilling, TheTriangulationOfAFixedHoleStaysFaceForFace) {
+  editMesh grid;
+  std::vector<std::pair<unsigned, unsigned>> hole;
+  for (unsigned j = 10; j < 16; ++j)
+    for (unsigned i = 9 + (j % 3); i < 17 - (j % 2); ++i) hole.emplace_back(i, j);
+  testMeshes::makeGrid(grid, 26, 26, false, hole);
+  for (unsigned v = 0; v < grid.vn(); ++v) {
+    p3& p = grid.vPos(v);
+    const float dx = p.x - 13.f, dy = p.y - 13.f;
+    if (dx * dx + dy * dy < 30.f) p.z = 0.05f * dx * dy - 0.1f * dx;
+  }
+  testMeshes::finishMesh(grid);
+  editMesh out;
+  ASSERT_TRUE(fillInto(grid, out, 100, true));
+  EXPECT_EQ(out.checkInvariants(), "");
+  EXPECT_TRUE(consistentlyOriented(out));
+  ASSERT_EQ(out.vn(), grid.vn());
+  uint32_t hash = 2166136261u;  // FNV-1a over the new faces' corners, in order
+  for (unsigned f = grid.fn(); f < out.fn(); ++f)
+    for (unsigned i = 0; i < 3; ++i)
+      for (int byte = 0; byte < 4; ++byte)
+        hash = (hash ^ ((out.fV(f, i) >> (8 * byte)) & 0xFFu)) * 16777619u;
+  EXPECT_EQ(out.fn() - grid.fn(), 36u);
+  EXPECT_EQ(hash, 404551599u);
+}
+
 TEST(HoleFilling, TwoLoopsThroughOneVertexAndARimTouchingItselfCloseCleanly) {
   // Two holes sharing the grid vertex (2, 2).
   editMesh pinched;
@@ -261,4 +292,154 @@ TEST(HoleFilling, TheFilterPeelsTheBorderAndFillsTheHolesInRange) {
   EXPECT_EQ(capped.checkInvariants(), "");
   EXPECT_EQ(testMeshes::borderEdges(capped), 0u);
   EXPECT_TRUE(consistentlyOriented(capped));
+}
+namespace {
+
+// The band of a unit sphere between 30 and 40 degrees from the north pole, segments
+// around, with the cap above it left open: one loop of segments rim vertices, and the
+// stretched cells of a scan's edge (three times longer across the band than along it).
+void openBand(editMesh& m, unsigned segments) {
+  const double pi = 3.14159265358979323846, first = pi / 6, last = 2 * pi / 9;
+  const double along = 2 * pi * std::sin(first) / segments;
+  const unsigned rows = unsigned(std::ceil((last - first) / (3 * along)));
+  for (unsigned r = 0; r <= rows; ++r)
+    for (unsigned k = 0; k < segments; ++k) {
+      const double t = first + (last - first) * r / rows, p = 2 * pi * k / segments;
+      m.addVertex(float(std::sin(t) * std::cos(p)), float(std::sin(t) * std::sin(p)),
+                  float(std::cos(t)));
+    }
+  for (unsigned r = 0; r < rows; ++r)
+    for (unsigned k = 0; k < segments; ++k) {
+      const unsigned a = r * segments + k, b = r * segments + (k + 1) % segments;
+      m.addTriFace(a, a + segments, b + segments);
+      m.addTriFace(a, b + segments, b);
+    }
+  testMeshes::finishMesh(m);
+}
+
+// Mean and largest distance of the vertices from oldCount on from the unit sphere.
+std::pair<double, double> sphereDistance(const editMesh& m, unsigned oldCount) {
+  double mean = 0, worst = 0;
+  for (unsigned v = oldCount; v < m.vn(); ++v) {
+    const double d = std::fabs(double(m.vPos(v).norm()) - 1.0);
+    worst = std::max(worst, d);
+    mean += d / (m.vn() - oldCount);
+  }
+  return {mean, worst};
+}
+
+}  // namespace
+
+// The fixed rounds cannot carry the rim's slope across a patch of thousands of vertices;
+// the faired path must, while keeping the rim and closing the hole like the rounds path.
+TEST(HoleFillingFaired, ALargeLoopOnASphereIsFilledCloseToTheSphere) {
+  editMesh band;
+  openBand(band, 600);
+  editMeshInterface in(band);
+  std::vector<std::vector<unsigned>> loops;
+  std::vector<std::pair<unsigned, unsigned>> ends;
+  ASSERT_TRUE(computeHoleFillingFindHole(in, {}, loops, ends));
+  std::vector<std::vector<unsigned>> top;
+  for (const auto& l : loops)
+    if (std::find(l.begin(), l.end(), 0u) != l.end()) top.push_back(l);
+  ASSERT_EQ(top.size(), 1u);
+  ASSERT_EQ(top[0].size(), 600u);
+
+  editMesh rounds, faired;
+  editMeshInterface roundsOut(rounds), fairedOut(faired);
+  ASSERT_TRUE(computeHoleFilling(in, 0, roundsOut, false, top));
+  recordingCallBack progress;
+  ASSERT_TRUE(computeHoleFillingFaired(in, 0, fairedOut, top, &progress));
+  EXPECT_EQ(progress.values.front(), 0.f);
+  EXPECT_EQ(progress.values.back(), 100.f);
+  testMeshes::finishMesh(faired);
+  EXPECT_EQ(faired.checkInvariants(), "");
+  EXPECT_TRUE(consistentlyOriented(faired));
+  ASSERT_GT(faired.vn(), band.vn() + 1000);
+  for (unsigned v = 0; v < band.vn(); ++v)
+    EXPECT_EQ(std::memcmp(&faired.vPos(v), &band.vPos(v), sizeof(p3)), 0);
+  // Only the band's lower rim is open now.
+  editMeshInterface filled(faired);
+  std::vector<unsigned> sizes;
+  ASSERT_TRUE(computeHoleFillingFindHoleDimension(filled, sizes));
+  EXPECT_EQ(sizes, std::vector<unsigned>{600});
+
+  // A flat lid would sit 0.134 below the pole, and 0.05 on average.
+  const auto near = sphereDistance(faired, band.vn());
+  const auto flat = sphereDistance(rounds, band.vn());
+  EXPECT_LT(near.first, 0.008);
+  EXPECT_LT(near.second, 0.03);
+  EXPECT_LT(near.first, 0.25 * flat.first);
+}
+
+TEST(HoleFillingFaired, ASphereCapIsFilledBackCloserThanByTheRounds) {
+  editMesh capped;
+  cappedSphere(capped, 0.75f);
+  editMesh rounds, faired;
+  editMeshInterface in(capped), roundsOut(rounds), fairedOut(faired);
+  ASSERT_TRUE(computeHoleFilling(in, 0, roundsOut, false));
+  ASSERT_TRUE(computeHoleFillingFaired(in, 0, fairedOut));
+  testMeshes::finishMesh(faired);
+  EXPECT_EQ(faired.checkInvariants(), "");
+  EXPECT_EQ(testMeshes::borderEdges(faired), 0u);
+  EXPECT_TRUE(consistentlyOriented(faired));
+  const auto near = sphereDistance(faired, capped.vn());
+  EXPECT_LT(near.first, 0.02);
+  EXPECT_LT(near.second, 0.05);
+  EXPECT_LT(near.first, 0.5 * sphereDistance(rounds, capped.vn()).first);
+}
+
+TEST(HoleFillingFaired, AFlatHoleStaysFlatAndAClosedMeshComesBackAsItWas) {
+  editMesh grid;
+  testMeshes::makeGrid(grid, 12, 12, false, {{4, 4}, {5, 4}, {5, 5}, {6, 5}, {6, 6}});
+  testMeshes::finishMesh(grid);
+  editMesh out;
+  editMeshInterface in(grid), to(out);
+  ASSERT_TRUE(computeHoleFillingFaired(in, 20, to));
+  testMeshes::finishMesh(out);
+  EXPECT_EQ(out.checkInvariants(), "");
+  EXPECT_TRUE(consistentlyOriented(out));
+  for (unsigned v = grid.vn(); v < out.vn(); ++v) EXPECT_NEAR(out.vPos(v).z, 0.f, 1e-5f);
+  editMeshInterface filled(out);
+  std::vector<unsigned> sizes;
+  ASSERT_TRUE(computeHoleFillingFindHoleDimension(filled, sizes));
+  EXPECT_EQ(sizes, std::vector<unsigned>{48});
+
+  editMesh closed, back;
+  testMeshes::makeSphere(closed, 8, 12);
+  closed.triangulate();
+  testMeshes::finishMesh(closed);
+  editMeshInterface from(closed), into(back);
+  ASSERT_TRUE(computeHoleFillingFaired(from, 0, into));
+  EXPECT_EQ(back.vn(), closed.vn());
+  EXPECT_EQ(back.fn(), closed.fn());
+}
+
+TEST(HoleFillingFaired, TheBunnysHolesCloseWithNewVerticesInsideItsBounds) {
+  JEV3D_REQUIRE_DATA("ply/stanford_bun_zipper.ply");
+  POSTPROCESSING::triMesh bunny;
+  ASSERT_TRUE(bunny.readPlyFromFile(dataFile("ply/stanford_bun_zipper.ply")));
+  editMesh mesh, out;
+  editMeshInterface meshIn(mesh), to(out);
+  bunny.copyTo(meshIn);
+  testMeshes::finishMesh(mesh);
+  ASSERT_TRUE(computeHoleFillingFaired(meshIn, 0, to));
+  testMeshes::finishMesh(out);
+  EXPECT_EQ(out.checkInvariants(), "");
+  EXPECT_EQ(testMeshes::borderEdges(out), 0u);
+  EXPECT_TRUE(consistentlyOriented(out));
+  ASSERT_GT(out.vn(), mesh.vn());
+  p3 lo = mesh.vPos(0), hi = lo;
+  for (unsigned v = 0; v < mesh.vn(); ++v) {
+    EXPECT_EQ(std::memcmp(&out.vPos(v), &mesh.vPos(v), sizeof(p3)), 0);
+    for (int i = 0; i < 3; ++i)
+      lo[i] = std::min(lo[i], mesh.vPos(v)[i]), hi[i] = std::max(hi[i], mesh.vPos(v)[i]);
+  }
+  // The holes are on the base: a patch bulging far out of the bunny's box went wrong.
+  const p3 margin = (hi - lo) * 0.05f;
+  for (unsigned v = mesh.vn(); v < out.vn(); ++v)
+    for (int i = 0; i < 3; ++i) {
+      EXPECT_GE(out.vPos(v)[i], lo[i] - margin[i]);
+      EXPECT_LE(out.vPos(v)[i], hi[i] + margin[i]);
+    }
 }

@@ -2,8 +2,10 @@
 // its quality and penalties, and the improvement stages.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 #include <cstring>
+#include <map>
 #include <set>
 
 #include "jev3d/algo/holefilling/internal/holeFill.h"
@@ -75,6 +77,60 @@ TEST(HoleLoops, TracesTheBorderInFaceOrderAndFailsOnAWalkThatCannotGoOn) {
   EXPECT_NE(testing::internal::GetCapturedStdout().find("Couldn't find an edge out of vert"),
             std::string::npos);
   EXPECT_TRUE(loops.empty());
+}
+
+TEST(HoleLoops, TheEdgeSetMatchesAnOrderedMapOfTheFaceSides) {
+  // A strip of triangles with a few faults: a third face on one edge, a repeated corner
+  // and corners out of range.
+  arraySurface s;
+  s.pos.resize(40);
+  for (int i = 0; i + 21 < 40; ++i) {
+    s.face(i, i + 1, i + 20);
+    s.face(i + 1, i + 21, i + 20);
+  }
+  s.face(30, 31, 9);  // a third face on 30-31
+  s.face(7, 7, 12);   // a repeated corner: only its real sides count
+  s.face(3, 45, -1);  // out of range
+  s.finish();
+
+  // The reference: an ordered map of undirected sides with their use counts and the
+  // direction of the first use.
+  std::map<std::pair<int, int>, std::pair<int, bool>> sides;
+  for (size_t f = 0; f + 1 < s.start.size(); ++f)
+    for (unsigned i = s.start[f]; i < s.start[f + 1]; ++i) {
+      const unsigned next = i + 1 < s.start[f + 1] ? i + 1 : s.start[f];
+      const int a = s.corners[i], b = s.corners[next];
+      if (a == b || a < 0 || b < 0 || a >= 40 || b >= 40) continue;
+      auto& use = sides[{std::min(a, b), std::max(a, b)}];
+      if (use.first++ == 0) use.second = a < b;
+    }
+  std::map<int, std::vector<int>> rows;
+  std::set<std::pair<int, int>> border;
+  for (const auto& e : sides) {
+    rows[e.first.first].push_back(e.first.second);
+    rows[e.first.second].push_back(e.first.first);
+    if (e.second.first == 1)
+      border.insert(e.second.second ? e.first : std::make_pair(e.first.second, e.first.first));
+  }
+  for (int v = 0; v < 40; ++v) {
+    std::vector<int> row = rows[v];
+    std::sort(row.begin(), row.end());
+    EXPECT_EQ(
+        std::vector<int>(s.edges.neighbours(v), s.edges.neighbours(v) + s.edges.neighbourCount(v)),
+        row)
+        << "vertex " << v;
+  }
+  // Each border side of the reference is walked once, in its face's direction.
+  std::vector<std::vector<int>> loops;
+  testing::internal::CaptureStdout();
+  const bool traced = s.edges.traceLoops(loops);
+  testing::internal::GetCapturedStdout();
+  ASSERT_TRUE(traced);
+  std::set<std::pair<int, int>> walked;
+  for (const auto& l : loops)
+    for (size_t i = 0; i < l.size(); ++i)
+      EXPECT_TRUE(walked.insert({l[i], l[(i + 1) % l.size()]}).second);
+  EXPECT_EQ(walked, border);
 }
 
 TEST(HoleLoops, APinchedBorderGivesTwoLoopsWithoutRepeatedVertices) {
@@ -212,7 +268,7 @@ TEST(PatchImprovement, RefinementAndFairingKeepTheRimAndLinkEverySideOnce) {
   std::vector<int> loop;
   for (int i = 0; i < n; ++i) loop.push_back(i);
   std::vector<int> corners;
-  fillLoops(h, {loop}, 0, false, corners, nullptr, 0.f, 100.f);
+  fillLoops(h, {loop}, 0, patchFinish::REFINE_AND_FAIR, corners, nullptr, 0.f, 100.f);
   ASSERT_GT(h.added.size(), 10u);
   // Closed up against the rim: every inner side twice, each rim side once, opposite.
   std::multiset<std::pair<int, int>> sides;

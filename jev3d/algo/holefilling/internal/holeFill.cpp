@@ -10,7 +10,7 @@ namespace ALGO {
 namespace HOLEFILLING_INTERNAL {
 
 void fillLoops(holeSurface& s, const std::vector<std::vector<int>>& loops, unsigned int maxSize,
-               bool triangulateOnly, std::vector<int>& corners, SYSTEM::callBack* cb, float from,
+               patchFinish finish, std::vector<int>& corners, SYSTEM::callBack* cb, float from,
                float to) {
   std::vector<patchFace> patch;
   for (size_t i = 0; i < loops.size(); ++i) {
@@ -18,7 +18,8 @@ void fillLoops(holeSurface& s, const std::vector<std::vector<int>>& loops, unsig
     if (loop.size() >= 3 && (maxSize == 0 || loop.size() <= maxSize)) {
       patch.clear();
       triangulateLoop(s, loop, patch);
-      if (!triangulateOnly) improvePatch(s, patch);
+      if (finish == patchFinish::REFINE_AND_FAIR) improvePatch(s, patch);
+      if (finish == patchFinish::REFINE_AND_FIT) improvePatchFitted(s, patch);
       for (const patchFace& f : patch) corners.insert(corners.end(), f.v, f.v + 3);
     }
     if (cb) cb->setValue(from + (to - from) * float(i + 1) / float(loops.size()));

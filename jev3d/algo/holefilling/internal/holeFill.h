@@ -13,12 +13,12 @@ namespace ALGO {
 namespace HOLEFILLING_INTERNAL {
 
 // Patches each loop in order: loops of at least three corners and, unless maxSize is 0,
-// of at most maxSize corners are triangulated by the ear queue and, unless
-// triangulateOnly, improved (flips, refinement, fairing). Corners of the new faces go
+// of at most maxSize corners are triangulated by the ear queue and then finished as
+// finish says (flips, refinement, fairing). Corners of the new faces go
 // to corners, three a face; new vertices to s.added. Longer loops stay open. The
 // callback, when set, hears the share of loops done, scaled into [from, to].
 void fillLoops(holeSurface& s, const std::vector<std::vector<int>>& loops, unsigned int maxSize,
-               bool triangulateOnly, std::vector<int>& corners, SYSTEM::callBack* cb, float from,
+               patchFinish finish, std::vector<int>& corners, SYSTEM::callBack* cb, float from,
                float to);
 
 // Keeps, of each loop, the corners whose mask byte is 0, in order, and records per loop

@@ -11,62 +11,92 @@ namespace HOLEFILLING_INTERNAL {
 
 namespace {
 
-// A face side as an undirected key, smaller id in the high word, and whether the face
-// walks it from the larger id to the smaller.
+// A face side as seen from its smaller vertex: the larger one, and whether the face walks
+// the side from the larger id to the smaller.
 struct side {
-  uint64_t key;
+  int high;
   bool reversed;
-  bool operator<(const side& o) const { return key != o.key ? key < o.key : reversed < o.reversed; }
+  bool operator<(const side& o) const {
+    return high != o.high ? high < o.high : reversed < o.reversed;
+  }
 };
 
-int low(uint64_t key) { return int(key >> 32); }
-int high(uint64_t key) { return int(key & 0xFFFFFFFFu); }
-
-// Counting sort of (vertex, value) pairs into rows; each row keeps the pairs' order.
-void fillRows(unsigned int vertexCount, const std::vector<std::pair<int, int>>& pairs,
-              std::vector<unsigned int>& start, std::vector<int>& values) {
-  start.assign(size_t(vertexCount) + 1, 0);
-  for (const auto& p : pairs) ++start[size_t(p.first) + 1];
-  for (unsigned int v = 0; v < vertexCount; ++v) start[v + 1] += start[v];
-  values.resize(pairs.size());
-  std::vector<unsigned int> next(start.begin(), start.end() - 1);
-  for (const auto& p : pairs) values[next[size_t(p.first)]++] = p.second;
+// Exclusive prefix sums of counts, in place, with the total appended.
+void toStarts(std::vector<unsigned int>& start) {
+  unsigned int sum = 0;
+  for (unsigned int& s : start) {
+    const unsigned int c = s;
+    s = sum;
+    sum += c;
+  }
+  start.push_back(sum);
 }
 
 }  // namespace
 
+// Sides are bucketed by their smaller vertex and each short bucket sorted on its own, so
+// the build stays linear in the face count. Walking the buckets in vertex order meets
+// every edge in ascending (smaller, larger) order, which is what keeps each row, and
+// each vertex's outgoing border edges, ascending without a sort of their own.
 void holeEdgeSet::build(unsigned int vertexCount, const std::vector<int>& corners,
                         const std::vector<unsigned int>& faceStart) {
-  std::vector<side> sides;
-  sides.reserve(corners.size());
-  for (size_t f = 0; f + 1 < faceStart.size(); ++f) {
-    const unsigned int first = faceStart[f], n = faceStart[f + 1] - first;
-    for (unsigned int i = 0; i < n; ++i) {
-      const int a = corners[first + i], b = corners[first + (i + 1) % n];
-      if (a == b || a < 0 || b < 0 || unsigned(a) >= vertexCount || unsigned(b) >= vertexCount)
-        continue;
-      const uint64_t lo = uint64_t(std::min(a, b)), hi = uint64_t(std::max(a, b));
-      sides.push_back({lo << 32 | hi, a > b});
+  auto forEachSide = [&](auto&& visit) {
+    for (size_t f = 0; f + 1 < faceStart.size(); ++f) {
+      const unsigned int first = faceStart[f], n = faceStart[f + 1] - first;
+      for (unsigned int i = 0; i < n; ++i) {
+        const int a = corners[first + i], b = corners[first + (i + 1) % n];
+        if (a == b || a < 0 || b < 0 || unsigned(a) >= vertexCount || unsigned(b) >= vertexCount)
+          continue;
+        visit(a, b);
+      }
+    }
+  };
+  std::vector<unsigned int> bucketStart(vertexCount, 0);
+  forEachSide([&](int a, int b) { ++bucketStart[size_t(std::min(a, b))]; });
+  toStarts(bucketStart);
+  std::vector<side> sides(bucketStart.back());
+  {
+    std::vector<unsigned int> next(bucketStart.begin(), bucketStart.end() - 1);
+    forEachSide([&](int a, int b) {
+      sides[next[size_t(std::min(a, b))]++] = {std::max(a, b), a > b};
+    });
+  }
+
+  // Edges in ascending order as (smaller, larger, border direction: 0 none, 1 forward,
+  // -1 backward); a side seen once is a border edge, in its face's direction.
+  struct edge {
+    int a, b, border;
+  };
+  std::vector<edge> edges;
+  edges.reserve(sides.size() / 2 + 16);
+  rowStart.assign(vertexCount, 0);
+  borderStart.assign(vertexCount, 0);
+  for (unsigned int v = 0; v < vertexCount; ++v) {
+    const auto first = sides.begin() + std::ptrdiff_t(bucketStart[v]);
+    const auto last = sides.begin() + std::ptrdiff_t(bucketStart[v + 1]);
+    std::sort(first, last);
+    for (auto i = first; i != last;) {
+      auto j = i;
+      while (j != last && j->high == i->high) ++j;
+      const int border = j - i == 1 ? (i->reversed ? -1 : 1) : 0;
+      edges.push_back({int(v), i->high, border});
+      ++rowStart[v], ++rowStart[size_t(i->high)];
+      if (border) ++borderStart[size_t(border > 0 ? int(v) : i->high)];
+      i = j;
     }
   }
-  std::sort(sides.begin(), sides.end());
-
-  std::vector<std::pair<int, int>> links, border;
-  for (size_t i = 0; i < sides.size();) {
-    size_t j = i;
-    while (j < sides.size() && sides[j].key == sides[i].key) ++j;
-    const int a = low(sides[i].key), b = high(sides[i].key);
-    links.emplace_back(a, b);
-    links.emplace_back(b, a);
-    if (j - i == 1)
-      border.push_back(sides[i].reversed ? std::make_pair(b, a) : std::make_pair(a, b));
-    i = j;
+  toStarts(rowStart);
+  toStarts(borderStart);
+  row.resize(rowStart.back());
+  borderTarget.resize(borderStart.back());
+  std::vector<unsigned int> nextRow(rowStart.begin(), rowStart.end() - 1);
+  std::vector<unsigned int> nextBorder(borderStart.begin(), borderStart.end() - 1);
+  for (const edge& e : edges) {
+    row[nextRow[size_t(e.a)]++] = e.b;
+    row[nextRow[size_t(e.b)]++] = e.a;
+    if (e.border > 0) borderTarget[nextBorder[size_t(e.a)]++] = e.b;
+    if (e.border < 0) borderTarget[nextBorder[size_t(e.b)]++] = e.a;
   }
-  // Stable sort by first vertex keeps each row ascending, since keys were sorted.
-  std::stable_sort(links.begin(), links.end());
-  fillRows(vertexCount, links, rowStart, row);
-  std::stable_sort(border.begin(), border.end());
-  fillRows(vertexCount, border, borderStart, borderTarget);
 }
 
 bool holeEdgeSet::hasEdge(int a, int b) const {

@@ -115,6 +115,13 @@ float bendTerm(const p3& n1, const p3& n2) {
 
 // Conjugate gradient steps of one fairing round.
 constexpr unsigned int CG_STEPS_PER_ROUND = 8;
+// Steps of the fitted path's solves. From the fitted start the solve only blends the
+// patch into the ring around it; run much longer, the weighted thin plate drifts from the
+// fitted shape towards its own minimum, which bulges on lopsided rims. SETTLE_TOLERANCE
+// is the drop of the squared gradient at which a solve stops early.
+constexpr unsigned int COARSE_SOLVE_STEPS = 200;
+constexpr unsigned int FINE_SOLVE_STEPS = 100;
+constexpr double SETTLE_TOLERANCE = 1e-10;
 
 // Refinement stops growing a patch past this many faces: a feature size far below the
 // hole's extent would otherwise fill memory.
@@ -322,145 +329,235 @@ void flipPass(const holeSurface& s, std::vector<patchFace>& faces, float feature
   }
 }
 
-// Fairing of the patch's new vertices against the umbrella operator U (mean of the ring
+namespace {
+
+using d3 = MATH::point3<double>;
+
+d3 toDouble(const p3& p) { return d3(p.x, p.y, p.z); }
+d3 scaled(const d3& v, const d3& k) { return d3(v.x * k.x, v.y * k.y, v.z * k.z); }
+// Per coordinate a / b, 0 where b is not positive.
+d3 ratio(const d3& a, const d3& b) {
+  return d3(b.x > 0 ? a.x / b.x : 0, b.y > 0 ? a.y / b.y : 0, b.z > 0 ? a.z / b.z : 0);
+}
+d3 componentDot(const std::vector<d3>& x, const std::vector<d3>& y) {
+  d3 sum;
+  for (size_t i = 0; i < x.size(); ++i)
+    sum += d3(x[i].x * y[i].x, x[i].y * y[i].y, x[i].z * y[i].z);
+  return sum;
+}
+
+// The fairing problem of one patch against the umbrella operator U (mean of the ring
 // minus the vertex). With the exponent 2 (the thin plate) the new positions minimise the
 // sum of |U|² over every vertex of the patch, the rim included, whose rings also hold
 // their neighbours in the old mesh: so the slope of the surface around the hole carries
 // into the patch. With the exponent 1 (the membrane) U is driven to 0 at the new
-// vertices only. Each round is CG_STEPS_PER_ROUND steps of conjugate gradients on that
-// least-squares problem (coordinates solved apart, stopping early once converged), which
-// carries the shape across a patch far faster than local sweeps. Then, rounds times, each new
-// vertex slides by step times the tangential part of its U, which spreads the vertices evenly
-// without bending the surface. Only new vertices from firstNew on move.
-void fairPatch(holeSurface& s, const std::vector<patchFace>& faces, float step, float exponent,
-               unsigned int rounds, int firstNew) {
-  assert(rounds >= 10 && rounds <= 50);
-  const int base = s.vertexCount();
-  const int firstMoving = base + firstNew;
-  const int end = base + int(s.added.size());
-  if (firstMoving >= end) return;
-
-  // Local ids: moving vertices first, in id order, then the old vertices of the patch.
-  // Rings hold local ids; an old vertex's ring also holds its neighbours in the mesh,
-  // which get local ids of their own (with empty rings: the operator is not taken there).
-  const size_t moving = size_t(end - firstMoving);
-  std::unordered_map<int, int> oldLocal;
-  std::vector<int> global;
-  global.reserve(moving);
-  for (int v = firstMoving; v < end; ++v) global.push_back(v);
-  auto localOf = [&](int v) {
-    if (v >= firstMoving) return v - firstMoving;
-    const auto it = oldLocal.emplace(v, int(global.size()));
-    if (it.second) global.push_back(v);
-    return it.first->second;
-  };
-  std::vector<std::pair<int, int>> links;
-  links.reserve(faces.size() * 6);
-  for (const patchFace& f : faces)
-    for (int k = 0; k < 3; ++k) {
-      const int a = localOf(f.v[k]), b = localOf(f.v[(k + 1) % 3]);
-      links.emplace_back(a, b);
-      links.emplace_back(b, a);
+// vertices only. Only new vertices from firstNew on move.
+class fairingSystem {
+ public:
+  fairingSystem(holeSurface& surface, const std::vector<patchFace>& faces, float exponent,
+                int firstNew)
+      : s(surface),
+        base(surface.vertexCount()),
+        firstMoving(base + firstNew),
+        end(base + int(surface.added.size())) {
+    if (firstMoving >= end) return;
+    // Local ids: moving vertices first, in id order, then the old vertices of the patch.
+    // Rings hold local ids; an old vertex's ring also holds its neighbours in the mesh,
+    // which get local ids of their own (with empty rings: the operator is not taken there).
+    moving = size_t(end - firstMoving);
+    std::unordered_map<int, int> oldLocal;
+    global.reserve(moving);
+    for (int v = firstMoving; v < end; ++v) global.push_back(v);
+    auto localOf = [&](int v) {
+      if (v >= firstMoving) return v - firstMoving;
+      const auto it = oldLocal.emplace(v, int(global.size()));
+      if (it.second) global.push_back(v);
+      return it.first->second;
+    };
+    std::vector<std::pair<int, int>> links;
+    links.reserve(faces.size() * 6);
+    for (const patchFace& f : faces)
+      for (int k = 0; k < 3; ++k) {
+        const int a = localOf(f.v[k]), b = localOf(f.v[(k + 1) % 3]);
+        links.emplace_back(a, b);
+        links.emplace_back(b, a);
+      }
+    const size_t patchVertices = global.size();
+    for (size_t i = moving; i < patchVertices; ++i) {
+      const int v = global[i];
+      for (unsigned int k = 0; k < s.edgeSet().neighbourCount(v); ++k)
+        links.emplace_back(int(i), localOf(s.edgeSet().neighbours(v)[k]));
     }
-  const size_t patchVertices = global.size();
-  for (size_t i = moving; i < patchVertices; ++i) {
-    const int v = global[i];
-    for (unsigned int k = 0; k < s.edgeSet().neighbourCount(v); ++k)
-      links.emplace_back(int(i), localOf(s.edgeSet().neighbours(v)[k]));
+    // Rings as sorted, duplicate-free rows: bucketed by their first vertex, then each
+    // short row sorted on its own.
+    ringStart.assign(global.size() + 1, 0);
+    for (const auto& l : links) ++ringStart[size_t(l.first) + 1];
+    for (size_t i = 0; i < global.size(); ++i) ringStart[i + 1] += ringStart[i];
+    ring.resize(links.size());
+    {
+      std::vector<unsigned int> next(ringStart.begin(), ringStart.end() - 1);
+      for (const auto& l : links) ring[next[size_t(l.first)]++] = l.second;
+    }
+    unsigned int kept = 0;
+    for (size_t r = 0; r < global.size(); ++r) {
+      const auto first = ring.begin() + std::ptrdiff_t(ringStart[r]);
+      const auto last = ring.begin() + std::ptrdiff_t(ringStart[r + 1]);
+      std::sort(first, last);
+      const unsigned int rowBegin = kept;
+      for (auto it = first; it != last; ++it)
+        if (it == first || *it != *(it - 1)) ring[kept++] = *it;
+      ringStart[r] = rowBegin;
+    }
+    ringStart.back() = kept;
+    ring.resize(kept);
+    rows = exponent > 1.5f ? patchVertices : moving;
   }
-  std::sort(links.begin(), links.end());
-  links.erase(std::unique(links.begin(), links.end()), links.end());
-  std::vector<unsigned int> ringStart(global.size() + 1, 0);
-  for (const auto& l : links) ++ringStart[size_t(l.first) + 1];
-  for (size_t i = 0; i < global.size(); ++i) ringStart[i + 1] += ringStart[i];
-  std::vector<int> ring(links.size());
-  for (size_t i = 0; i < links.size(); ++i) ring[i] = links[i].second;
 
-  auto at = [&](size_t local) -> const p3& { return s.position(global[local]); };
-  auto ringSize = [&](size_t local) { return double(ringStart[local + 1] - ringStart[local]); };
-  // U at a row from the current positions, and the linear part of U in the moving
-  // vertices applied to a direction d over them.
-  const size_t rows = exponent > 1.5f ? patchVertices : moving;
-  auto umbrella = [&](size_t row) {
+  // Conjugate gradients on the normal equations of the least-squares problem, coordinates
+  // solved apart: at most maxSteps steps, stopping once the squared gradient has fallen
+  // below tolerance times its start. Returns the steps taken.
+  unsigned int solve(unsigned int maxSteps, double tolerance) {
+    if (!moving) return 0;
+    std::vector<d3> r(rows), g, dir, q;
+    for (size_t i = 0; i < rows; ++i) r[i] = solvedUmbrella(i) * -1.0;
+    applyBt(r, g);
+    dir = g;
+    d3 gamma = componentDot(g, g);
+    const d3 start = gamma;
+    unsigned int k = 0;
+    for (; k < maxSteps; ++k) {
+      if (gamma.x <= tolerance * start.x && gamma.y <= tolerance * start.y &&
+          gamma.z <= tolerance * start.z)
+        break;
+      applyB(dir, q);
+      const d3 alpha = ratio(gamma, componentDot(q, q));
+      for (size_t i = 0; i < moving; ++i) {
+        const d3 move = scaled(dir[i], alpha);
+        s.movablePosition(global[i]) += p3(float(move.x), float(move.y), float(move.z));
+      }
+      for (size_t i = 0; i < rows; ++i) r[i] -= scaled(q[i], alpha);
+      applyBt(r, g);
+      const d3 next = componentDot(g, g);
+      const d3 beta = ratio(next, gamma);
+      gamma = next;
+      for (size_t i = 0; i < moving; ++i) dir[i] = g[i] + scaled(dir[i], beta);
+    }
+    return k;
+  }
+
+  // Weighs each ring member by the inverse of its distance (normalised per ring) in the
+  // solve from here on, instead of evenly. Even weights read a tangential pull into the
+  // operator wherever a ring is lopsided (long sides on one side, short on the other, as
+  // at a rim between a fine patch and a coarse or stretched mesh), and the solve bends
+  // the patch to cancel it; with these weights a ring on a smooth surface gives a
+  // nearly normal U. The slide keeps even weights: spreading the vertices evenly is its
+  // purpose.
+  void weighByInverseLength() {
+    weight.assign(ring.size(), 0.0);
+    for (size_t r = 0; r < rows; ++r) {
+      double sum = 0;
+      for (unsigned int k = ringStart[r]; k < ringStart[r + 1]; ++k) {
+        const double len = double((at(size_t(ring[k])) - at(r)).norm());
+        // A coincident neighbour gets a huge but finite weight.
+        weight[k] = 1.0 / std::max(len, 1e-30);
+        sum += weight[k];
+      }
+      for (unsigned int k = ringStart[r]; k < ringStart[r + 1]; ++k) weight[k] /= sum;
+    }
+  }
+
+  // Rounds sweeps in which each moving vertex slides by step times the tangential part of
+  // its U, which spreads the vertices evenly without bending the surface.
+  void slide(float step, unsigned int rounds) {
+    for (unsigned int sweep = 0; sweep < rounds; ++sweep)
+      for (size_t i = 0; i < moving; ++i) {
+        const p3 u = umbrella(i);
+        const p3& n = s.added[size_t(global[i] - base)].nor;
+        s.movablePosition(global[i]) += (u - n * (u * n)) * step;
+      }
+  }
+
+  // Normals of the moved vertices from the patch's faces, weighted by area.
+  void updateNormals(const std::vector<patchFace>& faces) {
+    for (int v = firstMoving; v < end; ++v) s.added[size_t(v - base)].nor = p3();
+    for (const patchFace& f : faces) {
+      const p3& pa = s.position(f.v[0]);
+      const p3 n = p3::cross(s.position(f.v[1]) - pa, s.position(f.v[2]) - pa);
+      for (int v : f.v)
+        if (v >= firstMoving) s.added[size_t(v - base)].nor += n;
+    }
+    for (int v = firstMoving; v < end; ++v) {
+      p3& n = s.added[size_t(v - base)].nor;
+      n = unitOr(n, n);
+    }
+  }
+
+ private:
+  const p3& at(size_t local) const { return s.position(global[local]); }
+  double ringSize(size_t local) const { return double(ringStart[local + 1] - ringStart[local]); }
+  // U at a row from the current positions.
+  p3 umbrella(size_t row) const {
     p3 sum;
     for (unsigned int k = ringStart[row]; k < ringStart[row + 1]; ++k) sum += at(size_t(ring[k]));
     return sum * float(1.0 / ringSize(row)) - at(row);
-  };
-  using d3 = MATH::point3<double>;
-  auto toD = [](const p3& p) { return d3(p.x, p.y, p.z); };
-  auto applyB = [&](const std::vector<d3>& d, std::vector<d3>& out) {
+  }
+  // U of the solve at a row: even or weighted.
+  d3 solvedUmbrella(size_t row) const {
+    if (weight.empty()) return toDouble(umbrella(row));
+    d3 sum;
+    for (unsigned int k = ringStart[row]; k < ringStart[row + 1]; ++k)
+      sum += toDouble(at(size_t(ring[k]))) * weight[k];
+    return sum - toDouble(at(row));
+  }
+  // The linear part B of U in the moving vertices, applied to a direction over them.
+  void applyB(const std::vector<d3>& d, std::vector<d3>& out) const {
     out.assign(rows, d3());
     for (size_t r = 0; r < rows; ++r) {
       d3 sum;
-      for (unsigned int k = ringStart[r]; k < ringStart[r + 1]; ++k)
-        if (size_t(ring[k]) < moving) sum += d[size_t(ring[k])];
-      out[r] = sum * (1.0 / ringSize(r));
+      if (weight.empty()) {
+        for (unsigned int k = ringStart[r]; k < ringStart[r + 1]; ++k)
+          if (size_t(ring[k]) < moving) sum += d[size_t(ring[k])];
+        out[r] = sum * (1.0 / ringSize(r));
+      } else {
+        for (unsigned int k = ringStart[r]; k < ringStart[r + 1]; ++k)
+          if (size_t(ring[k]) < moving) sum += d[size_t(ring[k])] * weight[k];
+        out[r] = sum;
+      }
       if (r < moving) out[r] -= d[r];
     }
-  };
-  auto applyBt = [&](const std::vector<d3>& in, std::vector<d3>& out) {
+  }
+  void applyBt(const std::vector<d3>& in, std::vector<d3>& out) const {
     out.assign(moving, d3());
     for (size_t r = 0; r < rows; ++r) {
       const d3 w = in[r] * (1.0 / ringSize(r));
       for (unsigned int k = ringStart[r]; k < ringStart[r + 1]; ++k)
-        if (size_t(ring[k]) < moving) out[size_t(ring[k])] += w;
+        if (size_t(ring[k]) < moving)
+          out[size_t(ring[k])] += weight.empty() ? w : in[r] * weight[k];
       if (r < moving) out[r] -= in[r];
     }
-  };
-  auto componentDot = [](const std::vector<d3>& x, const std::vector<d3>& y) {
-    d3 sum;
-    for (size_t i = 0; i < x.size(); ++i)
-      sum += d3(x[i].x * y[i].x, x[i].y * y[i].y, x[i].z * y[i].z);
-    return sum;
-  };
-  auto ratio = [](const d3& a, const d3& b) {
-    return d3(b.x > 0 ? a.x / b.x : 0, b.y > 0 ? a.y / b.y : 0, b.z > 0 ? a.z / b.z : 0);
-  };
-  auto scaled = [](const d3& v, const d3& k) { return d3(v.x * k.x, v.y * k.y, v.z * k.z); };
+  }
 
-  // Conjugate gradients on the normal equations: residual r = -U, gradient g = Bᵀr.
-  std::vector<d3> r(rows), g, dir, q;
-  for (size_t i = 0; i < rows; ++i) r[i] = toD(umbrella(i)) * -1.0;
-  applyBt(r, g);
-  dir = g;
-  d3 gamma = componentDot(g, g);
-  const d3 start = gamma;
-  const unsigned int steps = rounds * CG_STEPS_PER_ROUND;
-  for (unsigned int k = 0; k < steps; ++k) {
-    if (gamma.x <= 1e-14 * start.x && gamma.y <= 1e-14 * start.y && gamma.z <= 1e-14 * start.z)
-      break;
-    applyB(dir, q);
-    const d3 alpha = ratio(gamma, componentDot(q, q));
-    for (size_t i = 0; i < moving; ++i) {
-      const d3 move = scaled(dir[i], alpha);
-      s.movablePosition(global[i]) += p3(float(move.x), float(move.y), float(move.z));
-    }
-    for (size_t i = 0; i < rows; ++i) r[i] -= scaled(q[i], alpha);
-    applyBt(r, g);
-    const d3 next = componentDot(g, g);
-    const d3 beta = ratio(next, gamma);
-    gamma = next;
-    for (size_t i = 0; i < moving; ++i) dir[i] = g[i] + scaled(dir[i], beta);
-  }
-  for (unsigned int sweep = 0; sweep < rounds; ++sweep)
-    for (size_t i = 0; i < moving; ++i) {
-      const p3 u = umbrella(i);
-      const p3& n = s.added[size_t(global[i] - base)].nor;
-      s.movablePosition(global[i]) += (u - n * (u * n)) * step;
-    }
+  holeSurface& s;
+  const int base, firstMoving, end;
+  size_t moving = 0, rows = 0;
+  std::vector<int> global;
+  std::vector<unsigned int> ringStart;
+  std::vector<int> ring;
+  std::vector<double> weight;  // per ring member; empty for even weights
+};
 
-  // Normals of the moved vertices from the patch's faces, weighted by area.
-  for (int v = firstMoving; v < end; ++v) s.added[size_t(v - base)].nor = p3();
-  for (const patchFace& f : faces) {
-    const p3& pa = s.position(f.v[0]);
-    const p3 n = p3::cross(s.position(f.v[1]) - pa, s.position(f.v[2]) - pa);
-    for (int v : f.v)
-      if (v >= firstMoving) s.added[size_t(v - base)].nor += n;
-  }
-  for (int v = firstMoving; v < end; ++v) {
-    p3& n = s.added[size_t(v - base)].nor;
-    n = unitOr(n, n);
-  }
+}  // namespace
+
+// Each round is CG_STEPS_PER_ROUND steps of the solve (stopping early once converged),
+// which carries the shape across a patch far faster than local sweeps, then one sweep
+// of the slide.
+void fairPatch(holeSurface& s, const std::vector<patchFace>& faces, float step, float exponent,
+               unsigned int rounds, int firstNew) {
+  assert(rounds >= 10 && rounds <= 50);
+  fairingSystem system(s, faces, exponent, firstNew);
+  system.solve(rounds * CG_STEPS_PER_ROUND, 1e-14);
+  system.slide(step, rounds);
+  system.updateNormals(faces);
 }
 
 void improvePatch(holeSurface& s, std::vector<patchFace>& faces) {
@@ -480,6 +577,124 @@ void improvePatch(holeSurface& s, std::vector<patchFace>& faces) {
   splitPass(s, faces, f);
   flipPass(s, faces, f);
   fairPatch(s, faces, 0.2f, 2.0f, 50, firstNew);
+}
+
+namespace {
+
+// Solves the 6 x 6 system a x = b by elimination with partial pivoting; false when it
+// is singular.
+bool solve6(double a[6][6], double b[6], double x[6]) {
+  for (int c = 0; c < 6; ++c) {
+    int pivot = c;
+    for (int r = c + 1; r < 6; ++r)
+      if (std::fabs(a[r][c]) > std::fabs(a[pivot][c])) pivot = r;
+    if (!(std::fabs(a[pivot][c]) > 1e-12)) return false;
+    std::swap(a[c], a[pivot]);
+    std::swap(b[c], b[pivot]);
+    for (int r = c + 1; r < 6; ++r) {
+      const double k = a[r][c] / a[c][c];
+      for (int j = c; j < 6; ++j) a[r][j] -= k * a[c][j];
+      b[r] -= k * b[c];
+    }
+  }
+  for (int c = 5; c >= 0; --c) {
+    double sum = b[c];
+    for (int j = c + 1; j < 6; ++j) sum -= a[c][j] * x[j];
+    x[c] = sum / a[c][c];
+  }
+  return true;
+}
+
+// Lifts the new vertices onto a quadric height field fitted to the rim and the ring of
+// old vertices around it, over the plane of the rim's mean normal: the start of the
+// weighted solve, which then has only local detail to settle. Holes whose rim normals
+// disagree too much for one height direction (a tube's end, a fold) keep the flat start.
+bool liftOntoFittedQuadric(holeSurface& s, const std::vector<patchFace>& faces, int firstNew) {
+  const int base = s.vertexCount(), firstMoving = base + firstNew;
+  std::vector<int> rim;
+  for (const patchFace& f : faces)
+    for (int v : f.v)
+      if (v < base) rim.push_back(v);
+  std::sort(rim.begin(), rim.end());
+  rim.erase(std::unique(rim.begin(), rim.end()), rim.end());
+  if (rim.size() < 3 || firstMoving >= base + int(s.added.size())) return false;
+  p3 origin, normal;
+  for (int v : rim) origin += s.position(v), normal += s.normal(v);
+  origin = origin * (1.f / float(rim.size()));
+  if (normal.norm() < 0.5f * float(rim.size())) return false;
+  normal = unitOr(normal, UNIT_X);
+  const p3 e1 =
+      unitOr(p3::cross(normal, std::fabs(normal.x) < 0.9f ? UNIT_X : p3(0.f, 1.f, 0.f)), UNIT_X);
+  const p3 e2 = p3::cross(normal, e1);
+  std::vector<int> samples = rim;
+  for (int v : rim)
+    for (unsigned int k = 0; k < s.edgeSet().neighbourCount(v); ++k)
+      samples.push_back(s.edgeSet().neighbours(v)[k]);
+  std::sort(samples.begin(), samples.end());
+  samples.erase(std::unique(samples.begin(), samples.end()), samples.end());
+  // Plane coordinates scaled by the samples' reach, so the system is well conditioned.
+  double reach = 0;
+  for (int v : samples) {
+    const p3 d = s.position(v) - origin;
+    reach = std::max(reach, std::hypot(double(d * e1), double(d * e2)));
+  }
+  if (!(reach > 0)) return false;
+  auto terms = [&](const p3& p, double t[6]) {
+    const p3 d = p - origin;
+    const double u = double(d * e1) / reach, v = double(d * e2) / reach;
+    t[0] = 1, t[1] = u, t[2] = v, t[3] = u * u, t[4] = u * v, t[5] = v * v;
+  };
+  double a[6][6] = {}, b[6] = {}, c[6] = {};
+  for (int v : samples) {
+    double t[6];
+    terms(s.position(v), t);
+    const double h = double((s.position(v) - origin) * normal);
+    for (int i = 0; i < 6; ++i) {
+      for (int j = 0; j < 6; ++j) a[i][j] += t[i] * t[j];
+      b[i] += t[i] * h;
+    }
+  }
+  if (!solve6(a, b, c)) return false;
+  for (size_t i = size_t(firstNew); i < s.added.size(); ++i) {
+    p3& p = s.added[i].pos;
+    double t[6];
+    terms(p, t);
+    double h = 0;
+    for (int k = 0; k < 6; ++k) h += c[k] * t[k];
+    p = p - normal * ((p - origin) * normal) + normal * float(h);
+  }
+  return true;
+}
+
+// The thin plate with lengths weighed in, solved for at most steps steps (less once it
+// settles), then slid rounds times.
+void solveWeighted(holeSurface& s, const std::vector<patchFace>& faces, unsigned int steps,
+                   unsigned int rounds, int firstNew) {
+  fairingSystem system(s, faces, 2.0f, firstNew);
+  system.weighByInverseLength();
+  system.solve(steps, SETTLE_TOLERANCE);
+  system.slide(0.2f, rounds);
+  system.updateNormals(faces);
+}
+
+}  // namespace
+
+// Two levels: refined to twice the feature size, lifted onto the fitted quadric and
+// solved there, then refined to the feature size and solved again. The coarse level
+// carries the shape across the patch in few steps; the fine one only settles detail.
+void improvePatchFitted(holeSurface& s, std::vector<patchFace>& faces) {
+  const int firstNew = int(s.added.size());
+  const float f = s.featureSize();
+  linkPatch(faces);
+  flipPass(s, faces, f);
+  splitPass(s, faces, 2.f * f);
+  flipPass(s, faces, f);
+  liftOntoFittedQuadric(s, faces, firstNew);
+  solveWeighted(s, faces, COARSE_SOLVE_STEPS, 10, firstNew);
+  splitPass(s, faces, 1.5f * f);
+  splitPass(s, faces, f);
+  flipPass(s, faces, f);
+  solveWeighted(s, faces, FINE_SOLVE_STEPS, 50, firstNew);
 }
 
 }  // namespace HOLEFILLING_INTERNAL

@@ -85,6 +85,13 @@ void fairPatch(holeSurface& s, const std::vector<patchFace>& faces, float step, 
                unsigned int rounds, int firstNew);
 // The whole improvement of a linked-to-be patch: flips, refinement and fairing.
 void improvePatch(holeSurface& s, std::vector<patchFace>& faces);
+// The same stages in two levels, with the new vertices started on a quadric fitted to
+// the rim and its ring and the fairing weighted by inverse side lengths: large patches
+// take the curve of the surface around them, which the fixed rounds cannot carry across.
+void improvePatchFitted(holeSurface& s, std::vector<patchFace>& faces);
+
+// What follows the ear queue.
+enum class patchFinish { NONE, REFINE_AND_FAIR, REFINE_AND_FIT };
 
 }  // namespace HOLEFILLING_INTERNAL
 }  // namespace ALGO
