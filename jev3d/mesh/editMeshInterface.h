@@ -57,6 +57,9 @@ class editMeshInterface : public meshInterface {
     return mesh.addFace(ids, n);
   }
   void computeVertexFaceNormalizedNormals() override;
+  // The interface's smoothing, then unit normals again and the render data stale.
+  void taubinSmoothing(unsigned int iterations, float lambda = 0.5f, float mu = -0.53f,
+                       bool smoothBorder = false, SYSTEM::callBack* cb = nullptr) override;
 
  private:
   editMesh& mesh;
