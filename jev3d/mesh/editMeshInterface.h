@@ -47,6 +47,9 @@ class editMeshInterface : public meshInterface {
   // The indexes of an editMesh go stale by themselves once positions are reported moved.
   void clearSpatialIndexing() override { mesh.updateBBox(); }
   void clear() override { mesh.clear(false); }
+  // The mesh shows its vertex colours from now on, and only its colour streams are
+  // rewritten at the next frame.
+  void invalidateVertexColor() override;
 
   void vertexReserve(unsigned int n) override { mesh.expandVertexArray(n); }
   void faceReserve(unsigned int n) override { mesh.expandFaceArray(n); }

@@ -54,6 +54,10 @@ class meshInterface {
   // Empties the mesh: no vertex, no face, no derived data.
   virtual void clear() = 0;
 
+  // Tells a mesh that draws itself that its vertex colours were rewritten, so that it
+  // shows them without rebuilding its geometry. Nothing by default.
+  virtual void invalidateVertexColor() {}
+
   // Building. vertexNormalResize and vertexColorResize size the per-vertex arrays (new
   // entries zero), making hasVN / hasVC true.
   virtual void vertexReserve(unsigned int n) = 0;
