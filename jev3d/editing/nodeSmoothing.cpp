@@ -10,6 +10,18 @@ namespace SMOOTHING {
 
 using EDITING::INTERNAL::meshChanged;
 
+namespace {
+
+// The vertices a brush reached, from its byte per vertex.
+void brushed(EDITING::editMeshNode& node, const std::vector<unsigned char>& modified) {
+  std::vector<unsigned int> reached;
+  for (unsigned int v = 0; v < modified.size(); ++v)
+    if (modified[v]) reached.push_back(v);
+  EDITING::INTERNAL::verticesMoved(node, reached);
+}
+
+}  // namespace
+
 void computeLaplacianSmooth(EDITING::editMeshNode& node, unsigned int iterations, bool smoothBorder,
                             SYSTEM::callBack* cb) {
   computeLaplacianSmooth(node.getEditMesh(), iterations, smoothBorder, cb);
@@ -29,6 +41,30 @@ void computeTwoStep(const EDITING::editMeshNode* source, EDITING::editMeshNode* 
                  target ? &target->getEditMesh() : nullptr, featureAngleDeg, iterations,
                  normalSteps, fitSteps, keepBorder, selectedOnly, cb);
   if (target) meshChanged(*target);
+}
+
+void localSmoothingFunctor::localSmoothing(EDITING::editMeshNode& node,
+                                           const std::vector<unsigned int>& centres, float radius,
+                                           std::vector<unsigned char>& modified) {
+  localSmoothing(node.getEditMesh(), centres, radius, modified);
+  brushed(node, modified);
+}
+
+void localSmoothingFunctor::localSmoothing(EDITING::editMeshNode& node,
+                                           const std::vector<unsigned char>& mask,
+                                           const std::vector<unsigned int>& centres, float radius,
+                                           std::vector<unsigned char>& modified) {
+  localSmoothing(node.getEditMesh(), mask, centres, radius, modified);
+  brushed(node, modified);
+}
+
+void localSmoothingFunctor::localSmoothing(EDITING::editMeshNode& node,
+                                           const std::vector<unsigned char>& mask,
+                                           const std::vector<unsigned int>& centres,
+                                           const std::vector<float>& radii,
+                                           std::vector<unsigned char>& modified) {
+  localSmoothing(node.getEditMesh(), mask, centres, radii, modified);
+  brushed(node, modified);
 }
 
 }  // namespace SMOOTHING

@@ -2,6 +2,7 @@
 
 #include "jev3d/algo/smoothing/curvatureTangentialSmooth.h"
 #include "jev3d/algo/smoothing/laplacianSmooth.h"
+#include "jev3d/algo/smoothing/localSmoothingFunctor.h"
 #include "jev3d/algo/smoothing/twoStepSmooth.h"
 
 namespace JEV {

@@ -353,7 +353,14 @@ TEST(sculptUndoRedoRecord, aStrokeUndoesAndRedoesExactly) {
   const editMesh original = n.mesh();
   const std::vector<p3> before = smoothingMeshes::positions(n.mesh());
   std::vector<unsigned char> modified;
-  SMOOTHING::localSmoothingFunctor(2).localSmoothing(n.mesh(), {20, 40}, 0.6f, modified);
+  SMOOTHING::localSmoothingFunctor(2).localSmoothing(n.node, {20, 40}, 0.6f, modified);
+  // The brush on the node leaves its normals as a full recomputation would, and the cache
+  // stale.
+  EXPECT_FALSE(n.mesh().smoothFaceRenderStateValid);
+  editMesh recomputed = n.mesh();
+  recomputed.computeNormalizedNormals();
+  for (unsigned v = 0; v < n.mesh().vn(); ++v)
+    EXPECT_LT((n.mesh().vNor(v) - recomputed.vNor(v)).norm(), 1e-5f) << v;
   auto* record = new JEV::SYSTEM::sculptUndoRedoRecord(&n.node, before);
   const std::vector<p3> after = smoothingMeshes::positions(n.mesh());
   unsigned movedCount = 0;
