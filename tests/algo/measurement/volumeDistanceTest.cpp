@@ -222,9 +222,12 @@ TEST(volumeDistance, anOpenScanIsClosedBeforeItIsVoxelised) {
   testMeshes::finishMesh(open.mesh);
   ASSERT_GT(testMeshes::borderEdges(open.mesh), 0u);
 
+  // The small sphere at the centre must lie inside the open model as inside a closed one.
+  sphereModel small(0.3f);
   volumeDistance vd;
   vd.setResolution(48);
   vd.addModel(0, 0, &closed.view, m4::IDENTITY());
+  vd.addModel(0, 1, &small.view, m4::IDENTITY());
   vd.addModel(1, 0, &open.view, m4::IDENTITY());
   ASSERT_TRUE(vd.updateVolume());
   vd.wait();
@@ -241,18 +244,10 @@ TEST(volumeDistance, anOpenScanIsClosedBeforeItIsVoxelised) {
   EXPECT_GT(o.clone.vn(), open.mesh.vn());
   for (unsigned v = open.mesh.vn(); v < o.clone.vn(); ++v) EXPECT_EQ(o.sourceOf[v], 0xFFFFFFFFu);
 
-  // A small sphere at the centre lies inside the open model, as it would inside the closed.
-  sphereModel small(0.3f);
-  volumeDistance inner;
-  inner.setResolution(48);
-  inner.addModel(0, 0, &small.view, m4::IDENTITY());
-  inner.addModel(1, 0, &open.view, m4::IDENTITY());
-  ASSERT_TRUE(inner.updateVolume());
-  inner.wait();
-  ASSERT_TRUE(inner.updateTest());
-  inner.wait();
-  ASSERT_TRUE(inner.isTestValid());
-  const std::vector<float>& d = inner.getModel(0, 0)->distances;
+  ASSERT_TRUE(vd.updateTest());
+  vd.wait();
+  ASSERT_TRUE(vd.isTestValid());
+  const std::vector<float>& d = vd.getModel(0, 1)->distances;
   ASSERT_EQ(d.size(), small.mesh.vn());
   // Inside, by 0.7 from the sphere and a little less below the flat patch.
   for (unsigned v = 0; v < d.size(); ++v) {
