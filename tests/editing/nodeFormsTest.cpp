@@ -12,6 +12,7 @@
 #include "jev3d/algo/measurement/intersectionComputation.h"
 #include "jev3d/algo/measurement/signedDistanceComputation.h"
 #include "jev3d/algo/measurement/solidIntersection.h"
+#include "jev3d/algo/measurement/volumeDistance.h"
 #include "jev3d/algo/smoothing/localSmoothingFunctor.h"
 #include "jev3d/editing/editMeshNode.h"
 #include "jev3d/editing/nodeHoleFilling.h"
@@ -311,6 +312,31 @@ TEST(nodeMeasurement, distanceColoursRewriteColoursOnlyAndShowThem) {
   a.frame();
   EXPECT_EQ(a.faceChunksBuilt(), faceChunks);
   EXPECT_EQ(a.node.getRenderCacheCounts().colorChunks, colorChunks + faceChunks);
+}
+
+TEST(nodeMeasurement, volumeDistanceColoursNodesWithoutRebuildingTheirGeometry) {
+  drawnNode a, b;
+  testMeshes::makeSphere(a.mesh(), 12, 16);
+  testMeshes::finishMesh(a.mesh());
+  testMeshes::makeSphere(b.mesh(), 12, 16);
+  testMeshes::finishMesh(b.mesh());
+  a.frame();
+  const unsigned faceChunks = a.faceChunksBuilt();
+
+  MEASUREMENT::volumeDistance vd;
+  vd.setResolution(24);
+  vd.addModel(0, 0, &a.node, m4::IDENTITY());
+  vd.addModel(1, 0, &b.node, m4::getTranslate(0.5f, 0.f, 0.f));
+  ASSERT_TRUE(vd.updateVolume());
+  vd.wait();
+  ASSERT_TRUE(vd.updateTest());
+  vd.wait();
+  ASSERT_TRUE(vd.updateColor());
+  EXPECT_TRUE(a.mesh().smoothFaceRenderStateValid);
+  EXPECT_FALSE(a.mesh().selectionRenderStateValid);
+  EXPECT_EQ(a.mesh().colorDisplayState, JEV::MESH::MESH_COLOR_VERTEX);
+  a.frame();
+  EXPECT_EQ(a.faceChunksBuilt(), faceChunks);
 }
 
 TEST(nodeMeasurement, solidAndSignedDistanceFormsTakeNodes) {
