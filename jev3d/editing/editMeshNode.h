@@ -148,6 +148,11 @@ class editMeshNode : public editableObject, public meshInterfaceDLL {
   unsigned int removeDegenerateFace();
   unsigned int removeIsolatePieces(unsigned int minFaces, SYSTEM::callBack* cb = nullptr);
   unsigned int decimate(unsigned int targetFaces, SYSTEM::callBack* cb = nullptr);
+  // Closes the border loops of at most maxSize vertices (0: every loop): ear cutting, then
+  // refinement and fairing into the surface unless triangulateOnly. The mesh becomes
+  // triangles; false, leaving it as it was, when its border cannot be walked.
+  bool holeFilling(unsigned int maxSize = 0, bool triangulateOnly = false,
+                   SYSTEM::callBack* cb = nullptr);
   void laplacianSmoothing(unsigned int iterations, bool smoothBorder,
                           SYSTEM::callBack* cb = nullptr);
 

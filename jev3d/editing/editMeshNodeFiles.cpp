@@ -6,6 +6,7 @@
 #include <iterator>
 #include <unordered_map>
 
+#include "jev3d/algo/holefilling/computeHoleFilling.h"
 #include "jev3d/algo/postprocessing/triMesh.h"
 #include "jev3d/algo/smoothing/laplacianSmooth.h"
 #include "jev3d/editing/editMeshNode.h"
@@ -410,6 +411,15 @@ unsigned int editMeshNode::decimate(unsigned int targetFaces, SYSTEM::callBack* 
   work.copyTo(target);
   adoptMesh(built);
   return removed;
+}
+
+bool editMeshNode::holeFilling(unsigned int maxSize, bool triangulateOnly, SYSTEM::callBack* cb) {
+  editMesh built;
+  editMeshInterface target(built);
+  const meshInterface& source = *this;
+  if (!ALGO::computeHoleFilling(source, maxSize, target, triangulateOnly, cb)) return false;
+  adoptMesh(built);
+  return true;
 }
 
 void editMeshNode::laplacianSmoothing(unsigned int iterations, bool smoothBorder,

@@ -47,5 +47,18 @@ void editMeshInterface::computeVertexFaceNormalizedNormals() {
   for (unsigned int f = 0; f < mesh.fn(); ++f) mesh.fNor(f).normalize();
 }
 
+void editMeshInterface::invalidateVertexColor() {
+  mesh.setHasVC(true);
+  mesh.colorDisplayState = MESH_COLOR_VERTEX;
+  mesh.selectionRenderStateValid = false;
+}
+
+void editMeshInterface::taubinSmoothing(unsigned int iterations, float lambda, float mu,
+                                        bool smoothBorder, SYSTEM::callBack* cb) {
+  meshInterface::taubinSmoothing(iterations, lambda, mu, smoothBorder, cb);
+  mesh.computeNormalizedNormals();
+  mesh.invalidateRenderData();
+}
+
 }  // namespace MESH
 }  // namespace JEV

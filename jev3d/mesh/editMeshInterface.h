@@ -50,6 +50,9 @@ class editMeshInterface : public meshInterface {
   // The indexes of an editMesh go stale by themselves once positions are reported moved.
   void clearSpatialIndexing() override { mesh.updateBBox(); }
   void clear() override { mesh.clear(false); }
+  // The mesh shows its vertex colours from now on, and only its colour streams are
+  // rewritten at the next frame.
+  void invalidateVertexColor() override;
 
   void vertexReserve(unsigned int n) override { mesh.expandVertexArray(n); }
   void faceReserve(unsigned int n) override { mesh.expandFaceArray(n); }
@@ -60,6 +63,9 @@ class editMeshInterface : public meshInterface {
     return mesh.addFace(ids, n);
   }
   void computeVertexFaceNormalizedNormals() override;
+  // The interface's smoothing, then unit normals again and the render data stale.
+  void taubinSmoothing(unsigned int iterations, float lambda = 0.5f, float mu = -0.53f,
+                       bool smoothBorder = false, SYSTEM::callBack* cb = nullptr) override;
 
  private:
   editMesh& mesh;

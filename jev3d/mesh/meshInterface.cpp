@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <cstdint>
 
+#include "jev3d/system/callBack.h"
+
 namespace JEV {
 namespace MESH {
 
@@ -72,6 +74,66 @@ void meshInterface::copyTo(meshInterface& target, std::vector<unsigned int>& map
     }
     if (valid) target.addFace(ids.data(), n);
   }
+}
+
+void meshInterface::taubinSmoothing(unsigned int iterations, float lambda, float mu,
+                                    bool smoothBorder, SYSTEM::callBack* cb) {
+  if (cb) cb->setValue(0.f);
+  if (!hasFaceFlags()) computeFaceFlags();
+  const unsigned int n = vn();
+  // Neighbours in compressed rows: one entry at each end of every face side, so that the
+  // weights are those of the library's Laplacian.
+  auto forEachSide = [&](auto visit) {
+    for (unsigned int f = 0; f < fn(); ++f) {
+      if (isFaceDeleted(f)) continue;
+      const unsigned int k = f2vNum(f);
+      for (unsigned int i = 0; i < k; ++i) {
+        const unsigned int a = fV(f, i), b = fV(f, i + 1 == k ? 0 : i + 1);
+        if (a < n && b < n && a != b) visit(a, b);  // a corner naming no vertex adds nothing
+      }
+    }
+  };
+  std::vector<unsigned int> start(n + 1, 0), neighbours;
+  forEachSide([&](unsigned int a, unsigned int b) { ++start[a + 1], ++start[b + 1]; });
+  for (unsigned int v = 0; v < n; ++v) start[v + 1] += start[v];
+  neighbours.resize(start[n]);
+  std::vector<unsigned int> fill(start.begin(), start.end() - 1);
+  forEachSide([&](unsigned int a, unsigned int b) {
+    neighbours[fill[a]++] = b;
+    neighbours[fill[b]++] = a;
+  });
+  std::vector<unsigned char> pinned;
+  if (smoothBorder)
+    pinned.assign(n, 0);
+  else
+    markBorderVertex(pinned);
+
+  std::vector<MATH::point3<float>> p(n), next(n);
+  for (unsigned int v = 0; v < n; ++v) p[v] = vPos(v);
+  const unsigned int steps = 2 * iterations;
+  for (unsigned int step = 0; step < steps; ++step) {
+    const float factor = step % 2 == 0 ? lambda : mu;
+    for (unsigned int v = 0; v < n; ++v) {
+      const unsigned int first = start[v], last = start[v + 1];
+      if (pinned[v] || first == last) {
+        next[v] = p[v];
+        continue;
+      }
+      MATH::point3<float> sum(0.f, 0.f, 0.f);
+      for (unsigned int k = first; k < last; ++k) sum += p[neighbours[k]];
+      next[v] = p[v] + (sum / float(last - first) - p[v]) * factor;
+    }
+    p.swap(next);
+    if (cb) cb->setValue(float((step + 1) * 100 / steps));
+  }
+  if (steps > 0)
+    for (unsigned int v = 0; v < n; ++v) vPos(v) = p[v];
+  clearAxisAlignedBoundingBoxRef();
+  clearAxisAlignedBoundingBoxVert();
+  clearFaceNormal();
+  clearVertexNormal();
+  clearSpatialIndexing();
+  if (cb) cb->setValue(100.f);
 }
 
 }  // namespace MESH

@@ -7,6 +7,9 @@
 #include "jev3d/system/color.h"
 
 namespace JEV {
+namespace SYSTEM {
+class callBack;
+}
 namespace MESH {
 
 // The neutral mesh through which algorithms and render-side code read and write any
@@ -59,6 +62,10 @@ class meshInterface {
   // Empties the mesh: no vertex, no face, no derived data.
   virtual void clear() = 0;
 
+  // Tells a mesh that draws itself that its vertex colours were rewritten, so that it
+  // shows them without rebuilding its geometry. Nothing by default.
+  virtual void invalidateVertexColor() {}
+
   // Building. vertexNormalResize and vertexColorResize size the per-vertex arrays (new
   // entries zero), making hasVN / hasVC true.
   virtual void vertexReserve(unsigned int n) = 0;
@@ -81,6 +88,17 @@ class meshInterface {
   // deleted are left out.
   void copyTo(meshInterface& target, std::vector<unsigned int>& map) const;
   void copyTo(meshInterface& target) const;
+
+  // Taubin's smoothing: iterations pairs of simultaneous umbrella steps, p += lambda·(a - p)
+  // and then p += mu·(a - p), where a is the mean of the neighbours met along the sides of
+  // the live faces (an interior edge counts from both of its faces). The inflating step,
+  // a little stronger than the shrinking one (mu < -lambda < 0), gives back the size a
+  // plain Laplacian step takes, so noise goes and the shape stays. Unless smoothBorder,
+  // the vertices of border edges stay put. Afterwards the boxes, normals and spatial
+  // indexes are dropped, as after the Laplacian; meshes that store their normals
+  // recompute them. cb (may be null) gets 0 first, the share of steps done, and 100 last.
+  virtual void taubinSmoothing(unsigned int iterations, float lambda = 0.5f, float mu = -0.53f,
+                               bool smoothBorder = false, SYSTEM::callBack* cb = nullptr);
 };
 
 }  // namespace MESH

@@ -5,11 +5,13 @@
 #include <sys/wait.h>
 
 #include <algorithm>
+#include <cmath>
 #include <cstdlib>
 #include <fstream>
 #include <sstream>
 #include <string>
 
+#include "algo/smoothing/smoothingMeshes.h"
 #include "jev3d/algo/measurement/distance.h"
 #include "jev3d/io/ply/ioPly.h"
 #include "support/dataFiles.h"
@@ -462,6 +464,37 @@ TEST_F(jevmesh, smoothFlattensBumpsByEveryScheme) {
     ASSERT_EQ(after.positions.size(), original.positions.size());
     EXPECT_LT(zVariance(after), 0.75 * zVariance(original));
   }
+}
+
+// Root mean square of |p| - 1, and the mean |p|, over the vertices read back.
+void radii(const plyPolygonMesh& m, double& deviation, double& mean) {
+  double s = 0, s2 = 0;
+  for (const auto& p : m.positions) {
+    const double r = p.norm();
+    s += r, s2 += (r - 1.0) * (r - 1.0);
+  }
+  deviation = std::sqrt(s2 / double(m.positions.size()));
+  mean = s / double(m.positions.size());
+}
+
+TEST_F(jevmesh, smoothTaubinRemovesNoiseWithoutShrinking) {
+  JEV::MESH::editMesh m;
+  smoothingMeshes::makeNoisySphere(m, 24, 32, 0.05f);
+  const std::string in = writePly(m, "noisy.ply");
+  const std::string taubin = dir.file("taubin.ply"), laplacian = dir.file("laplacian.ply");
+  ASSERT_EQ(run("smooth " + in + " " + taubin + " --scheme taubin -n 10").status, 0);
+  ASSERT_EQ(run("smooth " + in + " " + laplacian + " -n 10").status, 0);
+  plyPolygonMesh original, t, l;
+  ASSERT_TRUE(ioPly::readPlyPolygonsFromFile(in, original));
+  ASSERT_TRUE(ioPly::readPlyPolygonsFromFile(taubin, t));
+  ASSERT_TRUE(ioPly::readPlyPolygonsFromFile(laplacian, l));
+  double noisy, noisyMean, smoothed, smoothedMean, shrunk, shrunkMean;
+  radii(original, noisy, noisyMean);
+  radii(t, smoothed, smoothedMean);
+  radii(l, shrunk, shrunkMean);
+  EXPECT_LT(smoothed, 0.5 * noisy);
+  EXPECT_NEAR(smoothedMean, noisyMean, 0.01);
+  EXPECT_LT(shrunkMean, noisyMean - 0.05);
 }
 
 TEST_F(jevmesh, smoothKeepsTheBorderUnlessAsked) {

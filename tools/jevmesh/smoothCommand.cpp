@@ -13,6 +13,7 @@
 #include "jev3d/algo/smoothing/laplacianSmooth.h"
 #include "jev3d/algo/smoothing/twoStepSmooth.h"
 #include "jev3d/mesh/editMesh.h"
+#include "jev3d/mesh/editMeshInterface.h"
 #include "progressBar.h"
 
 namespace JEVMESH {
@@ -69,7 +70,7 @@ void bilateral(const commandLine& line, const smoothOptions& o, editMesh& mesh, 
 int parse(const commandLine& line, smoothOptions& o) {
   if (line.has("--scheme")) o.scheme = line.values("--scheme")[0];
   if (o.scheme != "laplacian" && o.scheme != "two-step" && o.scheme != "tangential" &&
-      o.scheme != "bilateral")
+      o.scheme != "bilateral" && o.scheme != "taubin")
     return usageError("smooth", "unknown scheme '" + o.scheme + "'");
   if (!wholeOption(line, "-n", 0, 100000, o.steps))
     return usageError("smooth", "-n takes a whole number from 0 to 100000");
@@ -110,6 +111,9 @@ int smooth(const commandLine& line, const smoothOptions& o, editMesh& mesh) {
     SMOOTHING::computeLaplacianSmooth(mesh, unsigned(o.steps), o.smoothBorder, bar.reporter());
   } else if (o.scheme == "bilateral") {
     bilateral(line, o, mesh, bar);
+  } else if (o.scheme == "taubin") {
+    JEV::MESH::editMeshInterface(mesh).taubinSmoothing(unsigned(o.steps), 0.5f, -0.53f,
+                                                       o.smoothBorder, bar.reporter());
   } else if (o.scheme == "tangential") {
     SMOOTHING::computeCurvatureTangentialSmooth(mesh, unsigned(o.steps), false);
   } else {
@@ -139,9 +143,12 @@ int runSmooth(const commandLine& line) {
 
 command smoothCommand() {
   return {"smooth",
-          "IN OUT --scheme laplacian|bilateral|two-step|tangential -n N",
+          "IN OUT --scheme laplacian|taubin|bilateral|two-step|tangential -n N",
           "Smooth the surface, N steps (default: laplacian, once).",
           "  --scheme laplacian   umbrella average of the neighbours; border vertices stay\n"
+          "  --scheme taubin      a shrinking and an inflating umbrella step each time:\n"
+          "                       removes noise without shrinking the shape; border\n"
+          "                       vertices stay\n"
           "  --scheme bilateral   pull each vertex toward the planes of the faces near it,\n"
           "                       less so the farther they lie: keeps edges\n"
           "  --scheme two-step    filter face normals, then fit the vertices to them; keeps\n"
@@ -149,7 +156,7 @@ command smoothCommand() {
           "  --scheme tangential  umbrella steps with the move along the normal taken back:\n"
           "                       evens the sampling without changing the shape\n"
           "  -n N                 steps (two-step: rounds of normal and vertex steps)\n"
-          "  --smooth-border      laplacian: move border vertices too\n"
+          "  --smooth-border      laplacian, taubin: move border vertices too\n"
           "  --sigma-space S      bilateral: reach, in median edge lengths (default 0.5)\n"
           "  --sigma-range R      bilateral: how far off a face's plane still counts, in\n"
           "                       median edge lengths (default 0.5)\n"

@@ -356,6 +356,7 @@ void distance::updateColorTo(unsigned int m) {
   if (!mesh.hasVC()) mesh.vertexColorResize(mesh.vn());
   for (unsigned int v = 0; v < mesh.vn() && v < d.size(); ++v)
     if (!mesh.isVertDeleted(v)) mesh.vCol(v) = getColor(minValue, maxValue, d[v]);
+  mesh.invalidateVertexColor();
 }
 
 const std::vector<float>& distance::getModelDistPerVert(unsigned int m) const {

@@ -9,6 +9,9 @@
 namespace JEV {
 namespace MESH {
 class meshInterface;
+namespace EDITING {
+class editMeshNode;
+}
 namespace ALGO {
 namespace MEASUREMENT {
 
@@ -29,6 +32,13 @@ class signedDistanceComputation {
   static bool compute(const VOXEL::voxelModel& model, const MATH::matrix4<float>& modelTransform,
                       const meshInterface& mesh, const MATH::matrix4<float>& meshTransform,
                       std::vector<float>& distances);
+  // From the vertices of an editable node placed by its own transform matrix (these two
+  // live in the jev3d library, beside the node).
+  static bool compute(const VOXEL::voxelModel& model, const MATH::matrix4<float>& modelTransform,
+                      const EDITING::editMeshNode& node, std::vector<float>& distances,
+                      std::vector<MATH::point3<float>>& closest, std::vector<unsigned int>& faces);
+  static bool compute(const VOXEL::voxelModel& model, const MATH::matrix4<float>& modelTransform,
+                      const EDITING::editMeshNode& node, std::vector<float>& distances);
   // Both in the same frame.
   static bool compute(const VOXEL::voxelModel& model, const meshInterface& mesh,
                       std::vector<float>& distances);

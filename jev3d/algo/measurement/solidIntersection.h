@@ -11,6 +11,9 @@ namespace SYSTEM {
 class callBack;
 }
 namespace MESH {
+namespace EDITING {
+class editMeshNode;
+}
 namespace ALGO {
 namespace MEASUREMENT {
 
@@ -33,6 +36,9 @@ class solidIntersection {
   // 5 rounds of Laplacian smoothing on it with the border pinned, against a scan's noise.
   // Returns the model's index.
   unsigned int addModelToTest(const editMesh& mesh, const MATH::matrix4<float>& matrix,
+                              bool smooth);
+  // The same for an editable node's mesh (in the jev3d library, beside the node).
+  unsigned int addModelToTest(const EDITING::editMeshNode& node, const MATH::matrix4<float>& matrix,
                               bool smooth);
   // Tests every pair whose boxes overlap; resolution is the voxel count along the longest
   // side of each model's box (clamped to 8..1024). Reports 1.0, up to 95 over the pairs,

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include "jev3d/algo/holefilling/holeFilling.h"
 #include "jev3d/algo/measurement/distance.h"
 #include "jev3d/math/mathBase.h"
 #include "jev3d/mesh/editMeshInterface.h"
@@ -19,6 +20,8 @@ namespace MEASUREMENT {
 namespace {
 
 constexpr float MAX_T = MATH::mathBase<float>::MAX_T();
+// The source vertex of a working-copy vertex that the source does not have.
+constexpr unsigned int NO_SOURCE = 0xFFFFFFFFu;
 
 struct volumeJob : public SYSTEM::job {
   explicit volumeJob(volumeDistance::modelData* m) : model(m) {}
@@ -179,6 +182,7 @@ std::vector<std::unique_ptr<volumeDistance::threadJobType>> volumeDistance::find
 }
 
 void volumeDistance::computeVolume(modelData& model) {
+  computeHoleFillingParams closing;
   if (model.clone.vn() == 0 && model.source) {
     editMeshInterface clone(model.clone);
     std::vector<unsigned int> map;
@@ -186,6 +190,13 @@ void volumeDistance::computeVolume(modelData& model) {
     model.sourceOf.assign(model.clone.vn(), 0);
     for (unsigned int v = 0; v < map.size(); ++v)
       if (map[v] < model.sourceOf.size()) model.sourceOf[map[v]] = v;
+    // Scans come open, and an open surface has no inside to voxelise: the working copy's
+    // holes are closed, the source stays as it is. The patch vertices stand for no vertex
+    // of the source.
+    if (model.clone.fn() > 0) {
+      HOLEFILLING::computeTriangulateHole(model.clone, closing);
+      model.sourceOf.resize(model.clone.vn(), NO_SOURCE);
+    }
   }
   // An empty mesh clears the record: no volume, no transform.
   if (model.clone.fn() == 0 || !VOXEL::intersectionComputation::prepare(
@@ -311,6 +322,7 @@ bool volumeDistance::updateColor() {
       if (!mesh->hasVC()) mesh->vertexColorResize(mesh->vn());
       for (unsigned int v = 0; v < mesh->vn() && v < m.second->distances.size(); ++v)
         mesh->vCol(v) = distance::getColor(lo, hi, m.second->distances[v]);
+      mesh->invalidateVertexColor();
     }
   colorValid = true;
   return true;

@@ -27,7 +27,8 @@ namespace MEASUREMENT {
 
 // Distances between placed models through their voxel volumes, computed on worker
 // threads. Models sit in groups; each model is tested against the models of the other
-// groups. A model's volume is computed once from a working copy and serves every
+// groups. A model's volume is computed once from a working copy, whose holes are closed
+// first so that an open scan still has an inside, and serves every
 // placement; a test measures each vertex against the other model, and the colours show
 // each vertex's signed distance to the nearest other model (negative inside it).
 //
@@ -38,10 +39,12 @@ class volumeDistance {
  public:
   struct modelData {
     meshInterface* source = nullptr;
-    editMesh clone;                      // the working copy the volume was made from
-    std::vector<unsigned int> sourceOf;  // the source's vertex id of each copy vertex
-    VOXEL::voxelModel voxels;            // volume, closest-point transform, signed field
-    MATH::matrix4<float> transform;      // placement, row vectors (p·m)
+    editMesh clone;  // the working copy the volume was made from, its holes closed
+    // The source's vertex id of each copy vertex; 0xFFFFFFFF for the vertices that
+    // closing the holes added.
+    std::vector<unsigned int> sourceOf;
+    VOXEL::voxelModel voxels;        // volume, closest-point transform, signed field
+    MATH::matrix4<float> transform;  // placement, row vectors (p·m)
     SYSTEM::flags<int> flag;
     bool volumeValid = false;
     // Per source vertex: the signed distance to the nearest other model, MAX_T where

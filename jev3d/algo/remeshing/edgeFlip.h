@@ -5,6 +5,9 @@
 namespace JEV {
 namespace MESH {
 class editMesh;
+namespace EDITING {
+class editMeshNode;
+}
 namespace ALGO {
 namespace REMESHING {
 
@@ -23,6 +26,14 @@ class edgeFlip {
                                           unsigned int passes);
   // The number of flips the call above would make, leaving the mesh as it is.
   static unsigned int computeEdgeFlipping(const editMesh& mesh,
+                                          const std::vector<unsigned int>& edges,
+                                          unsigned int passes);
+  // The same on an editable node's mesh; flips mark the node's render data stale. These
+  // two live in the jev3d library, beside the node.
+  static unsigned int computeEdgeFlipping(EDITING::editMeshNode& node,
+                                          const std::vector<unsigned int>& edges,
+                                          unsigned int passes);
+  static unsigned int computeEdgeFlipping(const EDITING::editMeshNode& node,
                                           const std::vector<unsigned int>& edges,
                                           unsigned int passes);
 };

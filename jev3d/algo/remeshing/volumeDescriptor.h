@@ -8,6 +8,9 @@
 namespace JEV {
 namespace MESH {
 class editMesh;
+namespace EDITING {
+class editMeshNode;
+}
 namespace ALGO {
 namespace REMESHING {
 
@@ -90,6 +93,8 @@ class volumeDescriptor {
   void isPointInside(const std::vector<MATH::point3<float>>& points,
                      std::vector<unsigned char>& inside) const;
   void isPointInside(const editMesh& mesh, std::vector<unsigned char>& inside) const;
+  // The same for an editable node's mesh (in the jev3d library, beside the node).
+  void isPointInside(const EDITING::editMeshNode& node, std::vector<unsigned char>& inside) const;
 };
 
 }  // namespace REMESHING

@@ -7,6 +7,9 @@
 namespace JEV {
 namespace MESH {
 class editMesh;
+namespace EDITING {
+class editMeshNode;
+}
 
 namespace ALGO {
 namespace SMOOTHING {
@@ -33,6 +36,18 @@ class localSmoothingFunctor {
                       std::vector<unsigned char>& modified);
   // The same with radii[k] for centre k.
   void localSmoothing(editMesh& mesh, const std::vector<unsigned char>& mask,
+                      const std::vector<unsigned int>& centres, const std::vector<float>& radii,
+                      std::vector<unsigned char>& modified);
+
+  // The three forms on an editable node's mesh: afterwards the normals around the vertices
+  // within reach are recomputed and the node's render data goes stale. These live in the
+  // jev3d library, beside the node.
+  void localSmoothing(EDITING::editMeshNode& node, const std::vector<unsigned int>& centres,
+                      float radius, std::vector<unsigned char>& modified);
+  void localSmoothing(EDITING::editMeshNode& node, const std::vector<unsigned char>& mask,
+                      const std::vector<unsigned int>& centres, float radius,
+                      std::vector<unsigned char>& modified);
+  void localSmoothing(EDITING::editMeshNode& node, const std::vector<unsigned char>& mask,
                       const std::vector<unsigned int>& centres, const std::vector<float>& radii,
                       std::vector<unsigned char>& modified);
 

@@ -200,3 +200,58 @@ TEST(volumeDistance, idsAndLookups) {
 }
 
 }  // namespace
+
+namespace {
+
+// The voxel volume of a model: inside voxels and half the surface ones.
+double voxelVolume(const volumeDistance::modelData& m) {
+  using namespace JEV::MESH::ALGO::REMESHING;
+  const volumeDescriptor& v = m.voxels.volume;
+  double cells = 0;
+  for (uint64_t i = 0; i < v.voxelCount(); ++i)
+    cells += v.voxels[i] == VOXEL_INSIDE ? 1.0 : v.voxels[i] == VOXEL_ON_SURFACE ? 0.5 : 0.0;
+  return cells * v.scale * v.scale * v.scale;
+}
+
+}  // namespace
+
+TEST(volumeDistance, anOpenScanIsClosedBeforeItIsVoxelised) {
+  sphereModel closed(1.0f), open(1.0f);
+  // The top cap (three rings of faces) cut off: one loop of 32 vertices.
+  for (unsigned f = 0; f < 3 * 32; ++f) open.mesh.deleteFace(f);
+  testMeshes::finishMesh(open.mesh);
+  ASSERT_GT(testMeshes::borderEdges(open.mesh), 0u);
+
+  // The small sphere at the centre must lie inside the open model as inside a closed one.
+  sphereModel small(0.3f);
+  volumeDistance vd;
+  vd.setResolution(48);
+  vd.addModel(0, 0, &closed.view, m4::IDENTITY());
+  vd.addModel(0, 1, &small.view, m4::IDENTITY());
+  vd.addModel(1, 0, &open.view, m4::IDENTITY());
+  ASSERT_TRUE(vd.updateVolume());
+  vd.wait();
+  ASSERT_TRUE(vd.isVolumeValid());
+  const volumeDistance::modelData& c = *vd.getModel(0, 0);
+  const volumeDistance::modelData& o = *vd.getModel(1, 0);
+  const double closedVolume = voxelVolume(c), openVolume = voxelVolume(o);
+  EXPECT_NEAR(closedVolume, testMeshes::signedVolume(closed.mesh), 0.05 * closedVolume);
+  EXPECT_NEAR(openVolume, closedVolume, 0.03 * closedVolume);
+  // The source stays open; the patch's own vertices stand for no source vertex.
+  EXPECT_GT(testMeshes::borderEdges(open.mesh), 0u);
+  EXPECT_EQ(testMeshes::borderEdges(o.clone), 0u);
+  ASSERT_EQ(o.sourceOf.size(), o.clone.vn());
+  EXPECT_GT(o.clone.vn(), open.mesh.vn());
+  for (unsigned v = open.mesh.vn(); v < o.clone.vn(); ++v) EXPECT_EQ(o.sourceOf[v], 0xFFFFFFFFu);
+
+  ASSERT_TRUE(vd.updateTest());
+  vd.wait();
+  ASSERT_TRUE(vd.isTestValid());
+  const std::vector<float>& d = vd.getModel(0, 1)->distances;
+  ASSERT_EQ(d.size(), small.mesh.vn());
+  // Inside, by 0.7 from the sphere and a little less below the flat patch.
+  for (unsigned v = 0; v < d.size(); ++v) {
+    EXPECT_LT(d[v], -0.5f) << v;
+    EXPECT_GT(d[v], -0.75f) << v;
+  }
+}
