@@ -29,6 +29,7 @@
 namespace JEV {
 namespace GUI {
 
+using RENDERING::INSTANCING::textureInstance;
 using RENDERING::RENDERSTATE::renderStateEnums;
 
 namespace {
@@ -219,11 +220,19 @@ int guiController::getSkin() {
 
 void guiController::setSkin(int skin) {
   requestedSkin = skin;
+  // A client keeps every link it has made: the old sheet must go, or it stays the one
+  // drawn under the new name.
+  skinTexture.disconnectToResourceStorage();
   if (skin < 0 || skin >= skinCount) {
     // No texture on the unit: the widgets draw in their plain colours.
-    skinTexture.disconnectToResourceStorage();
+    skinTexture.environment.enable = false;
     return;
   }
+  skinTexture.environment.enable = true;
+  skinTexture.environment.mode = textureInstance::TEXTURE_MODULATE;
+  skinTexture.environment.wrapS = textureInstance::WRAP_CLAMP_TO_EDGE;
+  skinTexture.environment.wrapT = textureInstance::WRAP_CLAMP_TO_EDGE;
+  skinTexture.environment.filter = false;
   skinTexture.connectToResourceStorage(std::wstring(skinNames[skin]));
   refresh();
 }

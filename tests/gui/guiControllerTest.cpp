@@ -556,17 +556,55 @@ TEST_F(guiControllerTest, colourSchemaRecoloursWidgetsThatUseIt) {
   });
 }
 
-TEST_F(guiControllerTest, skinsByName) {
+namespace {
+
+// How many users the stored texture `id` has: the skin holds one on its sheet.
+int sheetUsers(SYSTEM::winMain& w, const wchar_t* id) {
+  return w.getRenderingContext()->getTextureStorage()->getEntry(id)->getClientCount();
+}
+
+}  // namespace
+
+TEST_F(guiControllerTest, skinsByNameHoldOnlyTheChosenSheet) {
   run([&] {
-    // Without its sheets in the storage, no skin holds.
-    EXPECT_EQ(gui->getSkin(), GUI_NO_SKIN);
-    ASSERT_TRUE(win.getRenderingContext()->getTextureStorage()->loadDefaultTexture());
-    gui->setSkin(GUI_XP_SKIN);
+    // The window loaded the sheets before the desktop was built, so the default holds.
     EXPECT_EQ(gui->getSkin(), GUI_XP_SKIN);
+    EXPECT_EQ(sheetUsers(win, L"GUI_XP_SKIN"), 1);
     gui->setSkin(GUI_RAG_SKIN);
     EXPECT_EQ(gui->getSkin(), GUI_RAG_SKIN);
+    // The old sheet is let go, or it would stay the one drawn under the new name.
+    EXPECT_EQ(sheetUsers(win, L"GUI_RAG_SKIN"), 1);
+    EXPECT_EQ(sheetUsers(win, L"GUI_XP_SKIN"), 0);
     gui->setSkin(7);
     EXPECT_EQ(gui->getSkin(), GUI_NO_SKIN);
+    EXPECT_EQ(sheetUsers(win, L"GUI_RAG_SKIN"), 0);
+  });
+}
+
+// A window told to skip the default textures loads none and wears no skin until the
+// program loads them.
+class windowWithoutSkins : public probeWindow {
+ public:
+  windowWithoutSkins(SYSTEM::application* app, RENDERING::renderer* device)
+      : probeWindow(app, device) {
+    skipDefaultTextures = true;
+  }
+};
+
+using guiWindowWithoutSkinsTest = scriptedPlatformTest;
+
+TEST_F(guiWindowWithoutSkinsTest, skipDefaultTexturesLeavesTheStorageEmptyAndNoSkin) {
+  SYSTEM::application app(L"", L"");
+  windowWithoutSkins plain(&app, &device);
+  runWithWindow(app, platform, plain, [&] {
+    auto* gui = dynamic_cast<guiController*>(plain.getGui());
+    ASSERT_NE(gui, nullptr);
+    CORE::textureStorage* textures = plain.getRenderingContext()->getTextureStorage();
+    EXPECT_EQ(textures->getEntryCount(), 0);
+    EXPECT_EQ(gui->getSkin(), GUI_NO_SKIN);
+    ASSERT_TRUE(textures->loadDefaultTexture());
+    gui->setSkin(GUI_XP_SKIN);
+    EXPECT_EQ(gui->getSkin(), GUI_XP_SKIN);
   });
 }
 
