@@ -7,6 +7,7 @@
 #include "jev3d/gui/canvas.h"
 #include "jev3d/gui/checkbox.h"
 #include "jev3d/gui/combobox.h"
+#include "jev3d/gui/font.h"
 #include "jev3d/gui/item.h"
 #include "jev3d/gui/label.h"
 #include "jev3d/gui/menu.h"
@@ -178,8 +179,27 @@ bool guiController::discard() {
   hoverToolTipWidget = nullptr;
   toolTip = nullptr;
   fullScreenTitleBar = nullptr;
+  // No widget uses a font any more; their glyphs leave the device now, while its context
+  // is still there.
+  RENDERING::renderer* device = renderingContext ? renderingContext->getRenderer() : nullptr;
+  for (auto& entry : fonts) {
+    if (entry.second && device) device->discardFont(entry.second.get());
+  }
+  fonts.clear();
   guiMutex.release();
   return true;
+}
+
+GUI::font* guiController::getFont(const std::wstring& id) {
+  auto found = fonts.find(id);
+  if (found != fonts.end()) return found->second.get();
+  std::unique_ptr<GUI::font> made;
+  RENDERING::renderer* device = renderingContext ? renderingContext->getRenderer() : nullptr;
+  if (id == L"ID_FONT1" && device) {
+    made.reset(new GUI::font(L"DejaVuSans", DEFAULT_FONT_SIZE));
+    if (!device->cacheFont(made.get())) made.reset();
+  }
+  return fonts.emplace(id, std::move(made)).first->second.get();
 }
 
 bool guiController::waitGuiMutex(unsigned long milliseconds) {
@@ -404,6 +424,10 @@ canvas* guiController::getCanvas(const std::wstring& n) const {
 canvas* guiController::getCanvas(const std::string& n) const {
   return getCanvas(IO::XML::utf8ToWstring(n));
 }
+menu* guiController::getMenu(const std::wstring& n) const { return typed<menu>(n, WC_MENU); }
+menu* guiController::getMenu(const std::string& n) const {
+  return getMenu(IO::XML::utf8ToWstring(n));
+}
 
 bool guiController::isValid(const std::wstring& n) const { return widgets.isValid(n); }
 
@@ -465,11 +489,6 @@ void guiController::setTopMost(widget* w, bool on) {
   }
 }
 
-widget* guiController::getPopUpMenu(widget* w) const {
-  const std::wstring& menuName = w->getPopUpMenu();
-  return menuName.empty() ? nullptr : getWidget(menuName);
-}
-
 void guiController::setPopUpMenu(const std::wstring& menuName) {
   if (desktop) desktop->setPopUpMenu(menuName, false);
 }
@@ -497,6 +516,11 @@ bool guiController::eraseNowMT(widget* w) {
   const bool erased = eraseNow(w);
   guiMutex.release();
   return erased;
+}
+
+void guiController::widgetGone(widget* w) {
+  // Erased through the registry, it was forgotten already.
+  if (live.erase(w)) forgetWidget(w);
 }
 
 void guiController::forgetWidget(widget* w) {

@@ -7,6 +7,8 @@
 #include <unordered_set>
 
 #include "jev3d/gui/guiColorTable.h"
+#include "jev3d/gui/guiController.h"
+#include "jev3d/gui/menu.h"
 #include "jev3d/renderer/renderStateStack.h"
 #include "jev3d/renderer/renderer.h"
 #include "jev3d/renderer/renderingContext.h"
@@ -115,6 +117,8 @@ widget::~widget() {
     device->discardVertexBuffer(&vertexBuffer);
     device->discardIndexBuffer(&indexBuffer);
   }
+  // No focus, popup, hover, queued event or list of the controller may name it after.
+  if (controller) controller->widgetGone(this);
 }
 
 bool widget::addSlave(linker* slave) {
@@ -198,6 +202,15 @@ void widget::invokeDelegateAndRedirect(SYSTEM::EVENT_TYPE type, const SYSTEM::in
 void widget::refresh() {
   stateFlags.setFlag(WF_REFRESH);
   askRepaint();
+  // A group stacks its widgets by their sizes: it lays them out again. A tree view lays
+  // out its own items.
+  if (widgetClass == WC_TREEVIEW) return;
+  for (widget* w = parentWidget; w; w = w->parentWidget) {
+    if (w->widgetClass == WC_WIDGETGROUP || w->widgetClass == WC_MENU) {
+      w->refresh();
+      return;
+    }
+  }
 }
 
 void widget::askRepaint() {
@@ -417,6 +430,8 @@ void widget::render(RENDERING::renderingContext* rc) {
   if (stateFlags.isFlagSet(WF_VALUE_CHANGED)) computeVChange();
   if (target) {
     cachePatch(target);
+    if (!font.font && !font.idFont.empty() && controller)
+      font.font = controller->getFont(font.idFont);
     if (autosizePending) onCaptionAutosize();
   }
   if (stateFlags.isFlagSet(WF_VERTEX_CHANGED)) _adjustVertex(target);
@@ -691,6 +706,8 @@ void widget::setIdFont(const std::string& fontId) {
 
 void widget::setIdFont(const std::wstring& fontId) {
   font.idFont = fontId;
+  // Found again by the new id at the next render.
+  font.font = nullptr;
   onIdFontChange();
   askRepaint();
 }
@@ -826,16 +843,47 @@ widget* widget::attached(widget* parent) {
 
 void widget::disconnect(widget*) {}
 
+void widget::setPopUpMenu(menu* popUp, bool atCorner) {
+  popUpMenu = popUp;
+  popUpMenuName = popUp ? popUp->getId() : std::wstring();
+  stateFlags.setFlag(WF_POPUP_AT_CORNER, atCorner);
+}
+
 void widget::setPopUpMenu(const std::wstring& menuId, bool atCorner) {
+  popUpMenu = nullptr;
   popUpMenuName = menuId;
   stateFlags.setFlag(WF_POPUP_AT_CORNER, atCorner);
 }
 
 const std::wstring& widget::getPopUpMenu() const { return popUpMenuName; }
 
+menu* widget::getPopUpMenuPointer() {
+  if (!controller) return popUpMenu;
+  return popUpMenuName.empty() ? nullptr : controller->getMenu(popUpMenuName);
+}
+
+const menu* widget::getPopUpMenuPointer() const {
+  return const_cast<widget*>(this)->getPopUpMenuPointer();
+}
+
 void widget::removePopUpMenu() {
+  popUpMenu = nullptr;
   popUpMenuName.clear();
   stateFlags.clearFlag(WF_POPUP_AT_CORNER);
+}
+
+void widget::showPopUpMenu(float x, float y) {
+  if (menu* m = getPopUpMenuPointer()) m->popup(x, y);
+}
+
+void widget::closePopUpMenu() {
+  menu* m = getPopUpMenuPointer();
+  if (!m) return;
+  if (controller && controller->getSchedule().getPopup() == m) {
+    controller->getSchedule().closePopupNow();
+  } else {
+    m->close();
+  }
 }
 
 void widget::close() { visible = false; }
@@ -883,6 +931,14 @@ void widget::gotoInFirstPlane() {
     if (!parent->slaves.empty() && parent->slaves.back() == w) continue;
     parent->removeSlave(w);
     parent->slaves.push_back(w);
+  }
+}
+
+void widget::gotoInFirstPlaneNextRender() {
+  if (controller) {
+    controller->gotoInFirstPlaneNextRender(this);
+  } else {
+    gotoInFirstPlane();
   }
 }
 

@@ -141,6 +141,9 @@ TEST(controlsOnDisplay, eachControlShowsItsSkinTilesAtChosenPixels) {
   const rgb push = win.at(80, 212);
   EXPECT_NEAR(push.r, tinted(235, win.buttonColor.r), 6);
   EXPECT_NEAR(push.b, tinted(235, win.buttonColor.b), 6);
+  // Captions are drawn in "ID_FONT1": the button's and the check boxes' words show ink.
+  EXPECT_GT(darkPixels(win, 30, 204, 78, 220), 20) << "the button's caption";
+  EXPECT_GT(darkPixels(win, 120, 202, 200, 218), 20) << "the check box's caption";
 
   // Check marks: a tick in the checked box, none in the unchecked one.
   EXPECT_GT(darkPixels(win, 100, 202, 116, 218), 6);
@@ -170,8 +173,9 @@ TEST(controlsOnDisplay, eachControlShowsItsSkinTilesAtChosenPixels) {
   EXPECT_NEAR(empty.r, empty.b, 10);
   EXPECT_GT(empty.r, 150);
 
-  // The selected tab head wears the checked tile (a bluish grey); its page is a panel.
-  const rgb head = win.at(260, 149);
+  // The selected tab head wears the checked tile (a bluish grey), left of its title; its
+  // page is a panel.
+  const rgb head = win.at(228, 149);
   EXPECT_GT(head.b, head.r + 12);
   const rgb page = win.at(265, 120);
   EXPECT_NEAR(page.r, board.r, 6);

@@ -9,7 +9,10 @@
 
 #include "jev3d/gui/button.h"
 #include "jev3d/gui/canvas.h"
+#include "jev3d/gui/font.h"
+#include "jev3d/gui/item.h"
 #include "jev3d/gui/label.h"
+#include "jev3d/gui/menu.h"
 #include "jev3d/gui/panel.h"
 #include "jev3d/gui/picturebox.h"
 #include "jev3d/gui/widget.h"
@@ -66,6 +69,12 @@ class guiControllerTest : public guiWindowTest {
     p->layout.setVertical(VA_FREE);
     p->setRect2D(x, y, 60, 40);
     return p;
+  }
+  // A menu of the desktop, hidden until it opens.
+  menu* addMenu(const std::wstring& id) {
+    auto* m = static_cast<menu*>(gui->add(WC_MENU, id, nullptr));
+    EXPECT_NE(m, nullptr);
+    return m;
   }
   void listen(widget* w, listener& l, std::initializer_list<EVENT_TYPE> types) {
     delegates.emplace_back(&l, &listener::onEvent);
@@ -289,33 +298,35 @@ TEST_F(guiControllerTest, aPopupOpensOnRightClickAndClosesOnAnOutsideClick) {
     gui->update();
     panel* owner = addPanelAt(L"owner", 10, 10);
     panel* other = addPanelAt(L"other", 200, 10);
-    panel* menu = addPanelAt(L"menu", 0, 0);
-    panel* entry = addPanelAt(L"entry", 0, 0, menu);
-    menu->visible = false;
-    owner->setPopUpMenu(L"menu", false);
+    menu* popUp = addMenu(L"menu");
+    item* entry = popUp->addItem(widget::ICON_NULL, L"entry");
+    owner->setPopUpMenu(popUp, false);
+    EXPECT_EQ(owner->getPopUpMenu(), L"menu");
+    EXPECT_EQ(owner->getPopUpMenuPointer(), popUp);
     listener onOther(&log, "other");
     listen(other, onOther, {SYSTEM::MOUSE_LEFT_DOWN});
 
     rightClickAt(30, 30);
     gui->update();
-    EXPECT_EQ(gui->getSchedule().getPopup(), menu);
-    EXPECT_TRUE(menu->isVisible());
-    EXPECT_EQ(menu->getPositionX(), 30.0f);
-    EXPECT_EQ(menu->getPositionY(), 30.0f - menu->getHeight());
+    EXPECT_EQ(gui->getSchedule().getPopup(), popUp);
+    EXPECT_TRUE(popUp->isVisible());
+    EXPECT_EQ(popUp->getPositionX(), 30.0f);
+    EXPECT_EQ(popUp->getPositionY(), 30.0f - popUp->getHeight());
 
-    // A click inside the menu keeps it open.
-    // The menu hangs below the click, partly off the window: aim at its visible part.
-    const widget::point3f inside = entry->getAbsolutePos() + widget::point3f(2, 30, 0);
+    // A click inside the menu, on its bottom margin below the item, keeps it open.
+    const widget::point3f onEntry = entry->getAbsolutePos() + widget::point3f(20, 5, 0);
+    EXPECT_EQ(gui->getWidgetBelowMouse(onEntry.x, onEntry.y), entry);
+    const widget::point3f inside = popUp->getAbsolutePos() + widget::point3f(20, 1, 0);
     ASSERT_GE(inside.y, 0.0f);
-    EXPECT_EQ(gui->getWidgetBelowMouse(inside.x, inside.y), entry);
+    EXPECT_EQ(gui->getWidgetBelowMouse(inside.x, inside.y), popUp);
     leftClickAt(int(inside.x), int(inside.y));
     gui->update();
-    EXPECT_TRUE(menu->isVisible());
+    EXPECT_TRUE(popUp->isVisible());
 
     // Outside, it closes, and the click still reaches the widget below.
     leftClickAt(220, 20);
     gui->update();
-    EXPECT_FALSE(menu->isVisible());
+    EXPECT_FALSE(popUp->isVisible());
     EXPECT_EQ(gui->getSchedule().getPopup(), nullptr);
     EXPECT_EQ(log, (std::vector<std::string>{"other 15"}));
 
@@ -323,7 +334,7 @@ TEST_F(guiControllerTest, aPopupOpensOnRightClickAndClosesOnAnOutsideClick) {
     owner->getFlags().setFlag(WF_SKIP_NEXT_POPUP);
     rightClickAt(30, 30);
     gui->update();
-    EXPECT_FALSE(menu->isVisible());
+    EXPECT_FALSE(popUp->isVisible());
     EXPECT_FALSE(owner->getFlags().isFlagSet(WF_SKIP_NEXT_POPUP));
   });
 }
@@ -334,10 +345,8 @@ TEST_F(guiControllerTest, aRedirectsMenuIsTheOneThatStaysOpen) {
     panel* control = addPanelAt(L"control", 10, 10);
     panel* part = addPanelAt(L"part", 0, 0, control);
     part->setRedirect(control);
-    panel* partMenu = addPanelAt(L"partMenu", 0, 0);
-    panel* controlMenu = addPanelAt(L"controlMenu", 0, 0);
-    partMenu->visible = false;
-    controlMenu->visible = false;
+    menu* partMenu = addMenu(L"partMenu");
+    menu* controlMenu = addMenu(L"controlMenu");
     part->setPopUpMenu(L"partMenu", false);
     control->setPopUpMenu(L"controlMenu", true);
     rightClickAt(15, 15);
@@ -493,6 +502,137 @@ TEST_F(guiControllerTest, widgetsErasedDuringAScheduleAreNotTouchedAfterwards) {
     gui->update();
     gui->render();
     EXPECT_TRUE(log.empty());
+  });
+}
+
+TEST_F(guiControllerTest, anErasedWidgetLeavesNoPointerInTheControllersLists) {
+  run([&] {
+    gui->update();
+    panel* gone = addPanelAt(L"gone", 10, 10);
+    panel* stays = addPanelAt(L"stays", 200, 10);
+    menu* popUp = addMenu(L"goneMenu");
+    popUp->addItem(widget::ICON_NULL, L"entry");
+    gone->setToolTip(L"tip");
+    gone->setOnFocusOnClick(true);
+    gone->setPopUpMenu(popUp, false);
+    stays->setRedirect(gone);
+    // Focus, the open popup, the tooltip's hover, the next render's front list and a
+    // queued event all name the two widgets that go.
+    rightClickAt(20, 30);
+    gui->update();
+    ASSERT_EQ(gui->getFocusedWidget(), gone);
+    ASSERT_EQ(gui->getSchedule().getPopup(), popUp);
+    ASSERT_EQ(gui->getHoverToolTipWidget(), gone);
+    gone->gotoInFirstPlaneNextRender();
+    gui->simulateInputEvent(SYSTEM::KEY_DOWN, SYSTEM::sharedPointer<inputEvent>(
+                                                  new inputEvent(SYSTEM::KEY_DOWN, gone, nullptr)));
+    EXPECT_TRUE(gui->eraseNow(popUp));
+    EXPECT_EQ(gui->getSchedule().getPopup(), nullptr);
+    EXPECT_EQ(gone->getPopUpMenuPointer(), nullptr) << "the id names nothing now";
+    EXPECT_TRUE(gui->eraseNow(gone));
+    EXPECT_EQ(gui->getFocusedWidget(), nullptr);
+    EXPECT_EQ(gui->getHoverToolTipWidget(), nullptr);
+    EXPECT_EQ(stays->getRedirect(), nullptr);
+    EXPECT_EQ(win.getInputContext()->widgetBelowMouse, nullptr);
+    // Nothing reaches freed memory (the sanitizer build checks it) and the rest goes on.
+    gui->update();
+    gui->render();
+    leftClickAt(220, 20);
+    gui->update();
+    EXPECT_EQ(gui->getWidgetBelowMouse(220, 20), stays);
+    EXPECT_EQ(gui->getWidgetBelowMouse(20, 30), nullptr);
+  });
+}
+
+TEST_F(guiControllerTest, gotoInFirstPlaneNextRenderWaitsForTheRender) {
+  run([&] {
+    gui->update();
+    panel* back = addPanelAt(L"back", 10, 10);
+    panel* front = addPanelAt(L"front", 10, 10);
+    canvas* desktop = gui->getDesktop();
+    const int count = desktop->getSlavesCount();
+    ASSERT_EQ(desktop->getChildAt(count - 1), front);
+    back->gotoInFirstPlaneNextRender();
+    EXPECT_EQ(desktop->getChildAt(count - 1), front) << "not while a walk may run";
+    EXPECT_EQ(gui->getWidgetBelowMouse(20, 20), front);
+    gui->render();
+    EXPECT_EQ(desktop->getChildAt(count - 1), back);
+    EXPECT_EQ(gui->getWidgetBelowMouse(20, 20), back);
+  });
+}
+
+TEST_F(guiControllerTest, popUpMenusAreMenusFoundByTheirId) {
+  run([&] {
+    gui->update();
+    panel* owner = addPanelAt(L"owner", 10, 10);
+    addPanelAt(L"notAMenu", 100, 100);
+    owner->setPopUpMenu(L"notAMenu", false);
+    EXPECT_EQ(owner->getPopUpMenuPointer(), nullptr);
+    rightClickAt(20, 20);
+    gui->update();
+    EXPECT_EQ(gui->getSchedule().getPopup(), nullptr) << "a panel is no menu";
+    // Named before it exists, the menu is found once it is made.
+    owner->setPopUpMenu(L"later", true);
+    menu* later = addMenu(L"later");
+    const widget* constOwner = owner;
+    EXPECT_EQ(constOwner->getPopUpMenuPointer(), later);
+    owner->showPopUpMenu(40, 200);
+    EXPECT_EQ(gui->getSchedule().getPopup(), later);
+    EXPECT_TRUE(later->isVisible());
+    EXPECT_EQ(later->getPositionX(), 40.0f);
+    owner->closePopUpMenu();
+    EXPECT_EQ(gui->getSchedule().getPopup(), nullptr);
+    EXPECT_FALSE(later->isVisible());
+  });
+}
+
+TEST_F(guiControllerTest, aRefreshedItemIsStackedAgainByItsMenu) {
+  run([&] {
+    gui->update();
+    menu* m = addMenu(L"m");
+    item* first = m->addItem(widget::ICON_NULL, L"first");
+    item* second = m->addItem(widget::ICON_NULL, L"second");
+    m->popup(10, 200);
+    gui->render();
+    const widget::point3f stacked = second->position;
+    EXPECT_LT(stacked.y, first->position.y);
+    second->setPosition(70, 3, 0);
+    gui->render();
+    EXPECT_EQ(second->position.x, 70.0f) << "a move alone keeps it where it was put";
+    second->refresh();
+    gui->render();
+    EXPECT_EQ(second->position.x, stacked.x);
+    EXPECT_EQ(second->position.y, stacked.y);
+  });
+}
+
+TEST_F(guiControllerTest, captionsInTheDefaultFontIdAreDrawnAndOtherIdsAreNot) {
+  run([&] {
+    gui->update();
+    // "ID_FONT1" is the renderer's default face; it is made once.
+    GUI::font* first = gui->getFont(L"ID_FONT1");
+    ASSERT_NE(first, nullptr);
+    EXPECT_EQ(gui->getFont(L"ID_FONT1"), first);
+    EXPECT_EQ(first->getFace(), L"DejaVuSans");
+    EXPECT_EQ(gui->getFont(L"ID_FONT7"), nullptr);
+    label* shown = gui->addLabel(std::wstring(L"shown"), nullptr);
+    shown->setCaption(std::wstring(L"seven chars"), false);
+    label* unknown = gui->addLabel(std::wstring(L"unknown"), nullptr);
+    unknown->setIdFont(std::wstring(L"ID_FONT7"));
+    unknown->setCaption(std::wstring(L"thirteen char"), false);
+    device.calls.clear();
+    gui->render();
+    int seven = 0, thirteen = 0;
+    for (const std::string& c : device.calls) {
+      seven += c.rfind("renderText 11 ", 0) == 0;
+      thirteen += c.rfind("renderText 13 ", 0) == 0;
+    }
+    EXPECT_EQ(seven, 1);
+    EXPECT_EQ(thirteen, 0);
+    EXPECT_EQ(shown->getFontInstance().font, first);
+    // A new id is looked up again.
+    shown->setIdFont(std::wstring(L"ID_FONT7"));
+    EXPECT_EQ(shown->getFontInstance().font, nullptr);
   });
 }
 
