@@ -1,6 +1,7 @@
 #include "jev3d/gui/guiController.h"
 
 #include <algorithm>
+#include <iostream>
 
 #include "jev3d/gui/button.h"
 #include "jev3d/gui/buttongroup.h"
@@ -8,6 +9,7 @@
 #include "jev3d/gui/checkbox.h"
 #include "jev3d/gui/combobox.h"
 #include "jev3d/gui/font.h"
+#include "jev3d/gui/fullscreentitlebar.h"
 #include "jev3d/gui/item.h"
 #include "jev3d/gui/label.h"
 #include "jev3d/gui/menu.h"
@@ -95,9 +97,17 @@ bool guiController::init(bool withTitleBar, bool withToolTip, const std::wstring
     desktop->rectHeight.connect(&renderingContext->windowHeight, true);
   }
   desktop->followRect();
-  // The full-screen title bar is a standard control; the window shows none until the
-  // controls exist, so `withTitleBar` has nothing to build yet.
-  (void)withTitleBar;
+  if (withTitleBar) {
+    auto* bar = make<fullscreentitlebar>(std::wstring(TITLE_BAR_ID), desktop);
+    fullScreenTitleBar = bar;
+    if (bar) {
+      setTopMost(bar, true);
+      bar->layout.setHorizontal(HA_CENTER);
+      bar->layout.horizontalOffset = 0;
+      bar->layout.setVertical(VA_TOP);
+      bar->layout.verticalOffset = 0;
+    }
+  }
   if (withToolTip) {
     auto* tip = static_cast<button*>(add(WC_BUTTON, std::wstring(TOOLTIP_ID), desktop));
     toolTip = tip;
@@ -117,6 +127,49 @@ bool guiController::init(bool withTitleBar, bool withToolTip, const std::wstring
   }
   canvases.assign(1, desktop);
   return true;
+}
+
+void guiController::addGuiCotroller(guiController* other, SYSTEM::winMain* win) {
+  if (!other || other == this) return;
+  if (!win) win = window;
+  guiMutex.wait(SYSTEM::INFINITE);
+  other->guiMutex.wait(SYSTEM::INFINITE);
+  std::vector<widget*> moved;
+  const std::vector<widget*> theirs(other->live.begin(), other->live.end());
+  const std::vector<canvas*> theirCanvases = other->canvases;
+  // The widgets move together: their redirects to each other stay.
+  other->discarding = true;
+  for (widget* w : theirs) {
+    if (widgets.isValid(w->getId())) {
+      std::cout << "Fail ADD: " << IO::XML::wstringToUtf8(w->getId()) << std::endl;
+      continue;
+    }
+    // Held here before the other registry lets go, so the widget lives on.
+    widgets.addEntry(w->getId(), other->widgets.getEntry(w->getId()));
+    other->forgetWidget(w);
+    other->live.erase(w);
+    other->widgets.erase(w->getId());
+    live.insert(w);
+    w->setOwner(this, win);
+    w->setColorTable(&colorTable);
+    moved.push_back(w);
+  }
+  other->discarding = false;
+  for (widget* w : moved) {
+    if (other->desktop && w->getParent() == other->desktop) {
+      // That desktop stays with its controller: the widgets on it come onto this one.
+      w->linker::disconnect();
+      w->connect(desktop, true);
+    }
+    if (w->isTopMost()) setTopMost(w, true);
+    if (w->getUseSchemaColor()) w->setjustColor(w->getClassColor());
+    auto* c = static_cast<canvas*>(w);
+    if (std::find(theirCanvases.begin(), theirCanvases.end(), w) != theirCanvases.end())
+      attachCanvas(c);
+  }
+  other->guiMutex.release();
+  guiMutex.release();
+  refresh();
 }
 
 void guiController::update() {

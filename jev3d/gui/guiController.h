@@ -80,6 +80,13 @@ class guiController : public SYSTEM::windowGui {
   guiController& operator=(const guiController&) = delete;
 
   bool init(bool withTitleBar, bool withToolTip, const std::wstring& name) override;
+  // Moves every widget of `other` into this controller, for `win` (this controller's
+  // window when null): each takes this controller's colours and window, the widgets on
+  // the other desktop come under this one, and the other's canvases are attached. A
+  // widget whose id is taken here (the other's desktop, tooltip and title bar among them)
+  // is reported on standard output with "Fail ADD: " and its id and stays with `other`.
+  // Takes both GUI locks; call it holding neither.
+  void addGuiCotroller(guiController* other, SYSTEM::winMain* win);
   void update() override;
   void render() override;
   bool discard() override;

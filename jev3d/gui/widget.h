@@ -376,6 +376,12 @@ class widget : public SYSTEM::linkerBase<SYSTEM::dummyLinkerType> {
   void setRegisterEventMultithreading(bool on) { registerMultithreading = on; }
   // The table setjustColor reads; the controller hands it over when it adds the widget.
   void setColorTable(const guiColorTable* table) { colorTable = table; }
+  // The controller and window the widget now belongs to, as a controller taking another's
+  // widgets sets them.
+  void setOwner(guiController* owner, SYSTEM::winBase* win) {
+    controller = owner;
+    window = win;
+  }
 
   // The patch as last written: positions (x, y, z), skin coordinates (u, v) and colours.
   const float* getPatchPositions() const { return patchPositions; }

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <chrono>
 #include <string>
 #include <thread>
@@ -10,6 +11,7 @@
 #include "jev3d/gui/button.h"
 #include "jev3d/gui/canvas.h"
 #include "jev3d/gui/font.h"
+#include "jev3d/gui/fullscreentitlebar.h"
 #include "jev3d/gui/item.h"
 #include "jev3d/gui/label.h"
 #include "jev3d/gui/menu.h"
@@ -108,7 +110,8 @@ TEST_F(guiControllerTest, initBuildsADesktopThatFollowsTheWindow) {
     EXPECT_EQ(tip->getId(), L"GUICONTROLLER_WIDGET_TOOLTIPS");
     EXPECT_FALSE(tip->isVisible());
     EXPECT_TRUE(tip->isTopMost());
-    EXPECT_EQ(desktop->getTopMost().size(), 1u);
+    // It and the full-screen title bar are the desktop's top-most widgets.
+    EXPECT_EQ(desktop->getTopMost().size(), 2u);
     // A button in the tooltip's skin, its caption centred alone.
     ASSERT_EQ(tip->getClass(), WC_BUTTON);
     auto* tipButton = static_cast<button*>(tip);
@@ -137,8 +140,9 @@ TEST_F(guiControllerTest, registryAndFactoryByName) {
     EXPECT_EQ(gui->add(WC_LABEL, L"L2", p)->getClass(), WC_LABEL);
     EXPECT_EQ(gui->add(WC_WIDGET, L"W", p)->getClass(), WC_WIDGET);
     EXPECT_EQ(gui->add(WIDGET_CLASS(24), L"X", p), nullptr);
-    // Desktop, tooltip with its caption and icon parts, P, its label, L2, W.
-    EXPECT_EQ(gui->getWidgetsCount(), 8);
+    // Desktop, tooltip with its caption and icon parts, the title bar with its caption
+    // and three buttons of four widgets each, P, its label, L2, W.
+    EXPECT_EQ(gui->getWidgetsCount(), 22);
 
     EXPECT_TRUE(gui->eraseNow(p));
     EXPECT_FALSE(gui->isValid(L"P"));
@@ -147,6 +151,7 @@ TEST_F(guiControllerTest, registryAndFactoryByName) {
     EXPECT_EQ(gui->getWidgetsCount(), 0);
     EXPECT_TRUE(gui->getCanvases().empty());
     EXPECT_EQ(gui->getToolTip(), nullptr);
+    EXPECT_EQ(gui->getWidget(std::wstring(guiController::TITLE_BAR_ID)), nullptr);
   });
 }
 
@@ -636,6 +641,109 @@ TEST_F(guiControllerTest, captionsInTheDefaultFontIdAreDrawnAndOtherIdsAreNot) {
   });
 }
 
+TEST_F(guiControllerTest, theFullScreenTitleBarShowsInFullScreenAndItsRestoreButtonLeavesIt) {
+  run([&] {
+    gui->update();
+    auto* bar = dynamic_cast<fullscreentitlebar*>(
+        gui->getWidget(std::wstring(guiController::TITLE_BAR_ID)));
+    ASSERT_NE(bar, nullptr);
+    EXPECT_FALSE(bar->isVisible());
+    EXPECT_TRUE(bar->isPrivate());
+    EXPECT_TRUE(bar->isTopMost());
+    EXPECT_EQ(bar->getParent(), gui->getDesktop());
+    for (widget* part :
+         {static_cast<widget*>(bar->getCaptionPart()), static_cast<widget*>(bar->getMinimizePart()),
+          static_cast<widget*>(bar->getRestorePart()), static_cast<widget*>(bar->getClosePart())}) {
+      ASSERT_NE(part, nullptr);
+      EXPECT_EQ(part->getRedirect(), bar);
+    }
+    EXPECT_EQ(bar->getClosePart()->getClassColor(), WCC_BUTTON_CLOSE);
+
+    win.setFullScreen(true, true);
+    ASSERT_TRUE(win.isFullScreen());
+    EXPECT_TRUE(bar->isVisible());
+    win.setCaption(L"Scan 12");
+    win.showButtonMinimized(false);
+    gui->update();
+    gui->render();
+    // Across the top of the screen inside the desktop's margins, the caption at the left,
+    // the buttons at the right.
+    const float screenWidth = float(win.getRenderingContext()->windowWidth.cV());
+    const float screenHeight = float(win.getRenderingContext()->windowHeight.cV());
+    const float* inset = gui->getDesktop()->getMargin();
+    EXPECT_EQ(bar->getPositionX(), inset[0]);
+    EXPECT_EQ(bar->getWidth(), screenWidth - inset[0] - inset[1]);
+    EXPECT_EQ(bar->getPositionY() + bar->getHeight(), screenHeight - inset[2]);
+    EXPECT_EQ(bar->getCaptionPart()->getCaption(), L"Scan 12");
+    EXPECT_FALSE(bar->getMinimizePart()->isVisible());
+    EXPECT_TRUE(bar->getRestorePart()->isVisible());
+    const widget::point3f close = bar->getClosePart()->getAbsolutePos();
+    const widget::point3f restore = bar->getRestorePart()->getAbsolutePos();
+    EXPECT_GT(close.x, restore.x);
+    EXPECT_LE(close.x + bar->getClosePart()->getWidth(), screenWidth);
+
+    // A click on restore, through the window procedure, leaves full screen.
+    const int x = int(restore.x + 9);
+    const int y = int(screenHeight) - int(restore.y + 9);
+    widget* below = gui->getWidgetBelowMouse(float(x), screenHeight - float(y));
+    ASSERT_NE(below, nullptr);
+    EXPECT_TRUE(below == bar->getRestorePart() || below->getRedirect() == bar->getRestorePart());
+    send(WM_MOUSEMOVE, 0, makeLParam(x, y));
+    send(WM_LBUTTONDOWN, 0, makeLParam(x, y));
+    send(WM_LBUTTONUP, 0, makeLParam(x, y));
+    gui->update();
+    EXPECT_FALSE(win.isFullScreen());
+    EXPECT_FALSE(bar->isVisible());
+  });
+}
+
+TEST_F(guiControllerTest, addGuiCotrollerMovesTheOtherWidgetsButThoseWhoseIdIsTaken) {
+  run([&] {
+    gui->update();
+    panel* mine = addPanelAt(L"shared", 10, 10);
+    guiController other(&win, &app);
+    ASSERT_TRUE(other.init(false, true, L"other"));
+    panel* moved = other.addPanel(std::wstring(L"moved"), nullptr);
+    button* push = static_cast<button*>(other.add(WC_BUTTON, L"push", moved));
+    panel* clash = other.addPanel(std::wstring(L"shared"), nullptr);
+    ASSERT_TRUE(moved && push && clash);
+    moved->layout.setHorizontal(HA_FREE);
+    moved->layout.setVertical(VA_FREE);
+    moved->setRect2D(100, 100, 90, 60);
+    other.setTopMost(moved, true);
+    const int before = gui->getWidgetsCount();
+
+    testing::internal::CaptureStdout();
+    gui->addGuiCotroller(&other, nullptr);
+    const std::string said = testing::internal::GetCapturedStdout();
+    // Its desktop, tooltip (with two parts) and "shared" stay; the rest comes here.
+    EXPECT_NE(said.find("Fail ADD: shared"), std::string::npos);
+    EXPECT_NE(said.find("Fail ADD: GUICONTROLLER_WIDGET_DESKTOP"), std::string::npos);
+    EXPECT_EQ(other.getWidgetsCount(), 5);
+    EXPECT_EQ(gui->getWidgetsCount(), before + 4) << "moved, push and its two parts";
+    EXPECT_EQ(gui->getWidget(L"moved"), moved);
+    EXPECT_EQ(gui->getWidget(L"shared"), mine);
+    EXPECT_EQ(other.getWidget(L"moved"), nullptr);
+    EXPECT_EQ(moved->controller, gui);
+    EXPECT_EQ(push->getCaptionPart()->controller, gui);
+    EXPECT_EQ(push->getCaptionPart()->getRedirect(), push) << "parts still lead to the button";
+    EXPECT_EQ(moved->getParent(), gui->getDesktop());
+    const auto& topMost = gui->getDesktop()->getTopMost();
+    EXPECT_EQ(std::count(topMost.begin(), topMost.end(), moved), 1);
+
+    // The moved button answers clicks here, and the other controller can go first.
+    listener onPush(&log, "push");
+    listen(push, onPush, {SYSTEM::MOUSE_LEFT_CLICK});
+    const widget::point3f at = push->getAbsolutePos() + widget::point3f(5, 5, 0);
+    leftClickAt(int(at.x), int(at.y));
+    gui->update();
+    EXPECT_EQ(log, (std::vector<std::string>{"push 17"}));
+    other.discard();
+    gui->render();
+    EXPECT_TRUE(gui->eraseNow(moved));
+  });
+}
+
 TEST_F(guiControllerTest, erasuresQueuedForRenderTakeAtMostThirtyTwoAFrame) {
   run([&] {
     gui->update();
@@ -745,6 +853,44 @@ TEST_F(guiWindowWithoutSkinsTest, skipDefaultTexturesLeavesTheStorageEmptyAndNoS
     ASSERT_TRUE(textures->loadDefaultTexture());
     gui->setSkin(GUI_XP_SKIN);
     EXPECT_EQ(gui->getSkin(), GUI_XP_SKIN);
+  });
+}
+
+// Counts the requests to close and refuses them, so that the loop keeps it.
+class windowRefusingToClose : public probeWindow {
+ public:
+  windowRefusingToClose(SYSTEM::application* app, RENDERING::renderer* device)
+      : probeWindow(app, device) {
+    veto = true;
+  }
+  void windowIsClosing(bool& closing) override {
+    ++closeRequests;
+    probeWindow::windowIsClosing(closing);
+  }
+  int closeRequests = 0;
+};
+
+TEST_F(guiWindowWithoutSkinsTest, theTitleBarsCloseAndMinimiseButtonsActOnTheWindow) {
+  SYSTEM::application app(L"", L"");
+  windowRefusingToClose w(&app, &device);
+  runWithWindow(app, platform, w, [&] {
+    auto* gui = dynamic_cast<guiController*>(w.getGui());
+    ASSERT_NE(gui, nullptr);
+    auto* bar = dynamic_cast<fullscreentitlebar*>(
+        gui->getWidget(std::wstring(guiController::TITLE_BAR_ID)));
+    ASSERT_NE(bar, nullptr);
+    w.setFullScreen(true, true);
+    auto click = [&](widget* target) {
+      gui->simulateInputEvent(SYSTEM::MOUSE_LEFT_CLICK,
+                              SYSTEM::sharedPointer<inputEvent>(
+                                  new inputEvent(SYSTEM::MOUSE_LEFT_CLICK, target, nullptr)));
+      gui->update();
+    };
+    click(bar->getClosePart());
+    EXPECT_EQ(w.closeRequests, 1);
+    click(bar->getMinimizePart());
+    EXPECT_EQ(w.getWindowShowMode(), SYSTEM::SHOW_MINIMIZED);
+    EXPECT_EQ(w.closeRequests, 1);
   });
 }
 
