@@ -379,11 +379,21 @@ void widget::adjustUV(float u, float v) {
 
 void widget::_adjustUV(RENDERING::renderer* target) {
   const float step[4] = {0, skinBorder, skinTile - skinBorder, skinTile};
+  float us[4], vs[4];
+  for (int i = 0; i < 4; ++i) {
+    us[i] = (uv[0] + step[i]) / skinSize;
+    vs[i] = (uv[1] + step[i]) / skinSize;
+  }
+  writeTexCoords(target, us, vs);
+}
+
+void widget::writeTexCoords(RENDERING::renderer* target, const float (&us)[4],
+                            const float (&vs)[4]) {
   for (int row = 0; row < 4; ++row) {
     for (int column = 0; column < 4; ++column) {
       float* t = patchTexCoords + 2 * (row * 4 + column);
-      t[0] = (uv[0] + step[column]) / skinSize;
-      t[1] = (uv[1] + step[row]) / skinSize;
+      t[0] = us[column];
+      t[1] = vs[row];
     }
   }
   stateFlags.clearFlag(WF_UV_CHANGED);
@@ -442,8 +452,12 @@ void widget::render(RENDERING::renderingContext* rc) {
 }
 
 void widget::drawPatch(RENDERING::renderingContext* rc) {
+  if (shadow != WS_NO_BACKGROUND) drawPatchGeometry(rc);
+}
+
+void widget::drawPatchGeometry(RENDERING::renderingContext* rc) {
   RENDERING::renderer* target = rc ? rc->getRenderer() : nullptr;
-  if (!target || !patchCached || shadow == WS_NO_BACKGROUND) return;
+  if (!target || !patchCached) return;
   target->renderIndexedGeometry(RENDERING::renderer::DRAW_TRIANGLES, &vertexBuffer, &indexBuffer, 0,
                                 patchIndexCount);
 }

@@ -426,6 +426,11 @@ class widget : public SYSTEM::linkerBase<SYSTEM::dummyLinkerType> {
   void askRepaint();
   // Draws the patch (9 quads) unless the shadow says no background.
   void drawPatch(RENDERING::renderingContext* rc);
+  // Draws the patch whatever the shadow says, with the texture bound now.
+  void drawPatchGeometry(RENDERING::renderingContext* rc);
+  // Writes the patch's texture coordinates from its four columns and four rows, and
+  // uploads them when there is a device.
+  void writeTexCoords(RENDERING::renderer* device, const float (&us)[4], const float (&vs)[4]);
   // The hook postUpdate runs after the children; empty in the base.
   virtual void afterChildrenUpdate(RENDERING::renderingContext* rc, SYSTEM::updateContext* uc);
   // colorNormal, colorHighlighted, colorDisabled, colorDown by table index.
