@@ -163,9 +163,9 @@ void guiController::addGuiCotroller(guiController* other, SYSTEM::winMain* win) 
     }
     if (w->isTopMost()) setTopMost(w, true);
     if (w->getUseSchemaColor()) w->setjustColor(w->getClassColor());
-    auto* c = static_cast<canvas*>(w);
-    if (std::find(theirCanvases.begin(), theirCanvases.end(), w) != theirCanvases.end())
-      attachCanvas(c);
+    for (canvas* c : theirCanvases) {
+      if (c == w) attachCanvas(c);
+    }
   }
   other->guiMutex.release();
   guiMutex.release();

@@ -711,6 +711,9 @@ TEST_F(guiControllerTest, addGuiCotrollerMovesTheOtherWidgetsButThoseWhoseIdIsTa
     moved->layout.setVertical(VA_FREE);
     moved->setRect2D(100, 100, 90, 60);
     other.setTopMost(moved, true);
+    canvas* view = other.addCanvas(std::wstring(L"view"), nullptr);
+    ASSERT_NE(view, nullptr);
+    other.attachCanvas(view);
     const int before = gui->getWidgetsCount();
 
     testing::internal::CaptureStdout();
@@ -720,7 +723,10 @@ TEST_F(guiControllerTest, addGuiCotrollerMovesTheOtherWidgetsButThoseWhoseIdIsTa
     EXPECT_NE(said.find("Fail ADD: shared"), std::string::npos);
     EXPECT_NE(said.find("Fail ADD: GUICONTROLLER_WIDGET_DESKTOP"), std::string::npos);
     EXPECT_EQ(other.getWidgetsCount(), 5);
-    EXPECT_EQ(gui->getWidgetsCount(), before + 4) << "moved, push and its two parts";
+    EXPECT_EQ(gui->getWidgetsCount(), before + 5) << "moved, push and its two parts, view";
+    ASSERT_EQ(gui->getCanvases().size(), 2u);
+    EXPECT_EQ(gui->getCanvases()[1], view) << "the other's canvas is drawn here after ours";
+    EXPECT_EQ(other.getCanvases().size(), 1u);
     EXPECT_EQ(gui->getWidget(L"moved"), moved);
     EXPECT_EQ(gui->getWidget(L"shared"), mine);
     EXPECT_EQ(other.getWidget(L"moved"), nullptr);
