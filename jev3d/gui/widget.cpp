@@ -465,27 +465,39 @@ void widget::drawPatchGeometry(RENDERING::renderingContext* rc) {
 bool widget::preRender() const {
   for (const widget* w = this; w; w = w->parentWidget) {
     if (!w->visible.cV()) return false;
+    // An ancestor drawing its children passed this test itself this frame.
+    if (w->parentWidget && w->parentWidget->walkingChildren) return true;
   }
   return true;
 }
 
 void widget::postRender(RENDERING::renderingContext* rc) {
   RENDERING::RENDERSTATE::renderStateStack* stack = rc ? rc->getRenderStateStack() : nullptr;
-  if (stack && getSlavesCount() > 0) {
-    const point3f a = getAbsolutePos();
-    computedClip[0] = std::max(0, int(a.x + margin[0]));
-    computedClip[1] = std::max(0, int(a.y + margin[3]));
-    computedClip[2] = std::max(0, int(size.x - margin[0] - margin[1]));
-    computedClip[3] = std::max(0, int(size.y - margin[2] - margin[3]));
-    scissor.set(computedClip[0], computedClip[1], computedClip[2], computedClip[3], true, true);
+  if (stack && !slaves.empty()) {
+    // Where render() has just placed the widget.
+    const point3f& a = absoluteClip[0];
+    const int clip[4] = {std::max(0, int(a.x + margin[0])), std::max(0, int(a.y + margin[3])),
+                         std::max(0, int(size.x - margin[0] - margin[1])),
+                         std::max(0, int(size.y - margin[2] - margin[3]))};
+    // The same rectangle as last frame asks nothing of the scissor, whose fields would
+    // notify on every write.
+    if (!scissorSet || !std::equal(clip, clip + 4, computedClip)) {
+      std::copy(clip, clip + 4, computedClip);
+      scissor.set(computedClip[0], computedClip[1], computedClip[2], computedClip[3], true, true);
+      scissorSet = true;
+    }
     // The push computes the clip against the scissor in force; nothing left, no children.
     if (stack->pushState(RENDERING::RENDERSTATE::renderStateEnums::SCISSOR_STATE, &scissor, true)) {
-      for (linker* child : getSlavesCopy()) {
+      // A snapshot in a buffer kept from frame to frame: no allocation in the steady state.
+      renderWalk.assign(slaves.begin(), slaves.end());
+      walkingChildren = true;
+      for (linker* child : renderWalk) {
         auto* w = static_cast<widget*>(child);
         if (!w->preRender()) continue;
         w->render(rc);
         w->postRender(rc);
       }
+      walkingChildren = false;
     }
     stack->popState(RENDERING::RENDERSTATE::renderStateEnums::SCISSOR_STATE, true);
   }
@@ -515,11 +527,15 @@ bool widget::preUpdate(RENDERING::renderingContext*, SYSTEM::updateContext* uc) 
 void widget::update(RENDERING::renderingContext*, SYSTEM::updateContext*) {}
 
 void widget::postUpdate(RENDERING::renderingContext* rc, SYSTEM::updateContext* uc) {
-  for (linker* child : getSlavesCopy()) {
-    auto* w = static_cast<widget*>(child);
-    if (w->preUpdate(rc, uc)) {
-      w->update(rc, uc);
-      w->postUpdate(rc, uc);
+  if (!slaves.empty()) {
+    // A delegate run by a child's update may change the list: walk a snapshot.
+    updateWalk.assign(slaves.begin(), slaves.end());
+    for (linker* child : updateWalk) {
+      auto* w = static_cast<widget*>(child);
+      if (w->preUpdate(rc, uc)) {
+        w->update(rc, uc);
+        w->postUpdate(rc, uc);
+      }
     }
   }
   afterChildrenUpdate(rc, uc);

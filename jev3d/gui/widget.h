@@ -490,6 +490,13 @@ class widget : public SYSTEM::linkerBase<SYSTEM::dummyLinkerType> {
 
  private:
   bool registerMultithreading = false;
+  // The child lists the render and update walks run over, reused from frame to frame.
+  std::vector<linker*> renderWalk;
+  std::vector<linker*> updateWalk;
+  // computedClip has been given to the scissor.
+  bool scissorSet = false;
+  // True while postRender draws the children, so that theirs need not test this widget.
+  bool walkingChildren = false;
   bool patchCached = false;
   bool autosizePending = false;
   // The device the patch buffers live on, known from the first render.
