@@ -1,5 +1,7 @@
 #pragma once
 
+#include <type_traits>
+
 namespace JEV {
 namespace SYSTEM {
 
@@ -83,6 +85,11 @@ template <class T, class D, template <class> class L>
 void fieldBase<T, D, L>::invokeDelegate() {
   if (!delegatesEnabled) return;
   invokeOwnDelegates();
+  // Most fields have no follower: a plain linker (not a locked one) sees that without
+  // copying its list, which writes in tight loops (render states) would pay each time.
+  if constexpr (std::is_same<L<D>, linkerBase<D>>::value) {
+    if (this->slaves.empty()) return;
+  }
   for (linkerBase<D>* slave : this->getSlavesCopy()) slave->masterNotified();
 }
 

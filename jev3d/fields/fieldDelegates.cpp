@@ -61,7 +61,7 @@ std::weak_ptr<void> fieldDelegates::getLifeToken() {
   return life;
 }
 
-void fieldDelegates::invokeOwnDelegates() const {
+void fieldDelegates::invokeOwnDelegatesCopied() const {
   std::vector<sharedPointer<delegate>> copy;
   {
     // Copied under the lock too: the copy touches every holder's count.

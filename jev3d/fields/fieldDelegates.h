@@ -33,13 +33,19 @@ class fieldDelegates {
 
  protected:
   // Calls each delegate once, in list order, over a copy of the list, so that a delegate
-  // may register or remove delegates as it runs.
-  void invokeOwnDelegates() const;
+  // may register or remove delegates as it runs. A field without a lock and without
+  // delegates, the common case, returns at once.
+  void invokeOwnDelegates() const {
+    if (!delegateMutex && delegates.empty()) return;
+    invokeOwnDelegatesCopied();
+  }
 
   // When false the field does not notify, nor do its slaves hear of it.
   bool delegatesEnabled = true;
 
  private:
+  void invokeOwnDelegatesCopied() const;
+
   std::vector<sharedPointer<delegate>> delegates;
   mutex* delegateMutex = nullptr;
   std::shared_ptr<char> life;

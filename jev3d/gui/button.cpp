@@ -166,10 +166,14 @@ void button::setSkinAsItem() {
 }
 
 void button::setSkinAsWinButtonClose() {
-  setjustColor(WCC_BUTTON_CLOSE);
-  setTiles(0, 48, 0, 64, 0, 80);
   // The cross of the window's close button, over the tile.
-  addLayer(64, 160, WCC_ARROW);
+  setSkinAsWinButton(WCC_BUTTON_CLOSE, 64, 160);
+}
+
+void button::setSkinAsWinButton(WIDGET_CLASS_COLOR cls, float glyphU, float glyphV) {
+  setjustColor(cls);
+  setTiles(0, 48, 0, 64, 0, 80);
+  addLayer(glyphU, glyphV, WCC_ARROW);
 }
 
 void button::setSkinAsToolTip() {

@@ -58,6 +58,9 @@ class button : public panel {
   // Item look: the item tiles and colours; only the locked-down bit follows `checked`.
   void setSkinAsItem();
   void setSkinAsWinButtonClose();
+  // A window button's tiles in colour class `cls`, with the glyph at (glyphU, glyphV) of
+  // the sheet over them.
+  void setSkinAsWinButton(WIDGET_CLASS_COLOR cls, float glyphU, float glyphV);
   void setSkinAsToolTip();
 
   label* getCaptionPart() const { return captionPart; }

@@ -1,6 +1,7 @@
 #include "jev3d/gui/eventSchedule.h"
 
 #include "jev3d/gui/guiController.h"
+#include "jev3d/gui/menu.h"
 #include "jev3d/gui/widget.h"
 #include "jev3d/system/inputContext.h"
 #include "jev3d/system/winMain.h"
@@ -157,23 +158,23 @@ void eventSchedule::changeFocus(widget* w) {
   w->invokeDelegate(SYSTEM::FOCUS_GAINED, got);
 }
 
-void eventSchedule::showPopup(widget* menu, float x, float y) {
+void eventSchedule::showPopup(menu* popUp, float x, float y) {
   closePopupNow();
-  popup = menu;
-  menu->setPosition(x, y - menu->getHeight(), menu->position.z);
-  menu->visible = true;
-  menu->gotoInFirstPlane();
+  popup = popUp;
+  popUp->setPosition(x, y - popUp->getHeight(), popUp->position.z);
+  popUp->visible = true;
+  popUp->gotoInFirstPlane();
 }
 
 void eventSchedule::openPopup(inputEvent& event) {
   for (widget* w = event.target; w; w = w->getRedirect()) {
-    widget* menu = controller->getPopUpMenu(w);
-    if (menu && !w->getFlags().isFlagSet(WF_SKIP_NEXT_POPUP)) {
+    menu* popUp = w->getPopUpMenuPointer();
+    if (popUp && !w->getFlags().isFlagSet(WF_SKIP_NEXT_POPUP)) {
       if (w->getFlags().isFlagSet(WF_POPUP_AT_CORNER)) {
         const widget::point3f corner = w->getAbsolutePos();
-        showPopup(menu, corner.x, corner.y);
+        showPopup(popUp, corner.x, corner.y);
       } else {
-        showPopup(menu, event.x, event.y);
+        showPopup(popUp, event.x, event.y);
       }
     }
     w->getFlags().clearFlag(WF_SKIP_NEXT_POPUP);
@@ -182,7 +183,7 @@ void eventSchedule::openPopup(inputEvent& event) {
 
 void eventSchedule::closePopupNow() {
   if (!popup) return;
-  widget* open = popup;
+  menu* open = popup;
   popup = nullptr;
   open->close();
 }

@@ -9,6 +9,7 @@ namespace JEV {
 namespace GUI {
 
 class guiController;
+class menu;
 class widget;
 
 // Where queued input meets the widget tree. The window procedure hit-tests and queues;
@@ -50,11 +51,11 @@ class eventSchedule {
   const std::list<SYSTEM::EVENT_TYPE>& getEvaluated() const { return evaluated; }
 
   widget* getFocus() const { return focus; }
-  widget* getPopup() const { return popup; }
+  menu* getPopup() const { return popup; }
   // Called by a widget that goes away, so that no pointer here outlives it.
   void forget(widget* w);
-  // Opens `menu` at (x, y) as the popup, closing the one open.
-  void showPopup(widget* menu, float x, float y);
+  // Opens `popUp` with its top left corner at (x, y) as the popup, closing the one open.
+  void showPopup(menu* popUp, float x, float y);
   // Closes the open popup, whatever the target.
   void closePopupNow();
 
@@ -72,7 +73,7 @@ class eventSchedule {
 
   guiController* controller;
   widget* focus = nullptr;
-  widget* popup = nullptr;
+  menu* popup = nullptr;
   std::list<SYSTEM::EVENT_TYPE> evaluated;
   // The batch doSchedule is running, so that an erased widget can be taken out of it.
   SYSTEM::inputContext::eventQueue running;

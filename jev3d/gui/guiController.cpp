@@ -1,12 +1,15 @@
 #include "jev3d/gui/guiController.h"
 
 #include <algorithm>
+#include <iostream>
 
 #include "jev3d/gui/button.h"
 #include "jev3d/gui/buttongroup.h"
 #include "jev3d/gui/canvas.h"
 #include "jev3d/gui/checkbox.h"
 #include "jev3d/gui/combobox.h"
+#include "jev3d/gui/font.h"
+#include "jev3d/gui/fullscreentitlebar.h"
 #include "jev3d/gui/item.h"
 #include "jev3d/gui/label.h"
 #include "jev3d/gui/menu.h"
@@ -29,6 +32,7 @@
 namespace JEV {
 namespace GUI {
 
+using RENDERING::INSTANCING::textureInstance;
 using RENDERING::RENDERSTATE::renderStateEnums;
 
 namespace {
@@ -93,9 +97,17 @@ bool guiController::init(bool withTitleBar, bool withToolTip, const std::wstring
     desktop->rectHeight.connect(&renderingContext->windowHeight, true);
   }
   desktop->followRect();
-  // The full-screen title bar is a standard control; the window shows none until the
-  // controls exist, so `withTitleBar` has nothing to build yet.
-  (void)withTitleBar;
+  if (withTitleBar) {
+    auto* bar = make<fullscreentitlebar>(std::wstring(TITLE_BAR_ID), desktop);
+    fullScreenTitleBar = bar;
+    if (bar) {
+      setTopMost(bar, true);
+      bar->layout.setHorizontal(HA_CENTER);
+      bar->layout.horizontalOffset = 0;
+      bar->layout.setVertical(VA_TOP);
+      bar->layout.verticalOffset = 0;
+    }
+  }
   if (withToolTip) {
     auto* tip = static_cast<button*>(add(WC_BUTTON, std::wstring(TOOLTIP_ID), desktop));
     toolTip = tip;
@@ -115,6 +127,49 @@ bool guiController::init(bool withTitleBar, bool withToolTip, const std::wstring
   }
   canvases.assign(1, desktop);
   return true;
+}
+
+void guiController::addGuiCotroller(guiController* other, SYSTEM::winMain* win) {
+  if (!other || other == this) return;
+  if (!win) win = window;
+  guiMutex.wait(SYSTEM::INFINITE);
+  other->guiMutex.wait(SYSTEM::INFINITE);
+  std::vector<widget*> moved;
+  const std::vector<widget*> theirs(other->live.begin(), other->live.end());
+  const std::vector<canvas*> theirCanvases = other->canvases;
+  // The widgets move together: their redirects to each other stay.
+  other->discarding = true;
+  for (widget* w : theirs) {
+    if (widgets.isValid(w->getId())) {
+      std::cout << "Fail ADD: " << IO::XML::wstringToUtf8(w->getId()) << std::endl;
+      continue;
+    }
+    // Held here before the other registry lets go, so the widget lives on.
+    widgets.addEntry(w->getId(), other->widgets.getEntry(w->getId()));
+    other->forgetWidget(w);
+    other->live.erase(w);
+    other->widgets.erase(w->getId());
+    live.insert(w);
+    w->setOwner(this, win);
+    w->setColorTable(&colorTable);
+    moved.push_back(w);
+  }
+  other->discarding = false;
+  for (widget* w : moved) {
+    if (other->desktop && w->getParent() == other->desktop) {
+      // That desktop stays with its controller: the widgets on it come onto this one.
+      w->linker::disconnect();
+      w->connect(desktop, true);
+    }
+    if (w->isTopMost()) setTopMost(w, true);
+    if (w->getUseSchemaColor()) w->setjustColor(w->getClassColor());
+    for (canvas* c : theirCanvases) {
+      if (c == w) attachCanvas(c);
+    }
+  }
+  other->guiMutex.release();
+  guiMutex.release();
+  refresh();
 }
 
 void guiController::update() {
@@ -177,8 +232,27 @@ bool guiController::discard() {
   hoverToolTipWidget = nullptr;
   toolTip = nullptr;
   fullScreenTitleBar = nullptr;
+  // No widget uses a font any more; their glyphs leave the device now, while its context
+  // is still there.
+  RENDERING::renderer* device = renderingContext ? renderingContext->getRenderer() : nullptr;
+  for (auto& entry : fonts) {
+    if (entry.second && device) device->discardFont(entry.second.get());
+  }
+  fonts.clear();
   guiMutex.release();
   return true;
+}
+
+GUI::font* guiController::getFont(const std::wstring& id) {
+  auto found = fonts.find(id);
+  if (found != fonts.end()) return found->second.get();
+  std::unique_ptr<GUI::font> made;
+  RENDERING::renderer* device = renderingContext ? renderingContext->getRenderer() : nullptr;
+  if (id == L"ID_FONT1" && device) {
+    made.reset(new GUI::font(L"DejaVuSans", DEFAULT_FONT_SIZE));
+    if (!device->cacheFont(made.get())) made.reset();
+  }
+  return fonts.emplace(id, std::move(made)).first->second.get();
 }
 
 bool guiController::waitGuiMutex(unsigned long milliseconds) {
@@ -219,11 +293,19 @@ int guiController::getSkin() {
 
 void guiController::setSkin(int skin) {
   requestedSkin = skin;
+  // A client keeps every link it has made: the old sheet must go, or it stays the one
+  // drawn under the new name.
+  skinTexture.disconnectToResourceStorage();
   if (skin < 0 || skin >= skinCount) {
     // No texture on the unit: the widgets draw in their plain colours.
-    skinTexture.disconnectToResourceStorage();
+    skinTexture.environment.enable = false;
     return;
   }
+  skinTexture.environment.enable = true;
+  skinTexture.environment.mode = textureInstance::TEXTURE_MODULATE;
+  skinTexture.environment.wrapS = textureInstance::WRAP_CLAMP_TO_EDGE;
+  skinTexture.environment.wrapT = textureInstance::WRAP_CLAMP_TO_EDGE;
+  skinTexture.environment.filter = false;
   skinTexture.connectToResourceStorage(std::wstring(skinNames[skin]));
   refresh();
 }
@@ -395,6 +477,10 @@ canvas* guiController::getCanvas(const std::wstring& n) const {
 canvas* guiController::getCanvas(const std::string& n) const {
   return getCanvas(IO::XML::utf8ToWstring(n));
 }
+menu* guiController::getMenu(const std::wstring& n) const { return typed<menu>(n, WC_MENU); }
+menu* guiController::getMenu(const std::string& n) const {
+  return getMenu(IO::XML::utf8ToWstring(n));
+}
 
 bool guiController::isValid(const std::wstring& n) const { return widgets.isValid(n); }
 
@@ -456,11 +542,6 @@ void guiController::setTopMost(widget* w, bool on) {
   }
 }
 
-widget* guiController::getPopUpMenu(widget* w) const {
-  const std::wstring& menuName = w->getPopUpMenu();
-  return menuName.empty() ? nullptr : getWidget(menuName);
-}
-
 void guiController::setPopUpMenu(const std::wstring& menuName) {
   if (desktop) desktop->setPopUpMenu(menuName, false);
 }
@@ -488,6 +569,11 @@ bool guiController::eraseNowMT(widget* w) {
   const bool erased = eraseNow(w);
   guiMutex.release();
   return erased;
+}
+
+void guiController::widgetGone(widget* w) {
+  // Erased through the registry, it was forgotten already.
+  if (live.erase(w)) forgetWidget(w);
 }
 
 void guiController::forgetWidget(widget* w) {

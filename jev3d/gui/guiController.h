@@ -2,6 +2,8 @@
 
 #include <atomic>
 #include <list>
+#include <map>
+#include <memory>
 #include <string>
 #include <unordered_set>
 #include <utility>
@@ -40,7 +42,9 @@ class xmlElement;
 namespace GUI {
 
 class canvas;
+class font;
 class label;
+class menu;
 class panel;
 class widget;
 
@@ -76,6 +80,13 @@ class guiController : public SYSTEM::windowGui {
   guiController& operator=(const guiController&) = delete;
 
   bool init(bool withTitleBar, bool withToolTip, const std::wstring& name) override;
+  // Moves every widget of `other` into this controller, for `win` (this controller's
+  // window when null): each takes this controller's colours and window, the widgets on
+  // the other desktop come under this one, and the other's canvases are attached. A
+  // widget whose id is taken here (the other's desktop, tooltip and title bar among them)
+  // is reported on standard output with "Fail ADD: " and its id and stays with `other`.
+  // Takes both GUI locks; call it holding neither.
+  void addGuiCotroller(guiController* other, SYSTEM::winMain* win);
   void update() override;
   void render() override;
   bool discard() override;
@@ -119,6 +130,8 @@ class guiController : public SYSTEM::windowGui {
   label* getLabel(const std::string& name) const;
   canvas* getCanvas(const std::wstring& name) const;
   canvas* getCanvas(const std::string& name) const;
+  menu* getMenu(const std::wstring& name) const;
+  menu* getMenu(const std::string& name) const;
   bool isValid(const std::wstring& name) const;
   virtual int getWidgetsCount() const;
   // A name not in use.
@@ -197,8 +210,6 @@ class guiController : public SYSTEM::windowGui {
 
   // Marks a widget top-most in its canvas's set, or takes it out.
   void setTopMost(widget* w, bool on);
-  // The menu a right click on `w` opens, found by the id the widget holds, or null.
-  widget* getPopUpMenu(widget* w) const;
   // The desktop's menu.
   void setPopUpMenu(const std::wstring& menuName);
   void removePopUpMenu();
@@ -219,6 +230,15 @@ class guiController : public SYSTEM::windowGui {
   void showToolTip();
   widget* getToolTip() const { return toolTip; }
   widget* getHoverToolTipWidget() const { return hoverToolTipWidget; }
+
+  // The font of a caption by its id, on the window's device, or null when the device
+  // cannot make it. There is no font storage: "ID_FONT1" is the renderer's default face,
+  // DejaVuSans at DEFAULT_FONT_SIZE pixels, and other ids have no font (no text).
+  GUI::font* getFont(const std::wstring& id);
+  static constexpr int DEFAULT_FONT_SIZE = 12;
+  // Called by a widget's destructor: drops every pointer the controller, the schedule and
+  // the input context still hold to it.
+  void widgetGone(widget* w);
 
   SYSTEM::inputContext* getInputContext() const { return inputContext; }
   SYSTEM::winMain* getWinMain() const { return window; }
@@ -263,6 +283,8 @@ class guiController : public SYSTEM::windowGui {
   std::unordered_set<widget*> live;
   bool discarding = false;
   std::wstring name;
+  // Fonts by id; a null entry is one the device could not make, not asked again.
+  std::map<std::wstring, std::unique_ptr<GUI::font>> fonts;
 
  private:
   bool failProject(const std::wstring& message);

@@ -85,6 +85,11 @@ void menu::setWidth(float width) {
   layoutItems();
 }
 
+void menu::doRefresh() {
+  panel::doRefresh();
+  layoutItems();
+}
+
 void menu::layoutItems() {
   const float height = margin[2] + margin[3] + item::itemHeight * float(items.size());
   panel::setSize(size.x, std::max(height, sizeMin.y));

@@ -49,6 +49,8 @@ class menu : public panel {
   // The item that opens this menu, or null for a menu opened by itself.
   item* getOpener() const { return opener; }
   void setWidth(float width) override;
+  // A refreshed item may have changed: the items are stacked again.
+  void doRefresh() override;
 
   bool notClosable = false;
 

@@ -7,6 +7,8 @@
 #include <unordered_set>
 
 #include "jev3d/gui/guiColorTable.h"
+#include "jev3d/gui/guiController.h"
+#include "jev3d/gui/menu.h"
 #include "jev3d/renderer/renderStateStack.h"
 #include "jev3d/renderer/renderer.h"
 #include "jev3d/renderer/renderingContext.h"
@@ -115,6 +117,8 @@ widget::~widget() {
     device->discardVertexBuffer(&vertexBuffer);
     device->discardIndexBuffer(&indexBuffer);
   }
+  // No focus, popup, hover, queued event or list of the controller may name it after.
+  if (controller) controller->widgetGone(this);
 }
 
 bool widget::addSlave(linker* slave) {
@@ -198,6 +202,15 @@ void widget::invokeDelegateAndRedirect(SYSTEM::EVENT_TYPE type, const SYSTEM::in
 void widget::refresh() {
   stateFlags.setFlag(WF_REFRESH);
   askRepaint();
+  // A group stacks its widgets by their sizes: it lays them out again. A tree view lays
+  // out its own items.
+  if (widgetClass == WC_TREEVIEW) return;
+  for (widget* w = parentWidget; w; w = w->parentWidget) {
+    if (w->widgetClass == WC_WIDGETGROUP || w->widgetClass == WC_MENU) {
+      w->refresh();
+      return;
+    }
+  }
 }
 
 void widget::askRepaint() {
@@ -366,11 +379,21 @@ void widget::adjustUV(float u, float v) {
 
 void widget::_adjustUV(RENDERING::renderer* target) {
   const float step[4] = {0, skinBorder, skinTile - skinBorder, skinTile};
+  float us[4], vs[4];
+  for (int i = 0; i < 4; ++i) {
+    us[i] = (uv[0] + step[i]) / skinSize;
+    vs[i] = (uv[1] + step[i]) / skinSize;
+  }
+  writeTexCoords(target, us, vs);
+}
+
+void widget::writeTexCoords(RENDERING::renderer* target, const float (&us)[4],
+                            const float (&vs)[4]) {
   for (int row = 0; row < 4; ++row) {
     for (int column = 0; column < 4; ++column) {
       float* t = patchTexCoords + 2 * (row * 4 + column);
-      t[0] = (uv[0] + step[column]) / skinSize;
-      t[1] = (uv[1] + step[row]) / skinSize;
+      t[0] = us[column];
+      t[1] = vs[row];
     }
   }
   stateFlags.clearFlag(WF_UV_CHANGED);
@@ -417,6 +440,8 @@ void widget::render(RENDERING::renderingContext* rc) {
   if (stateFlags.isFlagSet(WF_VALUE_CHANGED)) computeVChange();
   if (target) {
     cachePatch(target);
+    if (!font.font && !font.idFont.empty() && controller)
+      font.font = controller->getFont(font.idFont);
     if (autosizePending) onCaptionAutosize();
   }
   if (stateFlags.isFlagSet(WF_VERTEX_CHANGED)) _adjustVertex(target);
@@ -427,8 +452,12 @@ void widget::render(RENDERING::renderingContext* rc) {
 }
 
 void widget::drawPatch(RENDERING::renderingContext* rc) {
+  if (shadow != WS_NO_BACKGROUND) drawPatchGeometry(rc);
+}
+
+void widget::drawPatchGeometry(RENDERING::renderingContext* rc) {
   RENDERING::renderer* target = rc ? rc->getRenderer() : nullptr;
-  if (!target || !patchCached || shadow == WS_NO_BACKGROUND) return;
+  if (!target || !patchCached) return;
   target->renderIndexedGeometry(RENDERING::renderer::DRAW_TRIANGLES, &vertexBuffer, &indexBuffer, 0,
                                 patchIndexCount);
 }
@@ -436,27 +465,39 @@ void widget::drawPatch(RENDERING::renderingContext* rc) {
 bool widget::preRender() const {
   for (const widget* w = this; w; w = w->parentWidget) {
     if (!w->visible.cV()) return false;
+    // An ancestor drawing its children passed this test itself this frame.
+    if (w->parentWidget && w->parentWidget->walkingChildren) return true;
   }
   return true;
 }
 
 void widget::postRender(RENDERING::renderingContext* rc) {
   RENDERING::RENDERSTATE::renderStateStack* stack = rc ? rc->getRenderStateStack() : nullptr;
-  if (stack && getSlavesCount() > 0) {
-    const point3f a = getAbsolutePos();
-    computedClip[0] = std::max(0, int(a.x + margin[0]));
-    computedClip[1] = std::max(0, int(a.y + margin[3]));
-    computedClip[2] = std::max(0, int(size.x - margin[0] - margin[1]));
-    computedClip[3] = std::max(0, int(size.y - margin[2] - margin[3]));
-    scissor.set(computedClip[0], computedClip[1], computedClip[2], computedClip[3], true, true);
+  if (stack && !slaves.empty()) {
+    // Where render() has just placed the widget.
+    const point3f& a = absoluteClip[0];
+    const int clip[4] = {std::max(0, int(a.x + margin[0])), std::max(0, int(a.y + margin[3])),
+                         std::max(0, int(size.x - margin[0] - margin[1])),
+                         std::max(0, int(size.y - margin[2] - margin[3]))};
+    // The same rectangle as last frame asks nothing of the scissor, whose fields would
+    // notify on every write.
+    if (!scissorSet || !std::equal(clip, clip + 4, computedClip)) {
+      std::copy(clip, clip + 4, computedClip);
+      scissor.set(computedClip[0], computedClip[1], computedClip[2], computedClip[3], true, true);
+      scissorSet = true;
+    }
     // The push computes the clip against the scissor in force; nothing left, no children.
     if (stack->pushState(RENDERING::RENDERSTATE::renderStateEnums::SCISSOR_STATE, &scissor, true)) {
-      for (linker* child : getSlavesCopy()) {
+      // A snapshot in a buffer kept from frame to frame: no allocation in the steady state.
+      renderWalk.assign(slaves.begin(), slaves.end());
+      walkingChildren = true;
+      for (linker* child : renderWalk) {
         auto* w = static_cast<widget*>(child);
         if (!w->preRender()) continue;
         w->render(rc);
         w->postRender(rc);
       }
+      walkingChildren = false;
     }
     stack->popState(RENDERING::RENDERSTATE::renderStateEnums::SCISSOR_STATE, true);
   }
@@ -486,11 +527,15 @@ bool widget::preUpdate(RENDERING::renderingContext*, SYSTEM::updateContext* uc) 
 void widget::update(RENDERING::renderingContext*, SYSTEM::updateContext*) {}
 
 void widget::postUpdate(RENDERING::renderingContext* rc, SYSTEM::updateContext* uc) {
-  for (linker* child : getSlavesCopy()) {
-    auto* w = static_cast<widget*>(child);
-    if (w->preUpdate(rc, uc)) {
-      w->update(rc, uc);
-      w->postUpdate(rc, uc);
+  if (!slaves.empty()) {
+    // A delegate run by a child's update may change the list: walk a snapshot.
+    updateWalk.assign(slaves.begin(), slaves.end());
+    for (linker* child : updateWalk) {
+      auto* w = static_cast<widget*>(child);
+      if (w->preUpdate(rc, uc)) {
+        w->update(rc, uc);
+        w->postUpdate(rc, uc);
+      }
     }
   }
   afterChildrenUpdate(rc, uc);
@@ -691,6 +736,8 @@ void widget::setIdFont(const std::string& fontId) {
 
 void widget::setIdFont(const std::wstring& fontId) {
   font.idFont = fontId;
+  // Found again by the new id at the next render.
+  font.font = nullptr;
   onIdFontChange();
   askRepaint();
 }
@@ -826,16 +873,47 @@ widget* widget::attached(widget* parent) {
 
 void widget::disconnect(widget*) {}
 
+void widget::setPopUpMenu(menu* popUp, bool atCorner) {
+  popUpMenu = popUp;
+  popUpMenuName = popUp ? popUp->getId() : std::wstring();
+  stateFlags.setFlag(WF_POPUP_AT_CORNER, atCorner);
+}
+
 void widget::setPopUpMenu(const std::wstring& menuId, bool atCorner) {
+  popUpMenu = nullptr;
   popUpMenuName = menuId;
   stateFlags.setFlag(WF_POPUP_AT_CORNER, atCorner);
 }
 
 const std::wstring& widget::getPopUpMenu() const { return popUpMenuName; }
 
+menu* widget::getPopUpMenuPointer() {
+  if (!controller) return popUpMenu;
+  return popUpMenuName.empty() ? nullptr : controller->getMenu(popUpMenuName);
+}
+
+const menu* widget::getPopUpMenuPointer() const {
+  return const_cast<widget*>(this)->getPopUpMenuPointer();
+}
+
 void widget::removePopUpMenu() {
+  popUpMenu = nullptr;
   popUpMenuName.clear();
   stateFlags.clearFlag(WF_POPUP_AT_CORNER);
+}
+
+void widget::showPopUpMenu(float x, float y) {
+  if (menu* m = getPopUpMenuPointer()) m->popup(x, y);
+}
+
+void widget::closePopUpMenu() {
+  menu* m = getPopUpMenuPointer();
+  if (!m) return;
+  if (controller && controller->getSchedule().getPopup() == m) {
+    controller->getSchedule().closePopupNow();
+  } else {
+    m->close();
+  }
 }
 
 void widget::close() { visible = false; }
@@ -883,6 +961,14 @@ void widget::gotoInFirstPlane() {
     if (!parent->slaves.empty() && parent->slaves.back() == w) continue;
     parent->removeSlave(w);
     parent->slaves.push_back(w);
+  }
+}
+
+void widget::gotoInFirstPlaneNextRender() {
+  if (controller) {
+    controller->gotoInFirstPlaneNextRender(this);
+  } else {
+    gotoInFirstPlane();
   }
 }
 

@@ -1,8 +1,8 @@
 #pragma once
 
 #include <list>
-#include <utility>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "jev3d/fields/fieldBase.h"
@@ -43,6 +43,7 @@ namespace GUI {
 class guiController;
 class guiColorTable;
 class label;
+class menu;
 
 // The state bits of a widget (its second flag word).
 enum WIDGET_STATE_FLAG : int {
@@ -150,7 +151,8 @@ class widget : public SYSTEM::linkerBase<SYSTEM::dummyLinkerType> {
   virtual void registerDropFileEventCallBack(SYSTEM::dropFileEventDelegate& d);
   virtual void unRegisterDropFileEventCallBack(SYSTEM::dropFileEventDelegate& d);
   virtual void unRegisterAllDropFileEventCallBack();
-  // Sets the refresh bit, and asks the window for a frame.
+  // Sets the refresh bit, and asks the window for a frame; the enclosing group (a menu)
+  // lays its widgets out again.
   virtual void refresh();
   virtual void setOrientation(WIDGET_ORIENTATION value);
   virtual WIDGET_ORIENTATION getOrientation() const;
@@ -228,10 +230,16 @@ class widget : public SYSTEM::linkerBase<SYSTEM::dummyLinkerType> {
   using linker::disconnect;
   // Runs the uploads the state bits ask for; subclasses draw after it.
   virtual void render(RENDERING::renderingContext* rc);
-  // The popup menu by its widget id; with `atCorner` it opens at the widget's corner
-  // instead of at the mouse (bit 10). The menus themselves are the controller's.
+  // The menu a right click opens; with `atCorner` it opens at the widget's corner instead
+  // of at the mouse (bit 10). A widget of a controller holds the menu by its id and finds
+  // it in the registry when it opens, so an erased menu is never reached; one outside any
+  // controller holds the pointer.
+  virtual void setPopUpMenu(menu* popUp, bool atCorner);
   virtual void setPopUpMenu(const std::wstring& menuId, bool atCorner);
   virtual const std::wstring& getPopUpMenu() const;
+  // The menu, or null when none is set or the id names no menu.
+  virtual menu* getPopUpMenuPointer();
+  virtual const menu* getPopUpMenuPointer() const;
   virtual void removePopUpMenu();
   // Absolute position: the sum of the positions up to the root.
   virtual point3f getAbsolutePos() const;
@@ -323,6 +331,12 @@ class widget : public SYSTEM::linkerBase<SYSTEM::dummyLinkerType> {
   // Moves the widget, and each ancestor marked for it (bit 27), to the front of its
   // parent, unless the parent is a menu or a widget group.
   void gotoInFirstPlane();
+  // The same at the controller's next render, outside any walk of the child lists; at
+  // once for a widget outside any controller.
+  void gotoInFirstPlaneNextRender();
+  // Opens the widget's menu at (x, y) as the open popup; closes it if it is the one open.
+  void showPopUpMenu(float x, float y);
+  void closePopUpMenu();
   void setUserString(const std::wstring& s) { userString = s; }
   void setUserString2(const std::wstring& s) { userString2 = s; }
   void setUserString3(const std::wstring& s) { userString3 = s; }
@@ -362,6 +376,12 @@ class widget : public SYSTEM::linkerBase<SYSTEM::dummyLinkerType> {
   void setRegisterEventMultithreading(bool on) { registerMultithreading = on; }
   // The table setjustColor reads; the controller hands it over when it adds the widget.
   void setColorTable(const guiColorTable* table) { colorTable = table; }
+  // The controller and window the widget now belongs to, as a controller taking another's
+  // widgets sets them.
+  void setOwner(guiController* owner, SYSTEM::winBase* win) {
+    controller = owner;
+    window = win;
+  }
 
   // The patch as last written: positions (x, y, z), skin coordinates (u, v) and colours.
   const float* getPatchPositions() const { return patchPositions; }
@@ -406,6 +426,11 @@ class widget : public SYSTEM::linkerBase<SYSTEM::dummyLinkerType> {
   void askRepaint();
   // Draws the patch (9 quads) unless the shadow says no background.
   void drawPatch(RENDERING::renderingContext* rc);
+  // Draws the patch whatever the shadow says, with the texture bound now.
+  void drawPatchGeometry(RENDERING::renderingContext* rc);
+  // Writes the patch's texture coordinates from its four columns and four rows, and
+  // uploads them when there is a device.
+  void writeTexCoords(RENDERING::renderer* device, const float (&us)[4], const float (&vs)[4]);
   // The hook postUpdate runs after the children; empty in the base.
   virtual void afterChildrenUpdate(RENDERING::renderingContext* rc, SYSTEM::updateContext* uc);
   // colorNormal, colorHighlighted, colorDisabled, colorDown by table index.
@@ -453,6 +478,7 @@ class widget : public SYSTEM::linkerBase<SYSTEM::dummyLinkerType> {
   float uv[2] = {48, 0};
   SYSTEM::flags<int> stateFlags;
   std::wstring popUpMenuName;
+  menu* popUpMenu = nullptr;
   RENDERING::vertexDeclaration declaration;
   RENDERING::vertexBuffer vertexBuffer;
   RENDERING::indexBuffer indexBuffer;
@@ -464,6 +490,13 @@ class widget : public SYSTEM::linkerBase<SYSTEM::dummyLinkerType> {
 
  private:
   bool registerMultithreading = false;
+  // The child lists the render and update walks run over, reused from frame to frame.
+  std::vector<linker*> renderWalk;
+  std::vector<linker*> updateWalk;
+  // computedClip has been given to the scissor.
+  bool scissorSet = false;
+  // True while postRender draws the children, so that theirs need not test this widget.
+  bool walkingChildren = false;
   bool patchCached = false;
   bool autosizePending = false;
   // The device the patch buffers live on, known from the first render.

@@ -8,6 +8,7 @@
 #include "jev3d/platform/messages.h"
 #include "jev3d/renderer/renderer.h"
 #include "jev3d/renderer/renderingContext.h"
+#include "jev3d/resources/textureStorage.h"
 #include "jev3d/system/callBack.h"
 #include "jev3d/system/event.h"
 #include "jev3d/system/inputContext.h"
@@ -331,7 +332,11 @@ bool application::createJEVWindowStep1(winMain* win, windowProcedure procedure) 
   waitToAddMutex.release();
 
   device->init();
-  // Default textures and fonts load here, unless skipped, once their storages exist.
+  // The skins and icons; a failure has said why on the error stream and the window goes
+  // on with plain colours. There is no font storage: captions use the renderer's face.
+  if (!win->skipDefaultTextures) {
+    if (CORE::textureStorage* textures = ctx.getTextureStorage()) textures->loadDefaultTexture();
+  }
   if (win->gui) win->gui->init(true, true, L"");
 
   p.showWindow(hWnd, SW_HIDE);

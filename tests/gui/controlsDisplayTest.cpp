@@ -13,6 +13,7 @@
 #include "jev3d/gui/combobox.h"
 #include "jev3d/gui/guiController.h"
 #include "jev3d/gui/panel.h"
+#include "jev3d/gui/picturebox.h"
 #include "jev3d/gui/progressbar.h"
 #include "jev3d/gui/radiobutton.h"
 #include "jev3d/gui/scrollbar.h"
@@ -99,6 +100,8 @@ class controlsWindow : public testDisplay::readBackWindow {
     add<separator>(gui, WC_SEPARATOR, L"line", 10, 30, 300, 10);
     add<tab>(gui, WC_TAB, L"pages", 220, 100, 90, 60)->addTab(L"Mesh");
     add<combobox>(gui, WC_COMBOBOX, L"choice", 220, 60, 90, 22)->addItem(L"PLY");
+    add<picturebox>(gui, WC_PICTUREBOX, L"help", 150, 120, 32, 32)->setIcon(widget::ICON_HELP);
+    add<picturebox>(gui, WC_PICTUREBOX, L"none", 188, 120, 16, 32)->setIcon(widget::ICON_NULL);
   }
 
   panel* board = nullptr;
@@ -123,6 +126,18 @@ int darkPixels(const controlsWindow& win, int x0, int y0, int x1, int y1) {
 
 bool blueish(const rgb& p) { return p.b > p.r + 40 && p.b > p.g + 40; }
 
+int bluePixels(const controlsWindow& win, int x0, int y0, int x1, int y1) {
+  int n = 0;
+  for (int y = y0; y < y1; ++y) {
+    for (int x = x0; x < x1; ++x) n += blueish(win.at(x, y)) ? 1 : 0;
+  }
+  return n;
+}
+
+bool differs(const rgb& a, const rgb& b) {
+  return std::abs(a.r - b.r) + std::abs(a.g - b.g) + std::abs(a.b - b.b) > 24;
+}
+
 }  // namespace
 
 TEST(controlsOnDisplay, eachControlShowsItsSkinTilesAtChosenPixels) {
@@ -141,6 +156,9 @@ TEST(controlsOnDisplay, eachControlShowsItsSkinTilesAtChosenPixels) {
   const rgb push = win.at(80, 212);
   EXPECT_NEAR(push.r, tinted(235, win.buttonColor.r), 6);
   EXPECT_NEAR(push.b, tinted(235, win.buttonColor.b), 6);
+  // Captions are drawn in "ID_FONT1": the button's and the check boxes' words show ink.
+  EXPECT_GT(darkPixels(win, 30, 204, 78, 220), 20) << "the button's caption";
+  EXPECT_GT(darkPixels(win, 120, 202, 200, 218), 20) << "the check box's caption";
 
   // Check marks: a tick in the checked box, none in the unchecked one.
   EXPECT_GT(darkPixels(win, 100, 202, 116, 218), 6);
@@ -158,10 +176,30 @@ TEST(controlsOnDisplay, eachControlShowsItsSkinTilesAtChosenPixels) {
   EXPECT_FALSE(blueish(win.at(110, 140)));
 
   // The scroll bar's cursor is a quarter of the bar (168 pixels) long, from its start.
+  // Between the arrow buttons, 16 pixels at each end.
   int cursorPixels = 0;
-  for (int x = 10; x < 210; ++x) cursorPixels += blueish(win.at(x, 98)) ? 1 : 0;
+  for (int x = 26; x < 194; ++x) cursorPixels += blueish(win.at(x, 98)) ? 1 : 0;
   EXPECT_NEAR(cursorPixels, 42, 3);
   EXPECT_TRUE(blueish(win.at(10 + 16 + 2 + 21, 98)));
+  // Its arrow buttons show their arrow icons, as does the combo box's.
+  EXPECT_GT(bluePixels(win, 10, 90, 26, 106), 8) << "the left arrow";
+  EXPECT_GT(bluePixels(win, 194, 90, 210, 106), 8) << "the right arrow";
+  EXPECT_GT(bluePixels(win, 290, 62, 310, 80), 8) << "the combo box's arrow";
+
+  // A picture box draws its icon over the box, stretched to it, and nothing around it;
+  // the null icon draws nothing at all.
+  int inked = 0;
+  for (int y = 120; y < 152; ++y) {
+    for (int x = 150; x < 182; ++x) inked += differs(win.at(x, y), board) ? 1 : 0;
+  }
+  EXPECT_GT(inked, 100) << "the help icon";
+  for (int y = 116; y < 156; ++y) {
+    EXPECT_FALSE(differs(win.at(147, y), board)) << y;
+    EXPECT_FALSE(differs(win.at(184, y), board)) << y;
+  }
+  for (int y = 120; y < 152; ++y) {
+    for (int x = 188; x < 204; ++x) EXPECT_FALSE(differs(win.at(x, y), board)) << x << " " << y;
+  }
 
   // The progress bar's fill covers the first half of its inside, in the accent colour.
   const rgb filled = win.at(40, 60);
@@ -170,8 +208,9 @@ TEST(controlsOnDisplay, eachControlShowsItsSkinTilesAtChosenPixels) {
   EXPECT_NEAR(empty.r, empty.b, 10);
   EXPECT_GT(empty.r, 150);
 
-  // The selected tab head wears the checked tile (a bluish grey); its page is a panel.
-  const rgb head = win.at(260, 149);
+  // The selected tab head wears the checked tile (a bluish grey), left of its title; its
+  // page is a panel.
+  const rgb head = win.at(228, 149);
   EXPECT_GT(head.b, head.r + 12);
   const rgb page = win.at(265, 120);
   EXPECT_NEAR(page.r, board.r, 6);

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <chrono>
 #include <string>
 #include <thread>
@@ -9,7 +10,11 @@
 
 #include "jev3d/gui/button.h"
 #include "jev3d/gui/canvas.h"
+#include "jev3d/gui/font.h"
+#include "jev3d/gui/fullscreentitlebar.h"
+#include "jev3d/gui/item.h"
 #include "jev3d/gui/label.h"
+#include "jev3d/gui/menu.h"
 #include "jev3d/gui/panel.h"
 #include "jev3d/gui/picturebox.h"
 #include "jev3d/gui/widget.h"
@@ -67,6 +72,12 @@ class guiControllerTest : public guiWindowTest {
     p->setRect2D(x, y, 60, 40);
     return p;
   }
+  // A menu of the desktop, hidden until it opens.
+  menu* addMenu(const std::wstring& id) {
+    auto* m = static_cast<menu*>(gui->add(WC_MENU, id, nullptr));
+    EXPECT_NE(m, nullptr);
+    return m;
+  }
   void listen(widget* w, listener& l, std::initializer_list<EVENT_TYPE> types) {
     delegates.emplace_back(&l, &listener::onEvent);
     for (EVENT_TYPE t : types) w->registerInputEventCallBack(t, delegates.back());
@@ -99,7 +110,8 @@ TEST_F(guiControllerTest, initBuildsADesktopThatFollowsTheWindow) {
     EXPECT_EQ(tip->getId(), L"GUICONTROLLER_WIDGET_TOOLTIPS");
     EXPECT_FALSE(tip->isVisible());
     EXPECT_TRUE(tip->isTopMost());
-    EXPECT_EQ(desktop->getTopMost().size(), 1u);
+    // It and the full-screen title bar are the desktop's top-most widgets.
+    EXPECT_EQ(desktop->getTopMost().size(), 2u);
     // A button in the tooltip's skin, its caption centred alone.
     ASSERT_EQ(tip->getClass(), WC_BUTTON);
     auto* tipButton = static_cast<button*>(tip);
@@ -128,8 +140,9 @@ TEST_F(guiControllerTest, registryAndFactoryByName) {
     EXPECT_EQ(gui->add(WC_LABEL, L"L2", p)->getClass(), WC_LABEL);
     EXPECT_EQ(gui->add(WC_WIDGET, L"W", p)->getClass(), WC_WIDGET);
     EXPECT_EQ(gui->add(WIDGET_CLASS(24), L"X", p), nullptr);
-    // Desktop, tooltip with its caption and icon parts, P, its label, L2, W.
-    EXPECT_EQ(gui->getWidgetsCount(), 8);
+    // Desktop, tooltip with its caption and icon parts, the title bar with its caption
+    // and three buttons of four widgets each, P, its label, L2, W.
+    EXPECT_EQ(gui->getWidgetsCount(), 22);
 
     EXPECT_TRUE(gui->eraseNow(p));
     EXPECT_FALSE(gui->isValid(L"P"));
@@ -138,6 +151,7 @@ TEST_F(guiControllerTest, registryAndFactoryByName) {
     EXPECT_EQ(gui->getWidgetsCount(), 0);
     EXPECT_TRUE(gui->getCanvases().empty());
     EXPECT_EQ(gui->getToolTip(), nullptr);
+    EXPECT_EQ(gui->getWidget(std::wstring(guiController::TITLE_BAR_ID)), nullptr);
   });
 }
 
@@ -289,33 +303,35 @@ TEST_F(guiControllerTest, aPopupOpensOnRightClickAndClosesOnAnOutsideClick) {
     gui->update();
     panel* owner = addPanelAt(L"owner", 10, 10);
     panel* other = addPanelAt(L"other", 200, 10);
-    panel* menu = addPanelAt(L"menu", 0, 0);
-    panel* entry = addPanelAt(L"entry", 0, 0, menu);
-    menu->visible = false;
-    owner->setPopUpMenu(L"menu", false);
+    menu* popUp = addMenu(L"menu");
+    item* entry = popUp->addItem(widget::ICON_NULL, L"entry");
+    owner->setPopUpMenu(popUp, false);
+    EXPECT_EQ(owner->getPopUpMenu(), L"menu");
+    EXPECT_EQ(owner->getPopUpMenuPointer(), popUp);
     listener onOther(&log, "other");
     listen(other, onOther, {SYSTEM::MOUSE_LEFT_DOWN});
 
     rightClickAt(30, 30);
     gui->update();
-    EXPECT_EQ(gui->getSchedule().getPopup(), menu);
-    EXPECT_TRUE(menu->isVisible());
-    EXPECT_EQ(menu->getPositionX(), 30.0f);
-    EXPECT_EQ(menu->getPositionY(), 30.0f - menu->getHeight());
+    EXPECT_EQ(gui->getSchedule().getPopup(), popUp);
+    EXPECT_TRUE(popUp->isVisible());
+    EXPECT_EQ(popUp->getPositionX(), 30.0f);
+    EXPECT_EQ(popUp->getPositionY(), 30.0f - popUp->getHeight());
 
-    // A click inside the menu keeps it open.
-    // The menu hangs below the click, partly off the window: aim at its visible part.
-    const widget::point3f inside = entry->getAbsolutePos() + widget::point3f(2, 30, 0);
+    // A click inside the menu, on its bottom margin below the item, keeps it open.
+    const widget::point3f onEntry = entry->getAbsolutePos() + widget::point3f(20, 5, 0);
+    EXPECT_EQ(gui->getWidgetBelowMouse(onEntry.x, onEntry.y), entry);
+    const widget::point3f inside = popUp->getAbsolutePos() + widget::point3f(20, 1, 0);
     ASSERT_GE(inside.y, 0.0f);
-    EXPECT_EQ(gui->getWidgetBelowMouse(inside.x, inside.y), entry);
+    EXPECT_EQ(gui->getWidgetBelowMouse(inside.x, inside.y), popUp);
     leftClickAt(int(inside.x), int(inside.y));
     gui->update();
-    EXPECT_TRUE(menu->isVisible());
+    EXPECT_TRUE(popUp->isVisible());
 
     // Outside, it closes, and the click still reaches the widget below.
     leftClickAt(220, 20);
     gui->update();
-    EXPECT_FALSE(menu->isVisible());
+    EXPECT_FALSE(popUp->isVisible());
     EXPECT_EQ(gui->getSchedule().getPopup(), nullptr);
     EXPECT_EQ(log, (std::vector<std::string>{"other 15"}));
 
@@ -323,7 +339,7 @@ TEST_F(guiControllerTest, aPopupOpensOnRightClickAndClosesOnAnOutsideClick) {
     owner->getFlags().setFlag(WF_SKIP_NEXT_POPUP);
     rightClickAt(30, 30);
     gui->update();
-    EXPECT_FALSE(menu->isVisible());
+    EXPECT_FALSE(popUp->isVisible());
     EXPECT_FALSE(owner->getFlags().isFlagSet(WF_SKIP_NEXT_POPUP));
   });
 }
@@ -334,10 +350,8 @@ TEST_F(guiControllerTest, aRedirectsMenuIsTheOneThatStaysOpen) {
     panel* control = addPanelAt(L"control", 10, 10);
     panel* part = addPanelAt(L"part", 0, 0, control);
     part->setRedirect(control);
-    panel* partMenu = addPanelAt(L"partMenu", 0, 0);
-    panel* controlMenu = addPanelAt(L"controlMenu", 0, 0);
-    partMenu->visible = false;
-    controlMenu->visible = false;
+    menu* partMenu = addMenu(L"partMenu");
+    menu* controlMenu = addMenu(L"controlMenu");
     part->setPopUpMenu(L"partMenu", false);
     control->setPopUpMenu(L"controlMenu", true);
     rightClickAt(15, 15);
@@ -496,6 +510,246 @@ TEST_F(guiControllerTest, widgetsErasedDuringAScheduleAreNotTouchedAfterwards) {
   });
 }
 
+TEST_F(guiControllerTest, anErasedWidgetLeavesNoPointerInTheControllersLists) {
+  run([&] {
+    gui->update();
+    panel* gone = addPanelAt(L"gone", 10, 10);
+    panel* stays = addPanelAt(L"stays", 200, 10);
+    menu* popUp = addMenu(L"goneMenu");
+    popUp->addItem(widget::ICON_NULL, L"entry");
+    gone->setToolTip(L"tip");
+    gone->setOnFocusOnClick(true);
+    gone->setPopUpMenu(popUp, false);
+    stays->setRedirect(gone);
+    // Focus, the open popup, the tooltip's hover, the next render's front list and a
+    // queued event all name the two widgets that go.
+    rightClickAt(20, 30);
+    gui->update();
+    ASSERT_EQ(gui->getFocusedWidget(), gone);
+    ASSERT_EQ(gui->getSchedule().getPopup(), popUp);
+    ASSERT_EQ(gui->getHoverToolTipWidget(), gone);
+    gone->gotoInFirstPlaneNextRender();
+    gui->simulateInputEvent(SYSTEM::KEY_DOWN, SYSTEM::sharedPointer<inputEvent>(
+                                                  new inputEvent(SYSTEM::KEY_DOWN, gone, nullptr)));
+    EXPECT_TRUE(gui->eraseNow(popUp));
+    EXPECT_EQ(gui->getSchedule().getPopup(), nullptr);
+    EXPECT_EQ(gone->getPopUpMenuPointer(), nullptr) << "the id names nothing now";
+    EXPECT_TRUE(gui->eraseNow(gone));
+    EXPECT_EQ(gui->getFocusedWidget(), nullptr);
+    EXPECT_EQ(gui->getHoverToolTipWidget(), nullptr);
+    EXPECT_EQ(stays->getRedirect(), nullptr);
+    EXPECT_EQ(win.getInputContext()->widgetBelowMouse, nullptr);
+    // Nothing reaches freed memory (the sanitizer build checks it) and the rest goes on.
+    gui->update();
+    gui->render();
+    leftClickAt(220, 20);
+    gui->update();
+    EXPECT_EQ(gui->getWidgetBelowMouse(220, 20), stays);
+    EXPECT_EQ(gui->getWidgetBelowMouse(20, 30), nullptr);
+  });
+}
+
+TEST_F(guiControllerTest, gotoInFirstPlaneNextRenderWaitsForTheRender) {
+  run([&] {
+    gui->update();
+    panel* back = addPanelAt(L"back", 10, 10);
+    panel* front = addPanelAt(L"front", 10, 10);
+    canvas* desktop = gui->getDesktop();
+    const int count = desktop->getSlavesCount();
+    ASSERT_EQ(desktop->getChildAt(count - 1), front);
+    back->gotoInFirstPlaneNextRender();
+    EXPECT_EQ(desktop->getChildAt(count - 1), front) << "not while a walk may run";
+    EXPECT_EQ(gui->getWidgetBelowMouse(20, 20), front);
+    gui->render();
+    EXPECT_EQ(desktop->getChildAt(count - 1), back);
+    EXPECT_EQ(gui->getWidgetBelowMouse(20, 20), back);
+  });
+}
+
+TEST_F(guiControllerTest, popUpMenusAreMenusFoundByTheirId) {
+  run([&] {
+    gui->update();
+    panel* owner = addPanelAt(L"owner", 10, 10);
+    addPanelAt(L"notAMenu", 100, 100);
+    owner->setPopUpMenu(L"notAMenu", false);
+    EXPECT_EQ(owner->getPopUpMenuPointer(), nullptr);
+    rightClickAt(20, 20);
+    gui->update();
+    EXPECT_EQ(gui->getSchedule().getPopup(), nullptr) << "a panel is no menu";
+    // Named before it exists, the menu is found once it is made.
+    owner->setPopUpMenu(L"later", true);
+    menu* later = addMenu(L"later");
+    const widget* constOwner = owner;
+    EXPECT_EQ(constOwner->getPopUpMenuPointer(), later);
+    owner->showPopUpMenu(40, 200);
+    EXPECT_EQ(gui->getSchedule().getPopup(), later);
+    EXPECT_TRUE(later->isVisible());
+    EXPECT_EQ(later->getPositionX(), 40.0f);
+    owner->closePopUpMenu();
+    EXPECT_EQ(gui->getSchedule().getPopup(), nullptr);
+    EXPECT_FALSE(later->isVisible());
+  });
+}
+
+TEST_F(guiControllerTest, aRefreshedItemIsStackedAgainByItsMenu) {
+  run([&] {
+    gui->update();
+    menu* m = addMenu(L"m");
+    item* first = m->addItem(widget::ICON_NULL, L"first");
+    item* second = m->addItem(widget::ICON_NULL, L"second");
+    m->popup(10, 200);
+    gui->render();
+    const widget::point3f stacked = second->position;
+    EXPECT_LT(stacked.y, first->position.y);
+    second->setPosition(70, 3, 0);
+    gui->render();
+    EXPECT_EQ(second->position.x, 70.0f) << "a move alone keeps it where it was put";
+    second->refresh();
+    gui->render();
+    EXPECT_EQ(second->position.x, stacked.x);
+    EXPECT_EQ(second->position.y, stacked.y);
+  });
+}
+
+TEST_F(guiControllerTest, captionsInTheDefaultFontIdAreDrawnAndOtherIdsAreNot) {
+  run([&] {
+    gui->update();
+    // "ID_FONT1" is the renderer's default face; it is made once.
+    GUI::font* first = gui->getFont(L"ID_FONT1");
+    ASSERT_NE(first, nullptr);
+    EXPECT_EQ(gui->getFont(L"ID_FONT1"), first);
+    EXPECT_EQ(first->getFace(), L"DejaVuSans");
+    EXPECT_EQ(gui->getFont(L"ID_FONT7"), nullptr);
+    label* shown = gui->addLabel(std::wstring(L"shown"), nullptr);
+    shown->setCaption(std::wstring(L"seven chars"), false);
+    label* unknown = gui->addLabel(std::wstring(L"unknown"), nullptr);
+    unknown->setIdFont(std::wstring(L"ID_FONT7"));
+    unknown->setCaption(std::wstring(L"thirteen char"), false);
+    device.calls.clear();
+    gui->render();
+    int seven = 0, thirteen = 0;
+    for (const std::string& c : device.calls) {
+      seven += c.rfind("renderText 11 ", 0) == 0;
+      thirteen += c.rfind("renderText 13 ", 0) == 0;
+    }
+    EXPECT_EQ(seven, 1);
+    EXPECT_EQ(thirteen, 0);
+    EXPECT_EQ(shown->getFontInstance().font, first);
+    // A new id is looked up again.
+    shown->setIdFont(std::wstring(L"ID_FONT7"));
+    EXPECT_EQ(shown->getFontInstance().font, nullptr);
+  });
+}
+
+TEST_F(guiControllerTest, theFullScreenTitleBarShowsInFullScreenAndItsRestoreButtonLeavesIt) {
+  run([&] {
+    gui->update();
+    auto* bar = dynamic_cast<fullscreentitlebar*>(
+        gui->getWidget(std::wstring(guiController::TITLE_BAR_ID)));
+    ASSERT_NE(bar, nullptr);
+    EXPECT_FALSE(bar->isVisible());
+    EXPECT_TRUE(bar->isPrivate());
+    EXPECT_TRUE(bar->isTopMost());
+    EXPECT_EQ(bar->getParent(), gui->getDesktop());
+    for (widget* part :
+         {static_cast<widget*>(bar->getCaptionPart()), static_cast<widget*>(bar->getMinimizePart()),
+          static_cast<widget*>(bar->getRestorePart()), static_cast<widget*>(bar->getClosePart())}) {
+      ASSERT_NE(part, nullptr);
+      EXPECT_EQ(part->getRedirect(), bar);
+    }
+    EXPECT_EQ(bar->getClosePart()->getClassColor(), WCC_BUTTON_CLOSE);
+
+    win.setFullScreen(true, true);
+    ASSERT_TRUE(win.isFullScreen());
+    EXPECT_TRUE(bar->isVisible());
+    win.setCaption(L"Scan 12");
+    win.showButtonMinimized(false);
+    gui->update();
+    gui->render();
+    // Across the top of the screen inside the desktop's margins, the caption at the left,
+    // the buttons at the right.
+    const float screenWidth = float(win.getRenderingContext()->windowWidth.cV());
+    const float screenHeight = float(win.getRenderingContext()->windowHeight.cV());
+    const float* inset = gui->getDesktop()->getMargin();
+    EXPECT_EQ(bar->getPositionX(), inset[0]);
+    EXPECT_EQ(bar->getWidth(), screenWidth - inset[0] - inset[1]);
+    EXPECT_EQ(bar->getPositionY() + bar->getHeight(), screenHeight - inset[2]);
+    EXPECT_EQ(bar->getCaptionPart()->getCaption(), L"Scan 12");
+    EXPECT_FALSE(bar->getMinimizePart()->isVisible());
+    EXPECT_TRUE(bar->getRestorePart()->isVisible());
+    const widget::point3f close = bar->getClosePart()->getAbsolutePos();
+    const widget::point3f restore = bar->getRestorePart()->getAbsolutePos();
+    EXPECT_GT(close.x, restore.x);
+    EXPECT_LE(close.x + bar->getClosePart()->getWidth(), screenWidth);
+
+    // A click on restore, through the window procedure, leaves full screen.
+    const int x = int(restore.x + 9);
+    const int y = int(screenHeight) - int(restore.y + 9);
+    widget* below = gui->getWidgetBelowMouse(float(x), screenHeight - float(y));
+    ASSERT_NE(below, nullptr);
+    EXPECT_TRUE(below == bar->getRestorePart() || below->getRedirect() == bar->getRestorePart());
+    send(WM_MOUSEMOVE, 0, makeLParam(x, y));
+    send(WM_LBUTTONDOWN, 0, makeLParam(x, y));
+    send(WM_LBUTTONUP, 0, makeLParam(x, y));
+    gui->update();
+    EXPECT_FALSE(win.isFullScreen());
+    EXPECT_FALSE(bar->isVisible());
+  });
+}
+
+TEST_F(guiControllerTest, addGuiCotrollerMovesTheOtherWidgetsButThoseWhoseIdIsTaken) {
+  run([&] {
+    gui->update();
+    panel* mine = addPanelAt(L"shared", 10, 10);
+    guiController other(&win, &app);
+    ASSERT_TRUE(other.init(false, true, L"other"));
+    panel* moved = other.addPanel(std::wstring(L"moved"), nullptr);
+    button* push = static_cast<button*>(other.add(WC_BUTTON, L"push", moved));
+    panel* clash = other.addPanel(std::wstring(L"shared"), nullptr);
+    ASSERT_TRUE(moved && push && clash);
+    moved->layout.setHorizontal(HA_FREE);
+    moved->layout.setVertical(VA_FREE);
+    moved->setRect2D(100, 100, 90, 60);
+    other.setTopMost(moved, true);
+    canvas* view = other.addCanvas(std::wstring(L"view"), nullptr);
+    ASSERT_NE(view, nullptr);
+    other.attachCanvas(view);
+    const int before = gui->getWidgetsCount();
+
+    testing::internal::CaptureStdout();
+    gui->addGuiCotroller(&other, nullptr);
+    const std::string said = testing::internal::GetCapturedStdout();
+    // Its desktop, tooltip (with two parts) and "shared" stay; the rest comes here.
+    EXPECT_NE(said.find("Fail ADD: shared"), std::string::npos);
+    EXPECT_NE(said.find("Fail ADD: GUICONTROLLER_WIDGET_DESKTOP"), std::string::npos);
+    EXPECT_EQ(other.getWidgetsCount(), 5);
+    EXPECT_EQ(gui->getWidgetsCount(), before + 5) << "moved, push and its two parts, view";
+    ASSERT_EQ(gui->getCanvases().size(), 2u);
+    EXPECT_EQ(gui->getCanvases()[1], view) << "the other's canvas is drawn here after ours";
+    EXPECT_EQ(other.getCanvases().size(), 1u);
+    EXPECT_EQ(gui->getWidget(L"moved"), moved);
+    EXPECT_EQ(gui->getWidget(L"shared"), mine);
+    EXPECT_EQ(other.getWidget(L"moved"), nullptr);
+    EXPECT_EQ(moved->controller, gui);
+    EXPECT_EQ(push->getCaptionPart()->controller, gui);
+    EXPECT_EQ(push->getCaptionPart()->getRedirect(), push) << "parts still lead to the button";
+    EXPECT_EQ(moved->getParent(), gui->getDesktop());
+    const auto& topMost = gui->getDesktop()->getTopMost();
+    EXPECT_EQ(std::count(topMost.begin(), topMost.end(), moved), 1);
+
+    // The moved button answers clicks here, and the other controller can go first.
+    listener onPush(&log, "push");
+    listen(push, onPush, {SYSTEM::MOUSE_LEFT_CLICK});
+    const widget::point3f at = push->getAbsolutePos() + widget::point3f(5, 5, 0);
+    leftClickAt(int(at.x), int(at.y));
+    gui->update();
+    EXPECT_EQ(log, (std::vector<std::string>{"push 17"}));
+    other.discard();
+    gui->render();
+    EXPECT_TRUE(gui->eraseNow(moved));
+  });
+}
+
 TEST_F(guiControllerTest, erasuresQueuedForRenderTakeAtMostThirtyTwoAFrame) {
   run([&] {
     gui->update();
@@ -556,17 +810,93 @@ TEST_F(guiControllerTest, colourSchemaRecoloursWidgetsThatUseIt) {
   });
 }
 
-TEST_F(guiControllerTest, skinsByName) {
+namespace {
+
+// How many users the stored texture `id` has: the skin holds one on its sheet.
+int sheetUsers(SYSTEM::winMain& w, const wchar_t* id) {
+  return w.getRenderingContext()->getTextureStorage()->getEntry(id)->getClientCount();
+}
+
+}  // namespace
+
+TEST_F(guiControllerTest, skinsByNameHoldOnlyTheChosenSheet) {
   run([&] {
-    // Without its sheets in the storage, no skin holds.
-    EXPECT_EQ(gui->getSkin(), GUI_NO_SKIN);
-    ASSERT_TRUE(win.getRenderingContext()->getTextureStorage()->loadDefaultTexture());
-    gui->setSkin(GUI_XP_SKIN);
+    // The window loaded the sheets before the desktop was built, so the default holds.
     EXPECT_EQ(gui->getSkin(), GUI_XP_SKIN);
+    EXPECT_EQ(sheetUsers(win, L"GUI_XP_SKIN"), 1);
     gui->setSkin(GUI_RAG_SKIN);
     EXPECT_EQ(gui->getSkin(), GUI_RAG_SKIN);
+    // The old sheet is let go, or it would stay the one drawn under the new name.
+    EXPECT_EQ(sheetUsers(win, L"GUI_RAG_SKIN"), 1);
+    EXPECT_EQ(sheetUsers(win, L"GUI_XP_SKIN"), 0);
     gui->setSkin(7);
     EXPECT_EQ(gui->getSkin(), GUI_NO_SKIN);
+    EXPECT_EQ(sheetUsers(win, L"GUI_RAG_SKIN"), 0);
+  });
+}
+
+// A window told to skip the default textures loads none and wears no skin until the
+// program loads them.
+class windowWithoutSkins : public probeWindow {
+ public:
+  windowWithoutSkins(SYSTEM::application* app, RENDERING::renderer* device)
+      : probeWindow(app, device) {
+    skipDefaultTextures = true;
+  }
+};
+
+using guiWindowWithoutSkinsTest = scriptedPlatformTest;
+
+TEST_F(guiWindowWithoutSkinsTest, skipDefaultTexturesLeavesTheStorageEmptyAndNoSkin) {
+  SYSTEM::application app(L"", L"");
+  windowWithoutSkins plain(&app, &device);
+  runWithWindow(app, platform, plain, [&] {
+    auto* gui = dynamic_cast<guiController*>(plain.getGui());
+    ASSERT_NE(gui, nullptr);
+    CORE::textureStorage* textures = plain.getRenderingContext()->getTextureStorage();
+    EXPECT_EQ(textures->getEntryCount(), 0);
+    EXPECT_EQ(gui->getSkin(), GUI_NO_SKIN);
+    ASSERT_TRUE(textures->loadDefaultTexture());
+    gui->setSkin(GUI_XP_SKIN);
+    EXPECT_EQ(gui->getSkin(), GUI_XP_SKIN);
+  });
+}
+
+// Counts the requests to close and refuses them, so that the loop keeps it.
+class windowRefusingToClose : public probeWindow {
+ public:
+  windowRefusingToClose(SYSTEM::application* app, RENDERING::renderer* device)
+      : probeWindow(app, device) {
+    veto = true;
+  }
+  void windowIsClosing(bool& closing) override {
+    ++closeRequests;
+    probeWindow::windowIsClosing(closing);
+  }
+  int closeRequests = 0;
+};
+
+TEST_F(guiWindowWithoutSkinsTest, theTitleBarsCloseAndMinimiseButtonsActOnTheWindow) {
+  SYSTEM::application app(L"", L"");
+  windowRefusingToClose w(&app, &device);
+  runWithWindow(app, platform, w, [&] {
+    auto* gui = dynamic_cast<guiController*>(w.getGui());
+    ASSERT_NE(gui, nullptr);
+    auto* bar = dynamic_cast<fullscreentitlebar*>(
+        gui->getWidget(std::wstring(guiController::TITLE_BAR_ID)));
+    ASSERT_NE(bar, nullptr);
+    w.setFullScreen(true, true);
+    auto click = [&](widget* target) {
+      gui->simulateInputEvent(SYSTEM::MOUSE_LEFT_CLICK,
+                              SYSTEM::sharedPointer<inputEvent>(
+                                  new inputEvent(SYSTEM::MOUSE_LEFT_CLICK, target, nullptr)));
+      gui->update();
+    };
+    click(bar->getClosePart());
+    EXPECT_EQ(w.closeRequests, 1);
+    click(bar->getMinimizePart());
+    EXPECT_EQ(w.getWindowShowMode(), SYSTEM::SHOW_MINIMIZED);
+    EXPECT_EQ(w.closeRequests, 1);
   });
 }
 

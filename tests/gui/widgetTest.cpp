@@ -8,6 +8,7 @@
 #include "jev3d/gui/font.h"
 #include "jev3d/gui/guiColorTable.h"
 #include "jev3d/gui/label.h"
+#include "jev3d/gui/menu.h"
 #include "jev3d/gui/panel.h"
 #include "jev3d/renderer/renderStateStack.h"
 #include "jev3d/renderer/renderingContext.h"
@@ -560,6 +561,19 @@ TEST(widgetTree, popUpMenuNameAndCornerBit) {
   w.removePopUpMenu();
   EXPECT_EQ(w.getPopUpMenu(), L"");
   EXPECT_FALSE(w.getFlags().isFlagSet(WF_POPUP_AT_CORNER));
+  // Outside any controller the widget holds the menu itself, and shows it there.
+  menu m(L"menuEdit", nullptr, nullptr);
+  m.visible = false;
+  w.setPopUpMenu(&m, false);
+  EXPECT_EQ(w.getPopUpMenu(), L"menuEdit");
+  EXPECT_EQ(w.getPopUpMenuPointer(), &m);
+  w.showPopUpMenu(30, 90);
+  EXPECT_TRUE(m.isVisible());
+  EXPECT_EQ(m.getPositionY() + m.getHeight(), 90.0f);
+  w.closePopUpMenu();
+  EXPECT_FALSE(m.isVisible());
+  w.setPopUpMenu(L"byName", false);
+  EXPECT_EQ(w.getPopUpMenuPointer(), nullptr);
 }
 
 TEST(widgetIcons, iconsMapToTheirResourceIds) {

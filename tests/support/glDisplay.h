@@ -80,7 +80,7 @@ struct rgb {
 };
 
 // A window of the runtime loop of a fixed size that draws its GUI itself, so that a frame
-// can be read back before the swap; the default textures are loaded at its start.
+// can be read back before the swap; the loop loads the default textures as it makes it.
 class readBackWindow : public JEV::SYSTEM::winMain {
  public:
   readBackWindow(JEV::SYSTEM::application* app, JEV::RENDERING::renderer* device,
@@ -93,7 +93,7 @@ class readBackWindow : public JEV::SYSTEM::winMain {
 
   bool init() override {
     handle = getHWnd();
-    return getRenderingContext()->getTextureStorage()->loadDefaultTexture();
+    return true;
   }
 
   // The current frame, RGBA with the bottom row first.

@@ -9,6 +9,13 @@ namespace {
 
 int toInt(long long v) { return v > INT_MAX ? INT_MAX : v < INT_MIN ? INT_MIN : int(v); }
 
+// Writes only a value that differs: the rectangles are rewritten on every push and pop of
+// every clip, and a field notifies its observers on each write.
+template <class F, class V>
+void store(F& field, V value) {
+  if (field.cV() != value) field = value;
+}
+
 }  // namespace
 
 void rectangleState::getComputed(int out[4]) const {
@@ -19,19 +26,19 @@ void rectangleState::getComputed(int out[4]) const {
 }
 
 void rectangleState::setRequested(int px, int py, int w, int h, bool i) {
-  x = px;
-  y = py;
-  width = w;
-  height = h;
-  intersectParent = i;
+  store(x, px);
+  store(y, py);
+  store(width, w);
+  store(height, h);
+  store(intersectParent, i);
 }
 
 void rectangleState::copyRectangleTo(rectangleState& t) const {
   t.setRequested(x.cV(), y.cV(), width.cV(), height.cV(), intersectParent.cV());
-  t.computedX = computedX.cV();
-  t.computedY = computedY.cV();
-  t.computedWidth = computedWidth.cV();
-  t.computedHeight = computedHeight.cV();
+  store(t.computedX, computedX.cV());
+  store(t.computedY, computedY.cV());
+  store(t.computedWidth, computedWidth.cV());
+  store(t.computedHeight, computedHeight.cV());
 }
 
 rectangleState::bounds rectangleState::getRequested() const {
@@ -43,10 +50,10 @@ rectangleState::bounds rectangleState::getComputedBounds() const {
 }
 
 bool rectangleState::storeComputed(const bounds& r, bool result) {
-  computedX = toInt(r.x);
-  computedY = toInt(r.y);
-  computedWidth = toInt(r.width);
-  computedHeight = toInt(r.height);
+  store(computedX, toInt(r.x));
+  store(computedY, toInt(r.y));
+  store(computedWidth, toInt(r.width));
+  store(computedHeight, toInt(r.height));
   return result;
 }
 

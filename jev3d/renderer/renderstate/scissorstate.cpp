@@ -27,12 +27,13 @@ scissorstate::scissorstate(int px, int py, int w, int h, bool e, bool i) {
 void scissorstate::set(int px, int py, int w, int h, bool e, bool i) {
   setRequested(px, py, w, h, i);
   storeComputed(getRequested(), true);
-  enable = e;
+  // As the rectangle: an equal value is not written, so nothing is notified.
+  if (enable.cV() != e) enable = e;
 }
 
 void scissorstate::clone(scissorstate* target) const {
   copyRectangleTo(*target);
-  target->enable = enable.cV();
+  if (target->enable.cV() != enable.cV()) target->enable = enable.cV();
 }
 
 void scissorstate::render(renderingContext* rc) { renderOnSlot(rc, SCISSOR_STATE); }
