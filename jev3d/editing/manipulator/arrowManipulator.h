@@ -1,6 +1,6 @@
 #pragma once
 
-#include "jev3d/editing/manipulator/manipulator.h"
+#include "jev3d/editing/manipulator/translatingManipulator.h"
 
 namespace JEV {
 namespace MESH {
@@ -12,7 +12,7 @@ class manipulatorArrow;
 // One arrow that moves along its own line: a drag that picks it follows the mouse along
 // the line, and the manipulator travels with it. getLastDisplacement is the last step,
 // getDragDisplacement all of the drag, both in the parent's space.
-class arrowManipulator : public manipulator {
+class arrowManipulator : public translatingManipulator {
  public:
   // An arrow from the origin along `direction` (its length is the arrow's), of the given
   // shaft radius, in the manipulator's space.
@@ -20,30 +20,16 @@ class arrowManipulator : public manipulator {
                             float radius = 0.025f);
 
   // Whether the ray (parent space) picks the arrow; remembers where along its line.
-  bool startPicking(const ray3f& ray);
+  bool startPicking(const ray3f& ray) override;
   // Moves along the line to where the ray passes closest; false while nothing is picked.
-  bool moveTranslationControlArrow(const ray3f& ray);
-  bool isPicked() const { return picked; }
-  const MATH::point3<float>& getLastDisplacement() const { return lastDisplacement; }
-  const MATH::point3<float>& getDragDisplacement() const { return dragDisplacement; }
-  MATH::matrix4<float> getStepTransform() const override {
-    return MATH::matrix4<float>::getTranslate(lastDisplacement.x, lastDisplacement.y,
-                                              lastDisplacement.z);
-  }
+  bool moveTranslationControlArrow(const ray3f& ray) override;
   manipulatorArrow* getArrow() const { return arrow; }
   // The arrow's line in the parent's space.
   ray3f getLine() const;
 
- protected:
-  void mouseDown(const ray3f& ray) override { startPicking(ray); }
-  void mouseDrag(const ray3f& ray) override { moveTranslationControlArrow(ray); }
-  void mouseUp(const ray3f& ray) override;
-
  private:
   manipulatorArrow* arrow;
-  bool picked = false;
   float pickedT = 0.f;
-  MATH::point3<float> lastDisplacement, dragDisplacement;
 };
 
 }  // namespace MANIPULATOR

@@ -11,11 +11,8 @@ namespace MANIPULATOR {
 using p3 = MATH::point3<float>;
 
 planeManipulator::planeManipulator(const p3& u, const p3& v)
-    : plane(
-          static_cast<manipulatorPlane*>(addManipulatorWidget(new manipulatorPlane(p3(), u, v)))) {
-  plane->widgetId = 0;
-  plane->setColor(CORE::color(230, 200, 60, 255));
-}
+    : translatingManipulator(new manipulatorPlane(p3(), u, v), CORE::color(230, 200, 60, 255)),
+      plane(static_cast<manipulatorPlane*>(getManipulatorWidgets().front())) {}
 
 p3 planeManipulator::planeNormal() const {
   const p3 n = plane->getNormal();
@@ -26,34 +23,21 @@ p3 planeManipulator::planeNormal() const {
 }
 
 bool planeManipulator::startPicking(const ray3f& ray) {
-  picked = false;
-  lastDisplacement = dragDisplacement = p3();
-  std::vector<hitPoint> hits;
-  intersectWidgets(ray, hits);
-  if (hits.empty() || hits.front().node != plane) return false;
-  pickedPoint = hits.front().point;
-  picked = true;
-  plane->setHighlighted(true);
+  hitPoint hit;
+  if (!pickHandle(ray, hit)) return false;
+  pickedPoint = hit.point;
+  beginDrag();
   return true;
 }
 
 bool planeManipulator::moveTranslationControlArrow(const ray3f& ray) {
-  lastDisplacement = p3();
-  if (!picked) return false;
-  p3 hit;
-  if (!manipulatorWidget::intersectPlane(ray, pickedPoint, planeNormal(), hit)) return false;
-  lastDisplacement = hit - pickedPoint;
-  if (lastDisplacement.squaredNorm() == 0.f) return true;
-  pickedPoint = hit;
-  dragDisplacement += lastDisplacement;
-  moveManipulator(lastDisplacement);
+  clearStep();
+  if (!isPicked()) return false;
+  p3 hitOnPlane;
+  if (!manipulatorWidget::intersectPlane(ray, pickedPoint, planeNormal(), hitOnPlane)) return false;
+  takeStep(hitOnPlane - pickedPoint);
+  pickedPoint = hitOnPlane;
   return true;
-}
-
-void planeManipulator::mouseUp(const ray3f&) {
-  picked = false;
-  lastDisplacement = p3();
-  plane->setHighlighted(false);
 }
 
 }  // namespace MANIPULATOR
