@@ -471,6 +471,25 @@ bool widget::preRender() const {
   return true;
 }
 
+template <class Visit>
+void widget::forEachChild(std::vector<linker*>& spill, Visit visit) {
+  const size_t count = slaves.size();
+  if (count == 0) return;
+  // A short list is copied on the stack: a kept buffer is one more line to fetch.
+  constexpr size_t onStack = 16;
+  linker* local[onStack];
+  linker* const* snapshot = local;
+  if (count <= onStack) {
+    for (size_t i = 0; i < count; ++i) local[i] = slaves[i];
+  } else {
+    spill.assign(slaves.begin(), slaves.end());
+    snapshot = spill.data();
+  }
+  for (size_t i = 0; i < count; ++i) {
+    visit(static_cast<widget*>(snapshot[i]));
+  }
+}
+
 void widget::postRender(RENDERING::renderingContext* rc) {
   RENDERING::RENDERSTATE::renderStateStack* stack = rc ? rc->getRenderStateStack() : nullptr;
   if (stack && !slaves.empty()) {
@@ -488,20 +507,18 @@ void widget::postRender(RENDERING::renderingContext* rc) {
     }
     // The push computes the clip against the scissor in force; nothing left, no children.
     if (stack->pushState(RENDERING::RENDERSTATE::renderStateEnums::SCISSOR_STATE, &scissor, true)) {
-      // A snapshot in a buffer kept from frame to frame: no allocation in the steady state.
-      renderWalk.assign(slaves.begin(), slaves.end());
       walkingChildren = true;
-      for (linker* child : renderWalk) {
-        auto* w = static_cast<widget*>(child);
-        if (!w->preRender()) continue;
+      forEachChild(renderWalk, [rc](widget* w) {
+        if (!w->preRender()) return;
         w->render(rc);
         w->postRender(rc);
-      }
+      });
       walkingChildren = false;
     }
     stack->popState(RENDERING::RENDERSTATE::renderStateEnums::SCISSOR_STATE, true);
   }
-  sizePositionDelegate.invoke();
+  // Most widgets have none: no call for them.
+  if (!sizePositionDelegate.isEmpty()) sizePositionDelegate.invoke();
 }
 
 // --- update, fades and states ----------------------------------------------------------
@@ -527,17 +544,11 @@ bool widget::preUpdate(RENDERING::renderingContext*, SYSTEM::updateContext* uc) 
 void widget::update(RENDERING::renderingContext*, SYSTEM::updateContext*) {}
 
 void widget::postUpdate(RENDERING::renderingContext* rc, SYSTEM::updateContext* uc) {
-  if (!slaves.empty()) {
-    // A delegate run by a child's update may change the list: walk a snapshot.
-    updateWalk.assign(slaves.begin(), slaves.end());
-    for (linker* child : updateWalk) {
-      auto* w = static_cast<widget*>(child);
-      if (w->preUpdate(rc, uc)) {
-        w->update(rc, uc);
-        w->postUpdate(rc, uc);
-      }
-    }
-  }
+  forEachChild(updateWalk, [rc, uc](widget* w) {
+    if (!w->preUpdate(rc, uc)) return;
+    w->update(rc, uc);
+    w->postUpdate(rc, uc);
+  });
   afterChildrenUpdate(rc, uc);
 }
 

@@ -490,6 +490,11 @@ class widget : public SYSTEM::linkerBase<SYSTEM::dummyLinkerType> {
 
  private:
   bool registerMultithreading = false;
+  // Runs `visit` on each child over a snapshot of the list, so that what a child runs may
+  // change the list; `spill` holds the snapshot of a long list, kept from frame to frame.
+  template <class Visit>
+  void forEachChild(std::vector<linker*>& spill, Visit visit);
+
   // The child lists the render and update walks run over, reused from frame to frame.
   std::vector<linker*> renderWalk;
   std::vector<linker*> updateWalk;
