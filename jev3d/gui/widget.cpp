@@ -478,6 +478,8 @@ template <class Visit>
 void widget::forEachChild(std::vector<linker*>& spill, Visit visit) {
   const size_t count = slaves.size();
   if (count == 0) return;
+  // One child is its own snapshot: the list is not read again.
+  if (count == 1) return visit(static_cast<widget*>(slaves.front()));
   // A short list is copied on the stack: a kept buffer is one more line to fetch.
   constexpr size_t onStack = 16;
   linker* local[onStack];
