@@ -75,6 +75,12 @@ struct jev3dScene {
     gui->update();
     gui->render();
   }
+  // Whether a widget lies under the mouse at `step` of its walk.
+  bool hit(int step) {
+    float x = 0, y = 0;
+    mouseAt(step, x, y);
+    return gui->getWidgetBelowMouse(x, y) != nullptr;
+  }
 
   recordingRenderer device;
   SYSTEM::application app{L"", L""};
@@ -88,9 +94,7 @@ void frameJev3d(benchmark::State& state) {
   long hits = 0;
   int step = 0;
   for (auto _ : state) {
-    float x = 0, y = 0;
-    mouseAt(step++, x, y);
-    hits += scene.gui->getWidgetBelowMouse(x, y) != nullptr;
+    hits += scene.hit(step++);
     scene.frame();
   }
   benchmark::DoNotOptimize(hits);
@@ -115,11 +119,7 @@ void hitTestJev3d(benchmark::State& state) {
   jev3dScene scene;
   long hits = 0;
   int step = 0;
-  for (auto _ : state) {
-    float x = 0, y = 0;
-    mouseAt(step++, x, y);
-    hits += scene.gui->getWidgetBelowMouse(x, y) != nullptr;
-  }
+  for (auto _ : state) hits += scene.hit(step++);
   benchmark::DoNotOptimize(hits);
   state.counters["hit%"] = 100.0 * double(hits) / double(state.iterations());
 }
