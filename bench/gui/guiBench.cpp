@@ -1,7 +1,8 @@
-// One frame of a window of 1,000 buttons in panels: the controller's update and render
-// through the recording renderer (calls counted, not logged), and hit tests over the
-// same tree, against Dear ImGui building the same 1,000 buttons and walking the draw
-// lists it emits. Each jev3d button is a panel with a label as its caption, so the tree
+// One frame of a window of 1,000 buttons in panels under a moving mouse: the widget under
+// the mouse found, and the controller's update and render through the recording renderer
+// (calls counted, not logged), against Dear ImGui building the same 1,000 buttons with
+// the mouse at the same place and walking the draw lists it emits. Hit tests alone come
+// last. Each jev3d button is a panel with a label as its caption, so the tree
 // holds 2,040 widgets.
 #include <benchmark/benchmark.h>
 #include <imgui.h>
@@ -28,6 +29,14 @@ constexpr int WIDTH = 1600;
 constexpr int HEIGHT = 1000;
 // Panels in an 8 x 5 grid; buttons in a 5 x 5 grid inside each.
 constexpr float PANEL_W = 200, PANEL_H = 200, BUTTON_W = 36, BUTTON_H = 36;
+
+// A mouse walking over the window, on buttons and between them, in window pixels with the
+// origin at the bottom left. Both sides find what lies under it in each frame, as a
+// window does on a mouse move.
+void mouseAt(int step, float& x, float& y) {
+  x = float((step * 37) % WIDTH);
+  y = float((step * 53) % HEIGHT);
+}
 
 class benchWindow : public SYSTEM::winMain {
  public:
@@ -66,6 +75,12 @@ struct jev3dScene {
     gui->update();
     gui->render();
   }
+  // Whether a widget lies under the mouse at `step` of its walk.
+  bool hit(int step) {
+    float x = 0, y = 0;
+    mouseAt(step, x, y);
+    return gui->getWidgetBelowMouse(x, y) != nullptr;
+  }
 
   recordingRenderer device;
   SYSTEM::application app{L"", L""};
@@ -76,7 +91,13 @@ struct jev3dScene {
 void frameJev3d(benchmark::State& state) {
   jev3dScene scene;
   const long long before = scene.device.callCount;
-  for (auto _ : state) scene.frame();
+  long hits = 0;
+  int step = 0;
+  for (auto _ : state) {
+    hits += scene.hit(step++);
+    scene.frame();
+  }
+  benchmark::DoNotOptimize(hits);
   state.counters["deviceCalls/frame"] =
       double(scene.device.callCount - before) / double(state.iterations());
   state.counters["widgets"] = scene.gui->getWidgetsCount();
@@ -97,14 +118,8 @@ void renderJev3d(benchmark::State& state) {
 void hitTestJev3d(benchmark::State& state) {
   jev3dScene scene;
   long hits = 0;
-  int i = 0;
-  for (auto _ : state) {
-    // A walk over the window, on buttons and between them.
-    const float x = float((i * 37) % WIDTH);
-    const float y = float((i * 53) % HEIGHT);
-    ++i;
-    hits += scene.gui->getWidgetBelowMouse(x, y) != nullptr;
-  }
+  int step = 0;
+  for (auto _ : state) hits += scene.hit(step++);
   benchmark::DoNotOptimize(hits);
   state.counters["hit%"] = 100.0 * double(hits) / double(state.iterations());
 }
@@ -125,7 +140,12 @@ void frameImGui(benchmark::State& state) {
   for (int b = 0; b < PANELS * BUTTONS_PER_PANEL; ++b)
     labels.push_back("Button " + std::to_string(b));
   long emitted = 0;
+  int step = 0;
   auto build = [&] {
+    // ImGui's origin is at the top left.
+    float x = 0, y = 0;
+    mouseAt(step++, x, y);
+    io.MousePos = ImVec2(x, float(HEIGHT) - y);
     ImGui::NewFrame();
     for (int p = 0; p < PANELS; ++p) {
       ImGui::SetNextWindowPos(ImVec2(float(p % 8) * PANEL_W, float(p / 8) * PANEL_H));

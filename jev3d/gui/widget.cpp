@@ -142,22 +142,24 @@ void widget::disconnect(linker* master, bool notifyOther) {
 
 void widget::registerInputEventCallBack(SYSTEM::EVENT_TYPE type, SYSTEM::inputEventDelegate& d) {
   if (type < 0 || type >= SYSTEM::EVENT_TYPE_COUNT) return;
-  eventDelegates[type].push_back(d);
+  if (!eventDelegates)
+    eventDelegates = std::make_unique<std::array<delegateList, SYSTEM::EVENT_TYPE_COUNT>>();
+  (*eventDelegates)[size_t(type)].push_back(d);
 }
 
 void widget::unRegisterInputEventCallBack(SYSTEM::EVENT_TYPE type, SYSTEM::inputEventDelegate& d) {
   if (type < 0 || type >= SYSTEM::EVENT_TYPE_COUNT) return;
-  auto& list = eventDelegates[type];
+  if (!eventDelegates) return;
+  auto& list = (*eventDelegates)[size_t(type)];
   auto it = std::find_if(list.begin(), list.end(), [&](const auto& e) { return e.equals(d); });
   if (it != list.end()) list.erase(it);
 }
 
-void widget::unRegisterAllInputEventCallBack() {
-  for (auto& list : eventDelegates) list.clear();
-}
+void widget::unRegisterAllInputEventCallBack() { eventDelegates.reset(); }
 
 void widget::unRegisterAllInputEventCallBack(SYSTEM::EVENT_TYPE type) {
-  if (type >= 0 && type < SYSTEM::EVENT_TYPE_COUNT) eventDelegates[type].clear();
+  if (eventDelegates && type >= 0 && type < SYSTEM::EVENT_TYPE_COUNT)
+    (*eventDelegates)[size_t(type)].clear();
 }
 
 void widget::registerDropFileEventCallBack(SYSTEM::dropFileEventDelegate& d) {
@@ -181,8 +183,9 @@ void widget::invokeDelegate(SYSTEM::EVENT_TYPE type, SYSTEM::inputEvent& event) 
     event.x -= corner.x;
     event.y -= corner.y;
   }
+  if (!eventDelegates) return;
   // A copy, so that a handler may register or remove handlers.
-  const delegateList handlers = eventDelegates[type];
+  const delegateList handlers = (*eventDelegates)[size_t(type)];
   for (const auto& d : handlers) d.invoke(&event);
 }
 
@@ -471,6 +474,27 @@ bool widget::preRender() const {
   return true;
 }
 
+template <class Visit>
+void widget::forEachChild(std::vector<linker*>& spill, Visit visit) {
+  const size_t count = slaves.size();
+  if (count == 0) return;
+  // One child is its own snapshot: the list is not read again.
+  if (count == 1) return visit(static_cast<widget*>(slaves.front()));
+  // A short list is copied on the stack: a kept buffer is one more line to fetch.
+  constexpr size_t onStack = 16;
+  linker* local[onStack];
+  linker* const* snapshot = local;
+  if (count <= onStack) {
+    for (size_t i = 0; i < count; ++i) local[i] = slaves[i];
+  } else {
+    spill.assign(slaves.begin(), slaves.end());
+    snapshot = spill.data();
+  }
+  for (size_t i = 0; i < count; ++i) {
+    visit(static_cast<widget*>(snapshot[i]));
+  }
+}
+
 void widget::postRender(RENDERING::renderingContext* rc) {
   RENDERING::RENDERSTATE::renderStateStack* stack = rc ? rc->getRenderStateStack() : nullptr;
   if (stack && !slaves.empty()) {
@@ -488,20 +512,18 @@ void widget::postRender(RENDERING::renderingContext* rc) {
     }
     // The push computes the clip against the scissor in force; nothing left, no children.
     if (stack->pushState(RENDERING::RENDERSTATE::renderStateEnums::SCISSOR_STATE, &scissor, true)) {
-      // A snapshot in a buffer kept from frame to frame: no allocation in the steady state.
-      renderWalk.assign(slaves.begin(), slaves.end());
       walkingChildren = true;
-      for (linker* child : renderWalk) {
-        auto* w = static_cast<widget*>(child);
-        if (!w->preRender()) continue;
+      forEachChild(renderWalk, [rc](widget* w) {
+        if (!w->preRender()) return;
         w->render(rc);
         w->postRender(rc);
-      }
+      });
       walkingChildren = false;
     }
     stack->popState(RENDERING::RENDERSTATE::renderStateEnums::SCISSOR_STATE, true);
   }
-  sizePositionDelegate.invoke();
+  // Most widgets have none: no call for them.
+  if (!sizePositionDelegate.isEmpty()) sizePositionDelegate.invoke();
 }
 
 // --- update, fades and states ----------------------------------------------------------
@@ -527,17 +549,11 @@ bool widget::preUpdate(RENDERING::renderingContext*, SYSTEM::updateContext* uc) 
 void widget::update(RENDERING::renderingContext*, SYSTEM::updateContext*) {}
 
 void widget::postUpdate(RENDERING::renderingContext* rc, SYSTEM::updateContext* uc) {
-  if (!slaves.empty()) {
-    // A delegate run by a child's update may change the list: walk a snapshot.
-    updateWalk.assign(slaves.begin(), slaves.end());
-    for (linker* child : updateWalk) {
-      auto* w = static_cast<widget*>(child);
-      if (w->preUpdate(rc, uc)) {
-        w->update(rc, uc);
-        w->postUpdate(rc, uc);
-      }
-    }
-  }
+  forEachChild(updateWalk, [rc, uc](widget* w) {
+    if (!w->preUpdate(rc, uc)) return;
+    w->update(rc, uc);
+    w->postUpdate(rc, uc);
+  });
   afterChildrenUpdate(rc, uc);
 }
 

@@ -1,6 +1,8 @@
 #pragma once
 
+#include <array>
 #include <list>
+#include <memory>
 #include <string>
 #include <utility>
 #include <vector>
@@ -396,6 +398,19 @@ class widget : public SYSTEM::linkerBase<SYSTEM::dummyLinkerType> {
   const fontInstance& getFontInstance() const { return font; }
   fontInstance& getFontInstance() { return font; }
 
+ private:
+  // Declared ahead of the fields, beside the object's first line: the render walk reads
+  // these of every widget in every frame, and the fields spread a widget over kilobytes.
+  // The device the patch buffers live on, known from the first render.
+  RENDERING::renderer* device = nullptr;
+  // computedClip has been given to the scissor.
+  bool scissorSet = false;
+  // True while postRender draws the children, so that theirs need not test this widget.
+  bool walkingChildren = false;
+  bool patchCached = false;
+  bool autosizePending = false;
+
+ public:
   GUI::layout layout;
   SYSTEM::fieldBase<bool> enabled{true};
   SYSTEM::fieldBase<bool> visible{true};
@@ -473,7 +488,9 @@ class widget : public SYSTEM::linkerBase<SYSTEM::dummyLinkerType> {
   CORE::color fadeFrom, fadeTo, textFadeFrom, textFadeTo;
   point3f sizeMin{16, 16, 0};
   point3f sizeMax{65536, 65536, 0};
-  delegateList eventDelegates[SYSTEM::EVENT_TYPE_COUNT];
+  // One list per event type, made at the first registration: most widgets never have a
+  // handler, and the lists would take a quarter of every widget.
+  std::unique_ptr<std::array<delegateList, SYSTEM::EVENT_TYPE_COUNT>> eventDelegates;
   dropDelegateList dropDelegates;
   float uv[2] = {48, 0};
   SYSTEM::flags<int> stateFlags;
@@ -490,17 +507,14 @@ class widget : public SYSTEM::linkerBase<SYSTEM::dummyLinkerType> {
 
  private:
   bool registerMultithreading = false;
+  // Runs `visit` on each child over a snapshot of the list, so that what a child runs may
+  // change the list; `spill` holds the snapshot of a long list, kept from frame to frame.
+  template <class Visit>
+  void forEachChild(std::vector<linker*>& spill, Visit visit);
+
   // The child lists the render and update walks run over, reused from frame to frame.
   std::vector<linker*> renderWalk;
   std::vector<linker*> updateWalk;
-  // computedClip has been given to the scissor.
-  bool scissorSet = false;
-  // True while postRender draws the children, so that theirs need not test this widget.
-  bool walkingChildren = false;
-  bool patchCached = false;
-  bool autosizePending = false;
-  // The device the patch buffers live on, known from the first render.
-  RENDERING::renderer* device = nullptr;
   const guiColorTable* colorTable = nullptr;
   float patchPositions[patchVertexCount * 3] = {};
   float patchTexCoords[patchVertexCount * 2] = {};

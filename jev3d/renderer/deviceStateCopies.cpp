@@ -17,6 +17,32 @@ bool storeIfChanged(const S& s, S& copy, Key key) {
   return changed;
 }
 
+// The copies of the rectangles are mirrors that nothing links to nor observes, written at
+// every push and pop of every clip: a changed value is written without notifying. The
+// fields are members of their exact type, so they are read without a call through the
+// table. True when the value changed.
+template <class F>
+bool mirror(const F& from, F& to) {
+  const auto& v = from.F::cV();
+  if (to.F::cV() == v) return false;
+  to.F::V() = v;
+  return true;
+}
+
+// True when the computed rectangle, the one the device gets, changed.
+bool mirrorRectangle(const RENDERSTATE::rectangleState& from, RENDERSTATE::rectangleState& to) {
+  mirror(from.x, to.x);
+  mirror(from.y, to.y);
+  mirror(from.width, to.width);
+  mirror(from.height, to.height);
+  mirror(from.intersectParent, to.intersectParent);
+  bool changed = mirror(from.computedX, to.computedX);
+  changed |= mirror(from.computedY, to.computedY);
+  changed |= mirror(from.computedWidth, to.computedWidth);
+  changed |= mirror(from.computedHeight, to.computedHeight);
+  return changed;
+}
+
 template <class M>
 bool sameMatrix(const M& a, const M& b) {
   for (int i = 0; i < 16; ++i)
@@ -116,17 +142,13 @@ bool deviceStateCopies::store(const RENDERSTATE::colorbufferstate& s) {
 }
 
 bool deviceStateCopies::store(const RENDERSTATE::viewportstate& s) {
-  return storeIfChanged(s, viewport, [](const RENDERSTATE::viewportstate& v) {
-    return std::make_tuple(v.computedX.cV(), v.computedY.cV(), v.computedWidth.cV(),
-                           v.computedHeight.cV());
-  });
+  viewport.type = s.type;
+  return mirrorRectangle(s, viewport);
 }
 
 bool deviceStateCopies::store(const RENDERSTATE::scissorstate& s) {
-  return storeIfChanged(s, scissor, [](const RENDERSTATE::scissorstate& c) {
-    return std::make_tuple(c.enable.cV(), c.computedX.cV(), c.computedY.cV(), c.computedWidth.cV(),
-                           c.computedHeight.cV());
-  });
+  const bool changed = mirror(s.enable, scissor.enable);
+  return mirrorRectangle(s, scissor) || changed;
 }
 
 bool deviceStateCopies::store(const RENDERSTATE::wireframestate& s) {

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -365,6 +366,56 @@ TEST(widgetStates, postUpdateWalksOnlyVisibleChildren) {
   SYSTEM::updateContext uc;
   root.postUpdate(nullptr, &uc);
   EXPECT_EQ(updates, 2);
+}
+
+TEST_F(guiFixture, walksVisitEveryChildOfTheirSnapshotWhenAChildChangesTheList) {
+  // Logs its update and render; the one given `kick` takes that sibling out of the list.
+  struct walkProbe : widget {
+    walkProbe(const std::wstring& id, std::vector<std::wstring>& l)
+        : widget(id, nullptr, nullptr), log(l) {}
+    void update(RENDERING::renderingContext*, SYSTEM::updateContext*) override {
+      log.push_back(L"u" + getId());
+      leave();
+    }
+    void render(RENDERING::renderingContext* context) override {
+      widget::render(context);
+      log.push_back(L"r" + getId());
+      leave();
+    }
+    void leave() {
+      if (kick) kick->disconnect(kick->getParent(), true);
+      kick = nullptr;
+    }
+    std::vector<std::wstring>& log;
+    widget* kick = nullptr;
+  };
+  // One child, a few, and more than a walk keeps on the stack.
+  for (int n : {1, 3, 20}) {
+    std::vector<std::wstring> log;
+    widget root(L"root", nullptr, nullptr);
+    std::vector<std::unique_ptr<walkProbe>> children;
+    std::vector<std::wstring> updates, renders;
+    for (int i = 0; i < n; ++i) {
+      children.push_back(std::make_unique<walkProbe>(std::to_wstring(i), log));
+      children.back()->connect(&root, false);
+      updates.push_back(L"u" + std::to_wstring(i));
+      renders.push_back(L"r" + std::to_wstring(i));
+    }
+    walkProbe& first = *children.front();
+    walkProbe& last = *children.back();
+    SYSTEM::updateContext uc;
+    first.kick = n > 1 ? &last : nullptr;
+    root.postUpdate(nullptr, &uc);
+    EXPECT_EQ(log, updates) << n << " children";
+    EXPECT_EQ(root.getSlavesCount(), n > 1 ? n - 1 : 1);
+
+    if (n > 1) last.connect(&root, false);
+    first.kick = n > 1 ? &last : nullptr;
+    log.clear();
+    frame(root);
+    EXPECT_EQ(log, renders) << n << " children";
+    EXPECT_EQ(root.getSlavesCount(), n > 1 ? n - 1 : 1);
+  }
 }
 
 TEST_F(guiFixture, childrenAreClippedToTheParentsAreaAndSkippedWhenNothingIsLeft) {

@@ -264,6 +264,55 @@ TEST_F(stackFixture, nestedScissorsIntersect) {
   EXPECT_EQ(huge.computedWidth.cV(), 60);
 }
 
+TEST_F(stackFixture, theDeviceCopyOfAClipFollowsPushesAndPopsAndSkipsOnlyRepeats) {
+  device.skipUnchangedStates = true;
+  auto rectangleOf = [](const scissorstate& s) {
+    return std::vector<int>{s.x.cV(),
+                            s.y.cV(),
+                            s.width.cV(),
+                            s.height.cV(),
+                            s.computedX.cV(),
+                            s.computedY.cV(),
+                            s.computedWidth.cV(),
+                            s.computedHeight.cV(),
+                            s.intersectParent.cV()};
+  };
+  // The parent's left edge follows a field: the copy takes the value in force.
+  JEV::SYSTEM::fieldBase<int> left{10};
+  scissorstate parent(0, 10, 100, 100, true, false);
+  parent.x.connect(&left, true);
+  ASSERT_TRUE(stack.pushState(scissorstate::SCISSOR_STATE, &parent, true));
+  EXPECT_EQ(rectangleOf(device.getCurrentScissorState()),
+            (std::vector<int>{10, 10, 100, 100, 10, 10, 100, 100, 0}));
+
+  scissorstate inside(50, 60, 100, 100, true, true);
+  ASSERT_TRUE(stack.pushState(scissorstate::SCISSOR_STATE, &inside, true));
+  EXPECT_EQ(rectangleOf(device.getCurrentScissorState()),
+            (std::vector<int>{50, 60, 100, 100, 50, 60, 60, 50, 1}));
+
+  // The pop gives the device the parent again, requested and computed.
+  stack.popState(scissorstate::SCISSOR_STATE, true);
+  EXPECT_EQ(rectangleOf(device.getCurrentScissorState()),
+            (std::vector<int>{10, 10, 100, 100, 10, 10, 100, 100, 0}));
+  EXPECT_EQ(device.countSent("setScissorState 1 10 10 100 100"), 2);
+
+  // The same rectangle again is not sent; one that differs only in what was asked for
+  // (not in what the device gets) is not either, but the copy takes it.
+  device.clearLog();
+  ASSERT_TRUE(stack.pushState(scissorstate::SCISSOR_STATE, &parent, true));
+  scissorstate same(5, 10, 200, 100, true, true);
+  ASSERT_TRUE(stack.pushState(scissorstate::SCISSOR_STATE, &same, true));
+  EXPECT_EQ(device.count("setScissorState"), 2);
+  EXPECT_TRUE(device.sent.empty());
+  EXPECT_EQ(rectangleOf(device.getCurrentScissorState()),
+            (std::vector<int>{5, 10, 200, 100, 10, 10, 100, 100, 1}));
+  // A change of the enable alone is sent.
+  scissorstate disabled(10, 10, 100, 100, false, false);
+  ASSERT_TRUE(stack.pushState(scissorstate::SCISSOR_STATE, &disabled, true));
+  EXPECT_EQ(device.sent, (strings{"setScissorState 0 10 10 100 100"}));
+  EXPECT_FALSE(device.getCurrentScissorState().enable.cV());
+}
+
 TEST_F(stackFixture, viewportSizes) {
   viewportstate wide(0, 0, 1600, 1000, false, viewportstate::VIEWPORT_16_9);
   EXPECT_TRUE(wide.computeSize(&device));

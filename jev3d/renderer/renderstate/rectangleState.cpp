@@ -9,20 +9,26 @@ namespace {
 
 int toInt(long long v) { return v > INT_MAX ? INT_MAX : v < INT_MIN ? INT_MIN : int(v); }
 
-// Writes only a value that differs: the rectangles are rewritten on every push and pop of
-// every clip, and a field notifies its observers on each write.
+// The rectangles are read and rewritten on every push and pop of every clip. Their fields
+// are members of their exact type, so a value is read without a call through the table.
+template <class F>
+const typename F::valueType& read(const F& field) {
+  return field.F::cV();
+}
+
+// Writes only a value that differs, since a field notifies its observers on each write.
 template <class F, class V>
 void store(F& field, V value) {
-  if (field.cV() != value) field = value;
+  if (read(field) != value) field = value;
 }
 
 }  // namespace
 
 void rectangleState::getComputed(int out[4]) const {
-  out[0] = computedX.cV();
-  out[1] = computedY.cV();
-  out[2] = computedWidth.cV();
-  out[3] = computedHeight.cV();
+  out[0] = read(computedX);
+  out[1] = read(computedY);
+  out[2] = read(computedWidth);
+  out[3] = read(computedHeight);
 }
 
 void rectangleState::setRequested(int px, int py, int w, int h, bool i) {
@@ -34,19 +40,19 @@ void rectangleState::setRequested(int px, int py, int w, int h, bool i) {
 }
 
 void rectangleState::copyRectangleTo(rectangleState& t) const {
-  t.setRequested(x.cV(), y.cV(), width.cV(), height.cV(), intersectParent.cV());
-  store(t.computedX, computedX.cV());
-  store(t.computedY, computedY.cV());
-  store(t.computedWidth, computedWidth.cV());
-  store(t.computedHeight, computedHeight.cV());
+  t.setRequested(read(x), read(y), read(width), read(height), read(intersectParent));
+  store(t.computedX, read(computedX));
+  store(t.computedY, read(computedY));
+  store(t.computedWidth, read(computedWidth));
+  store(t.computedHeight, read(computedHeight));
 }
 
 rectangleState::bounds rectangleState::getRequested() const {
-  return bounds{x.cV(), y.cV(), width.cV(), height.cV()};
+  return bounds{read(x), read(y), read(width), read(height)};
 }
 
 rectangleState::bounds rectangleState::getComputedBounds() const {
-  return bounds{computedX.cV(), computedY.cV(), computedWidth.cV(), computedHeight.cV()};
+  return bounds{read(computedX), read(computedY), read(computedWidth), read(computedHeight)};
 }
 
 bool rectangleState::storeComputed(const bounds& r, bool result) {
