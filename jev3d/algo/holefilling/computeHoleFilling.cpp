@@ -22,16 +22,7 @@ namespace {
 
 // The edge set of the surface's faces.
 void buildEdgeSet(const triSurface& surface, holeEdgeSet& edges) {
-  std::vector<int> corners;
-  corners.reserve(surface.faces.size() * 3);
-  std::vector<unsigned int> start;
-  start.reserve(surface.faces.size() + 1);
-  start.push_back(0);
-  for (const triSurface::face& f : surface.faces) {
-    corners.insert(corners.end(), f.begin(), f.end());
-    start.push_back(unsigned(corners.size()));
-  }
-  edges.build(unsigned(surface.vertices.size()), corners, start);
+  edges.buildTriangles(unsigned(surface.vertices.size()), surface.faces);
 }
 
 // Source id -> surface id (-1 for a deleted vertex), as triSurface::fromMesh numbers them.

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <vector>
@@ -20,6 +21,8 @@ class holeEdgeSet {
   // ignored together with the sides that use them.
   void build(unsigned int vertexCount, const std::vector<int>& corners,
              const std::vector<unsigned int>& faceStart);
+  // The same for triangles, three corners each.
+  void buildTriangles(unsigned int vertexCount, const std::vector<std::array<int, 3>>& triangles);
 
   unsigned int vertexCount() const { return unsigned(rowStart.size()) - 1; }
   bool hasEdge(int a, int b) const;
@@ -35,6 +38,11 @@ class holeEdgeSet {
   bool traceLoops(std::vector<std::vector<int>>& loops) const;
 
  private:
+  // forEachSide(visit) calls visit(a, b) for every face side a -> b to count, both ids in
+  // range and apart; it is called twice and must give the same sides both times.
+  template <class ForEachSide>
+  void buildFromSides(unsigned int vertexCount, ForEachSide forEachSide);
+
   std::vector<unsigned int> rowStart;
   std::vector<int> row;
   std::vector<unsigned int> borderStart;  // outgoing border edges per vertex
