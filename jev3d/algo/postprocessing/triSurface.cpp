@@ -8,6 +8,7 @@
 #include <iostream>
 #include <map>
 
+#include "jev3d/algo/postprocessing/triMesh.h"
 #include "jev3d/mesh/meshInterface.h"
 
 namespace JEV {
@@ -64,7 +65,24 @@ void triSurface::dropFaceData() {
 
 void triSurface::fromMesh(const meshInterface& source) {
   *this = triSurface();
+  // A scan mesh deletes nothing and holds triangles: its arrays come over in bulk.
+  if (const triMesh* scan = dynamic_cast<const triMesh*>(&source)) {
+    vertices = scan->getVertices();
+    if (scan->hasVN()) normals = scan->getNormals();
+    const std::vector<unsigned int>& corners = scan->getFaces();
+    const size_t nv = vertices.size();
+    faces.resize(corners.size() / 3);
+    size_t kept = 0;
+    for (size_t c = 0; c + 2 < corners.size(); c += 3) {
+      const unsigned int a = corners[c], b = corners[c + 1], d = corners[c + 2];
+      if (a < nv && b < nv && d < nv) faces[kept++] = {int(a), int(b), int(d)};
+    }
+    faces.resize(kept);
+    return;
+  }
   std::vector<int> map(source.vn(), -1);
+  vertices.reserve(source.vn());
+  if (source.hasVN()) normals.reserve(source.vn());
   for (unsigned int v = 0; v < source.vn(); ++v) {
     if (source.isVertDeleted(v)) continue;
     map[v] = int(vertices.size());
@@ -72,6 +90,7 @@ void triSurface::fromMesh(const meshInterface& source) {
     if (source.hasVN()) normals.push_back(source.vNor(v));
   }
   const bool flags = source.hasFaceFlags();
+  faces.reserve(source.fn());
   for (unsigned int f = 0; f < source.fn(); ++f) {
     if (flags && source.isFaceDeleted(f)) continue;
     const unsigned int n = source.f2vNum(f);
@@ -86,9 +105,24 @@ void triSurface::fromMesh(const meshInterface& source) {
 
 void triSurface::toMesh(meshInterface& target) const {
   target.clear();
+  const bool withNormals = normals.size() == vertices.size() && !normals.empty();
+  if (triMesh* scan = dynamic_cast<triMesh*>(&target)) {
+    scan->getVertices().assign(vertices.begin(), vertices.end());
+    if (withNormals) scan->getNormals().assign(normals.begin(), normals.end());
+    std::vector<unsigned int>& corners = scan->getFaces();
+    corners.resize(3 * faces.size());
+    size_t kept = 0;
+    for (const face& f : faces)
+      if (validFace(f, vertices.size())) {
+        corners[kept++] = unsigned(f[0]), corners[kept++] = unsigned(f[1]);
+        corners[kept++] = unsigned(f[2]);
+      }
+    corners.resize(kept);
+    return;
+  }
   target.vertexReserve(unsigned(vertices.size()));
   for (const point3<float>& p : vertices) target.addVertex(p);
-  if (normals.size() == vertices.size() && !normals.empty()) {
+  if (withNormals) {
     target.vertexNormalResize(unsigned(vertices.size()));
     for (size_t v = 0; v < normals.size(); ++v) target.vNor(unsigned(v)) = normals[v];
   }

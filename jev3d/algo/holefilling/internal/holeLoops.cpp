@@ -63,6 +63,15 @@ void holeEdgeSet::buildFromSides(unsigned int vertexCount, ForEachSide forEachSi
     const int* outEnd = target.data() + outStart[v + 1];
     const int* in = source.data() + inStart[v];
     const int* inEnd = source.data() + inStart[v + 1];
+    // Inside a surface both lists are the same set (each edge walked once either way):
+    // the row is that list, with no border edge.
+    if (outEnd - out == inEnd - in && std::equal(out, outEnd, in) &&
+        std::adjacent_find(out, outEnd) == outEnd) {
+      row.insert(row.end(), out, outEnd);
+      rowStart[v + 1] = unsigned(row.size());
+      borderStart[v + 1] = unsigned(borderTarget.size());
+      continue;
+    }
     while (out != outEnd || in != inEnd) {
       const int w = in == inEnd || (out != outEnd && *out < *in) ? *out : *in;
       unsigned int outUses = 0, inUses = 0;
