@@ -38,6 +38,26 @@ void forEachSide(const std::vector<triSurface::face>& faces, size_t nv, Side sid
   }
 }
 
+// Adds each face's normal, (b - a) x (c - a), to its corners that take(v) accepts, face
+// by face: the sums, and so the unit normals, are the same whichever corners are taken.
+template <class Take>
+void addFaceNormals(const std::vector<point3<float>>& vertices,
+                    const std::vector<triSurface::face>& faces, std::vector<point3<float>>& sums,
+                    Take take) {
+  const size_t nv = vertices.size();
+  for (const triSurface::face& f : faces) {
+    if (!validFace(f, nv)) continue;
+    const size_t i0 = size_t(f[0]), i1 = size_t(f[1]), i2 = size_t(f[2]);
+    const bool t0 = take(i0), t1 = take(i1), t2 = take(i2);
+    if (!(t0 || t1 || t2)) continue;
+    const point3<float>&a = vertices[i0], &b = vertices[i1], &c = vertices[i2];
+    const point3<float> n = point3<float>::cross(b - a, c - a);
+    if (t0) sums[i0] += n;
+    if (t1) sums[i1] += n;
+    if (t2) sums[i2] += n;
+  }
+}
+
 }  // namespace
 
 triSurface::triSurface() : diagnostics(&std::cout) {}
@@ -311,15 +331,19 @@ void triSurface::needNormals() {
   needFaces();
   diag("Computing normals... ");
   normals.assign(nv, point3<float>());
-  for (const face& f : faces) {
-    if (!validFace(f, nv)) continue;
-    const point3<float>&a = vertices[size_t(f[0])], &b = vertices[size_t(f[1])],
-          &c = vertices[size_t(f[2])];
-    const point3<float> n = point3<float>::cross(b - a, c - a);
-    for (int i = 0; i < 3; ++i) normals[size_t(f[size_t(i)])] += n;
-  }
+  addFaceNormals(vertices, faces, normals, [](size_t) { return true; });
   for (point3<float>& n : normals) n.normalize();
   diag("Done.\n");
+}
+
+void triSurface::normalsOf(const std::vector<unsigned char>& wanted,
+                           std::vector<point3<float>>& out) const {
+  const size_t nv = vertices.size();
+  out.assign(nv, point3<float>());
+  const auto take = [&](size_t v) { return v < wanted.size() && wanted[v]; };
+  addFaceNormals(vertices, faces, out, take);
+  for (size_t v = 0; v < nv; ++v)
+    if (take(v)) out[v].normalize();
 }
 
 void triSurface::needPointAreas() {

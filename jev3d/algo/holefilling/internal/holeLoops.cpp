@@ -112,11 +112,44 @@ void holeEdgeSet::buildTriangles(unsigned int vertexCount,
   });
 }
 
+void holeEdgeSet::buildRowsOf(unsigned int vertexCount,
+                              const std::vector<std::array<int, 3>>& triangles,
+                              const std::vector<unsigned char>& wanted) {
+  const auto isWanted = [&](int v) {
+    return unsigned(v) < vertexCount && size_t(v) < wanted.size() && wanted[size_t(v)];
+  };
+  // (wanted vertex, neighbour) for every side at a wanted vertex.
+  std::vector<std::pair<int, int>> links;
+  const auto side = [&](int x, int y) {
+    if (x == y || unsigned(x) >= vertexCount || unsigned(y) >= vertexCount) return;
+    if (isWanted(x)) links.emplace_back(x, y);
+    if (isWanted(y)) links.emplace_back(y, x);
+  };
+  for (const std::array<int, 3>& t : triangles)
+    if (isWanted(t[0]) || isWanted(t[1]) || isWanted(t[2]))
+      side(t[0], t[1]), side(t[1], t[2]), side(t[2], t[0]);
+  std::sort(links.begin(), links.end());
+  links.erase(std::unique(links.begin(), links.end()), links.end());
+  rowStart.assign(size_t(vertexCount) + 1, 0);
+  row.resize(links.size());
+  for (size_t k = 0; k < links.size(); ++k) {
+    ++rowStart[size_t(links[k].first) + 1];
+    row[k] = links[k].second;
+  }
+  for (size_t v = 0; v < vertexCount; ++v) rowStart[v + 1] += rowStart[v];
+  borderStart.assign(size_t(vertexCount) + 1, 0);
+  borderTarget.clear();
+}
+
+// Rows are symmetric, so either end's row answers; looking in both lets a set built for
+// some vertices answer every pair with one of them at an end.
 bool holeEdgeSet::hasEdge(int a, int b) const {
   if (a < 0 || b < 0 || unsigned(a) >= vertexCount() || unsigned(b) >= vertexCount()) return false;
-  const int* first = neighbours(a);
-  const int* last = first + neighbourCount(a);
-  return std::binary_search(first, last, b);
+  const auto inRow = [this](int v, int w) {
+    const int* first = neighbours(v);
+    return std::binary_search(first, first + neighbourCount(v), w);
+  };
+  return inRow(a, b) || inRow(b, a);
 }
 
 bool holeEdgeSet::traceLoops(std::vector<std::vector<int>>& loops) const {

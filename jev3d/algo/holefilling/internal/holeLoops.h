@@ -24,7 +24,15 @@ class holeEdgeSet {
   // The same for triangles, three corners each.
   void buildTriangles(unsigned int vertexCount, const std::vector<std::array<int, 3>>& triangles);
 
+  // Only the rows of the vertices whose byte in wanted is set (in full, as build gives
+  // them); every other row is empty and no border edge is kept, so nothing traces. For
+  // loops known beforehand, whose fill reads the rows of their own corners alone: one
+  // pass over the triangles instead of the whole set.
+  void buildRowsOf(unsigned int vertexCount, const std::vector<std::array<int, 3>>& triangles,
+                   const std::vector<unsigned char>& wanted);
+
   unsigned int vertexCount() const { return unsigned(rowStart.size()) - 1; }
+  // Whether a and b share an edge; after buildRowsOf, known when one of them is wanted.
   bool hasEdge(int a, int b) const;
   // Neighbours of v in ascending order.
   const int* neighbours(int v) const { return row.data() + rowStart[size_t(v)]; }
