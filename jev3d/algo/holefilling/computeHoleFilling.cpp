@@ -170,9 +170,11 @@ bool fillHoles(const meshInterface& source, unsigned int maxSize, meshInterface&
   std::vector<unsigned char> onLoop(vertexCount, 0);
   for (const auto& loop : loops)
     for (int v : loop) onLoop[size_t(v)] = 1;
-  if (!givenLoops.empty()) edges.buildRowsOf(vertexCount, surface.faces, onLoop);
   std::vector<MATH::point3<float>> normals;
-  surface.normalsOf(onLoop, normals);
+  std::vector<triSurface::face> facesOnLoops;
+  surface.normalsOf(onLoop, normals, &facesOnLoops);
+  // The faces at the corners hold every side a corner's row is made of.
+  if (!givenLoops.empty()) edges.buildRowsOf(vertexCount, facesOnLoops, onLoop);
   const float feature = surface.featureSize();
   HOLEFILLING_INTERNAL::holeSurface work(surface.vertices, normals, edges, feature);
   std::vector<int> corners;

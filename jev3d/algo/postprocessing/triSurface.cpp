@@ -40,16 +40,18 @@ void forEachSide(const std::vector<triSurface::face>& faces, size_t nv, Side sid
 
 // Adds each face's normal, (b - a) x (c - a), to its corners that take(v) accepts, face
 // by face: the sums, and so the unit normals, are the same whichever corners are taken.
+// facesMet, when given, receives the faces with a corner taken, in order.
 template <class Take>
 void addFaceNormals(const std::vector<point3<float>>& vertices,
                     const std::vector<triSurface::face>& faces, std::vector<point3<float>>& sums,
-                    Take take) {
+                    Take take, std::vector<triSurface::face>* facesMet) {
   const size_t nv = vertices.size();
   for (const triSurface::face& f : faces) {
     if (!validFace(f, nv)) continue;
     const size_t i0 = size_t(f[0]), i1 = size_t(f[1]), i2 = size_t(f[2]);
     const bool t0 = take(i0), t1 = take(i1), t2 = take(i2);
     if (!(t0 || t1 || t2)) continue;
+    if (facesMet) facesMet->push_back(f);
     const point3<float>&a = vertices[i0], &b = vertices[i1], &c = vertices[i2];
     const point3<float> n = point3<float>::cross(b - a, c - a);
     if (t0) sums[i0] += n;
@@ -91,13 +93,11 @@ void triSurface::fromMesh(const meshInterface& source) {
     if (scan->hasVN()) normals = scan->getNormals();
     const std::vector<unsigned int>& corners = scan->getFaces();
     const size_t nv = vertices.size();
-    faces.resize(corners.size() / 3);
-    size_t kept = 0;
+    faces.reserve(corners.size() / 3);
     for (size_t c = 0; c + 2 < corners.size(); c += 3) {
       const unsigned int a = corners[c], b = corners[c + 1], d = corners[c + 2];
-      if (a < nv && b < nv && d < nv) faces[kept++] = {int(a), int(b), int(d)};
+      if (a < nv && b < nv && d < nv) faces.push_back({int(a), int(b), int(d)});
     }
-    faces.resize(kept);
     return;
   }
   std::vector<int> map(source.vn(), -1);
@@ -130,14 +130,10 @@ void triSurface::toMesh(meshInterface& target) const {
     scan->getVertices().assign(vertices.begin(), vertices.end());
     if (withNormals) scan->getNormals().assign(normals.begin(), normals.end());
     std::vector<unsigned int>& corners = scan->getFaces();
-    corners.resize(3 * faces.size());
-    size_t kept = 0;
+    corners.reserve(3 * faces.size());
     for (const face& f : faces)
-      if (validFace(f, vertices.size())) {
-        corners[kept++] = unsigned(f[0]), corners[kept++] = unsigned(f[1]);
-        corners[kept++] = unsigned(f[2]);
-      }
-    corners.resize(kept);
+      if (validFace(f, vertices.size()))
+        corners.insert(corners.end(), {unsigned(f[0]), unsigned(f[1]), unsigned(f[2])});
     return;
   }
   target.vertexReserve(unsigned(vertices.size()));
@@ -331,17 +327,19 @@ void triSurface::needNormals() {
   needFaces();
   diag("Computing normals... ");
   normals.assign(nv, point3<float>());
-  addFaceNormals(vertices, faces, normals, [](size_t) { return true; });
+  addFaceNormals(
+      vertices, faces, normals, [](size_t) { return true; }, nullptr);
   for (point3<float>& n : normals) n.normalize();
   diag("Done.\n");
 }
 
 void triSurface::normalsOf(const std::vector<unsigned char>& wanted,
-                           std::vector<point3<float>>& out) const {
+                           std::vector<point3<float>>& out, std::vector<face>* facesMet) const {
   const size_t nv = vertices.size();
   out.assign(nv, point3<float>());
+  if (facesMet) facesMet->clear();
   const auto take = [&](size_t v) { return v < wanted.size() && wanted[v]; };
-  addFaceNormals(vertices, faces, out, take);
+  addFaceNormals(vertices, faces, out, take, facesMet);
   for (size_t v = 0; v < nv; ++v)
     if (take(v)) out[v].normalize();
 }

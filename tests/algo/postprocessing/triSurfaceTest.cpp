@@ -263,8 +263,16 @@ TEST(triSurfaceSteps, NormalsOfSomeVerticesAreTheirsAmongAllBitForBit) {
   for (size_t v = 0; v < wanted.size(); v += 4) wanted[v] = 1;
   wanted[20] = 1;
   std::vector<p3> some;
-  t.normalsOf(wanted, some);
+  std::vector<triSurface::face> met{{7, 7, 7}};
+  t.normalsOf(wanted, some, &met);
   EXPECT_EQ(out.str(), "");
+  // The faces met are those with a wanted corner, in order; the bad one is not among them.
+  std::vector<triSurface::face> expected;
+  for (const auto& f : t.faces)
+    if (f[2] < 1000 && (wanted[size_t(f[0])] || wanted[size_t(f[1])] || wanted[size_t(f[2])]))
+      expected.push_back(f);
+  EXPECT_EQ(met, expected);
+  EXPECT_LT(met.size(), t.faces.size());
   t.needNormals();
   ASSERT_EQ(some.size(), t.normals.size());
   for (size_t v = 0; v < some.size(); ++v) {
