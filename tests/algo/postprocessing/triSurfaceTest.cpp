@@ -31,6 +31,16 @@ void makeGrid(triSurface& t, int n, float s, std::ostringstream& out) {
     }
 }
 
+// t made from a sphere of triMesh, which is returned, with its diagnostics in out.
+triMesh sphereSurface(triSurface& t, float radius, unsigned rings, unsigned segments,
+                      std::ostringstream& out) {
+  triMesh sphere;
+  sphere.makeSphere(radius, rings, segments);
+  t.fromMesh(sphere);
+  t.diagnostics = &out;
+  return sphere;
+}
+
 // Faces as a set, each rotated to start at its smallest corner.
 std::set<triSurface::face> canonical(const std::vector<triSurface::face>& faces) {
   std::set<triSurface::face> s;
@@ -161,12 +171,9 @@ TEST(triSurfaceSteps, RangeGridTriangulatesAndWarnsOnThinNormals) {
 }
 
 TEST(triSurfaceSteps, SphereCurvatureAndMeshRoundTrip) {
-  triMesh sphere;
-  sphere.makeSphere(2.f, 24, 48);
   std::ostringstream out;
   triSurface t;
-  t.fromMesh(sphere);
-  t.diagnostics = &out;
+  const triMesh sphere = sphereSurface(t, 2.f, 24, 48, out);
   ASSERT_EQ(t.faces.size(), sphere.fn());
   t.needCurvatures();
   // 1/r, within the umbrella estimate's error on the thin triangles near the poles.
@@ -250,12 +257,9 @@ TEST(triSurfaceMesh, AScanMeshCopiesInAndOutAsAnyOtherMesh) {
 }
 
 TEST(triSurfaceSteps, NormalsOfSomeVerticesAreTheirsAmongAllBitForBit) {
-  triMesh sphere;
-  sphere.makeSphere(1.5f, 10, 16);
   std::ostringstream out;
   triSurface t;
-  t.fromMesh(sphere);
-  t.diagnostics = &out;
+  sphereSurface(t, 1.5f, 10, 16, out);
   // A lifted vertex makes the normals differ from the radial ones; a bad face is skipped.
   t.vertices[20] = t.vertices[20] * 1.3f;
   t.faces.push_back({0, 5, 1000});
