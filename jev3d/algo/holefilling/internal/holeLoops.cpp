@@ -1,7 +1,9 @@
 #include "jev3d/algo/holefilling/internal/holeLoops.h"
 
 #include <algorithm>
+#include <cstddef>
 #include <cstdio>
+#include <memory>
 #include <utility>
 
 namespace JEV {
@@ -40,7 +42,8 @@ void holeEdgeSet::buildFromSides(unsigned int vertexCount, ForEachSide forEachSi
   toStarts(inStart);
   const size_t sideCount = outStart.back();
 
-  std::vector<int> target(sideCount), source(sideCount);
+  // Every entry is written before it is read: no zero fill.
+  const std::unique_ptr<int[]> target(new int[sideCount]), source(new int[sideCount]);
   std::vector<unsigned int> next(outStart.begin(), outStart.end() - 1);
   forEachSide([&](int a, int b) { target[next[size_t(a)]++] = b; });
   next.assign(inStart.begin(), inStart.end() - 1);
@@ -59,15 +62,18 @@ void holeEdgeSet::buildFromSides(unsigned int vertexCount, ForEachSide forEachSi
   borderTarget.clear();
   rowStart[0] = borderStart[0] = 0;
   for (unsigned int v = 0; v < vertexCount; ++v) {
-    const int* out = target.data() + outStart[v];
-    const int* outEnd = target.data() + outStart[v + 1];
-    const int* in = source.data() + inStart[v];
-    const int* inEnd = source.data() + inStart[v + 1];
+    const int* out = target.get() + outStart[v];
+    const int* outEnd = target.get() + outStart[v + 1];
+    const int* in = source.get() + inStart[v];
+    const int* inEnd = source.get() + inStart[v + 1];
     // Inside a surface both lists are the same set (each edge walked once either way):
-    // the row is that list, with no border edge.
-    if (outEnd - out == inEnd - in && std::equal(out, outEnd, in) &&
-        std::adjacent_find(out, outEnd) == outEnd) {
-      row.insert(row.end(), out, outEnd);
+    // the row is that list, with no border edge. Plain loops: the lists are a few long.
+    const ptrdiff_t n = outEnd - out;
+    bool inside = n == inEnd - in;
+    for (ptrdiff_t k = 0; inside && k < n; ++k)
+      inside = out[k] == in[k] && (k == 0 || out[k] != out[k - 1]);
+    if (inside) {
+      for (ptrdiff_t k = 0; k < n; ++k) row.push_back(out[k]);
       rowStart[v + 1] = unsigned(row.size());
       borderStart[v + 1] = unsigned(borderTarget.size());
       continue;
