@@ -22,16 +22,7 @@ namespace {
 
 // The edge set of the surface's faces.
 void buildEdgeSet(const triSurface& surface, holeEdgeSet& edges) {
-  std::vector<int> corners;
-  corners.reserve(surface.faces.size() * 3);
-  std::vector<unsigned int> start;
-  start.reserve(surface.faces.size() + 1);
-  start.push_back(0);
-  for (const triSurface::face& f : surface.faces) {
-    corners.insert(corners.end(), f.begin(), f.end());
-    start.push_back(unsigned(corners.size()));
-  }
-  edges.build(unsigned(surface.vertices.size()), corners, start);
+  edges.buildTriangles(unsigned(surface.vertices.size()), surface.faces);
 }
 
 // Source id -> surface id (-1 for a deleted vertex), as triSurface::fromMesh numbers them.
@@ -139,17 +130,20 @@ bool fillHoles(const meshInterface& source, unsigned int maxSize, meshInterface&
   surface.fromMesh(source);
   const bool hadNormals = source.hasVN();
   const bool hadColours = source.hasVC();
+  // Source ids to surface ids, needed only where source ids come in or colours go out.
+  std::vector<int> map;
+  if (hadColours || !givenLoops.empty() || !mask.empty()) map = liveVertexMap(source);
   std::vector<CORE::color> colours;
-  const std::vector<int> map = liveVertexMap(source);
   if (hadColours)
     for (unsigned int v = 0; v < source.vn(); ++v)
       if (map[v] >= 0) colours.push_back(source.vCol(v));
   surface.normals.clear();  // the work uses its own unit normals
 
+  const unsigned int vertexCount = unsigned(surface.vertices.size());
   holeEdgeSet edges;
-  buildEdgeSet(surface, edges);
   std::vector<std::vector<int>> loops;
   if (givenLoops.empty()) {
+    buildEdgeSet(surface, edges);
     if (!edges.traceLoops(loops)) return false;
   } else {
     // The caller's loops in surface ids; a loop through a deleted or unknown vertex
@@ -161,7 +155,7 @@ bool fillHoles(const meshInterface& source, unsigned int maxSize, meshInterface&
     }
   }
   if (!mask.empty()) {
-    std::vector<unsigned char> surfaceMask(surface.vertices.size(), 0);
+    std::vector<unsigned char> surfaceMask(vertexCount, 0);
     for (unsigned int v = 0; v < source.vn() && v < mask.size(); ++v)
       if (map[v] >= 0) surfaceMask[size_t(map[v])] = mask[v];
     std::vector<std::pair<unsigned int, unsigned int>> ends;
@@ -169,16 +163,28 @@ bool fillHoles(const meshInterface& source, unsigned int maxSize, meshInterface&
   }
   if (cb) cb->setValue(5.f);
 
-  surface.needNormals();
+  // The patches read the surface's normals, and its edges, only at the corners of their
+  // loops: the ear tests and the rim's ring. So only those normals are computed (the
+  // same bits as for the whole surface), and with the loops given no tracing needs the
+  // whole edge set: the rows of the corners are enough.
+  std::vector<unsigned char> onLoop(vertexCount, 0);
+  for (const auto& loop : loops)
+    for (int v : loop) onLoop[size_t(v)] = 1;
+  std::vector<MATH::point3<float>> normals;
+  std::vector<triSurface::face> facesOnLoops;
+  surface.normalsOf(onLoop, normals, &facesOnLoops);
+  // The faces at the corners hold every side a corner's row is made of.
+  if (!givenLoops.empty()) edges.buildRowsOf(vertexCount, facesOnLoops, onLoop);
   const float feature = surface.featureSize();
-  HOLEFILLING_INTERNAL::holeSurface work(surface.vertices, surface.normals, edges, feature);
+  HOLEFILLING_INTERNAL::holeSurface work(surface.vertices, normals, edges, feature);
   std::vector<int> corners;
   HOLEFILLING_INTERNAL::fillLoops(work, loops, maxSize, finish, corners, cb, 5.f, 95.f);
 
+  surface.vertices.reserve(surface.vertices.size() + work.added.size());
   for (const auto& v : work.added) surface.vertices.push_back(v.pos);
+  surface.faces.reserve(surface.faces.size() + corners.size() / 3);
   for (size_t i = 0; i + 2 < corners.size(); i += 3)
     surface.faces.push_back({corners[i], corners[i + 1], corners[i + 2]});
-  surface.normals.clear();
   if (hadNormals) surface.needNormals();
   surface.toMesh(target);
   if (hadColours) {

@@ -8,6 +8,7 @@
 #include <iostream>
 #include <map>
 
+#include "jev3d/algo/postprocessing/triMesh.h"
 #include "jev3d/mesh/meshInterface.h"
 
 namespace JEV {
@@ -34,6 +35,28 @@ void forEachSide(const std::vector<triSurface::face>& faces, size_t nv, Side sid
   for (const triSurface::face& f : faces) {
     if (!validFace(f, nv)) continue;
     for (size_t i = 0; i < 3; ++i) side(size_t(f[i]), size_t(f[(i + 1) % 3]));
+  }
+}
+
+// Adds each face's normal, (b - a) x (c - a), to its corners that take(v) accepts, face
+// by face: the sums, and so the unit normals, are the same whichever corners are taken.
+// facesMet, when given, receives the faces with a corner taken, in order.
+template <class Take>
+void addFaceNormals(const std::vector<point3<float>>& vertices,
+                    const std::vector<triSurface::face>& faces, std::vector<point3<float>>& sums,
+                    Take take, std::vector<triSurface::face>* facesMet) {
+  const size_t nv = vertices.size();
+  for (const triSurface::face& f : faces) {
+    if (!validFace(f, nv)) continue;
+    const size_t i0 = size_t(f[0]), i1 = size_t(f[1]), i2 = size_t(f[2]);
+    const bool t0 = take(i0), t1 = take(i1), t2 = take(i2);
+    if (!(t0 || t1 || t2)) continue;
+    if (facesMet) facesMet->push_back(f);
+    const point3<float>&a = vertices[i0], &b = vertices[i1], &c = vertices[i2];
+    const point3<float> n = point3<float>::cross(b - a, c - a);
+    if (t0) sums[i0] += n;
+    if (t1) sums[i1] += n;
+    if (t2) sums[i2] += n;
   }
 }
 
@@ -64,7 +87,22 @@ void triSurface::dropFaceData() {
 
 void triSurface::fromMesh(const meshInterface& source) {
   *this = triSurface();
+  // A scan mesh deletes nothing and holds triangles: its arrays come over in bulk.
+  if (const triMesh* scan = dynamic_cast<const triMesh*>(&source)) {
+    vertices = scan->getVertices();
+    if (scan->hasVN()) normals = scan->getNormals();
+    const std::vector<unsigned int>& corners = scan->getFaces();
+    const size_t nv = vertices.size();
+    faces.reserve(corners.size() / 3);
+    for (size_t c = 0; c + 2 < corners.size(); c += 3) {
+      const unsigned int a = corners[c], b = corners[c + 1], d = corners[c + 2];
+      if (a < nv && b < nv && d < nv) faces.push_back({int(a), int(b), int(d)});
+    }
+    return;
+  }
   std::vector<int> map(source.vn(), -1);
+  vertices.reserve(source.vn());
+  if (source.hasVN()) normals.reserve(source.vn());
   for (unsigned int v = 0; v < source.vn(); ++v) {
     if (source.isVertDeleted(v)) continue;
     map[v] = int(vertices.size());
@@ -72,6 +110,7 @@ void triSurface::fromMesh(const meshInterface& source) {
     if (source.hasVN()) normals.push_back(source.vNor(v));
   }
   const bool flags = source.hasFaceFlags();
+  faces.reserve(source.fn());
   for (unsigned int f = 0; f < source.fn(); ++f) {
     if (flags && source.isFaceDeleted(f)) continue;
     const unsigned int n = source.f2vNum(f);
@@ -86,9 +125,20 @@ void triSurface::fromMesh(const meshInterface& source) {
 
 void triSurface::toMesh(meshInterface& target) const {
   target.clear();
+  const bool withNormals = normals.size() == vertices.size() && !normals.empty();
+  if (triMesh* scan = dynamic_cast<triMesh*>(&target)) {
+    scan->getVertices().assign(vertices.begin(), vertices.end());
+    if (withNormals) scan->getNormals().assign(normals.begin(), normals.end());
+    std::vector<unsigned int>& corners = scan->getFaces();
+    corners.reserve(3 * faces.size());
+    for (const face& f : faces)
+      if (validFace(f, vertices.size()))
+        corners.insert(corners.end(), {unsigned(f[0]), unsigned(f[1]), unsigned(f[2])});
+    return;
+  }
   target.vertexReserve(unsigned(vertices.size()));
   for (const point3<float>& p : vertices) target.addVertex(p);
-  if (normals.size() == vertices.size() && !normals.empty()) {
+  if (withNormals) {
     target.vertexNormalResize(unsigned(vertices.size()));
     for (size_t v = 0; v < normals.size(); ++v) target.vNor(unsigned(v)) = normals[v];
   }
@@ -277,15 +327,21 @@ void triSurface::needNormals() {
   needFaces();
   diag("Computing normals... ");
   normals.assign(nv, point3<float>());
-  for (const face& f : faces) {
-    if (!validFace(f, nv)) continue;
-    const point3<float>&a = vertices[size_t(f[0])], &b = vertices[size_t(f[1])],
-          &c = vertices[size_t(f[2])];
-    const point3<float> n = point3<float>::cross(b - a, c - a);
-    for (int i = 0; i < 3; ++i) normals[size_t(f[size_t(i)])] += n;
-  }
+  addFaceNormals(
+      vertices, faces, normals, [](size_t) { return true; }, nullptr);
   for (point3<float>& n : normals) n.normalize();
   diag("Done.\n");
+}
+
+void triSurface::normalsOf(const std::vector<unsigned char>& wanted,
+                           std::vector<point3<float>>& out, std::vector<face>* facesMet) const {
+  const size_t nv = vertices.size();
+  out.assign(nv, point3<float>());
+  if (facesMet) facesMet->clear();
+  const auto take = [&](size_t v) { return v < wanted.size() && wanted[v]; };
+  addFaceNormals(vertices, faces, out, take, facesMet);
+  for (size_t v = 0; v < nv; ++v)
+    if (take(v)) out[v].normalize();
 }
 
 void triSurface::needPointAreas() {

@@ -60,6 +60,13 @@ class triSurface {
   // Faces from the strips, else from the grid, when there are none.
   void needFaces();
   void needNormals();
+  // The unit normals that needNormals would give the vertices whose byte in wanted is
+  // set, from the faces alone, bit for bit; the other entries of out are null. For
+  // callers that read a few normals of a large surface: only the faces at those vertices
+  // are measured, and facesMet, when given, receives them in order (all the faces any
+  // further look at those vertices needs). Writes nothing on the diagnostic stream.
+  void normalsOf(const std::vector<unsigned char>& wanted, std::vector<MATH::point3<float>>& out,
+                 std::vector<face>* facesMet = nullptr) const;
   void needPointAreas();
   void needTStrips();
   void unpackTStrips();

@@ -4,11 +4,13 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cstring>
 #include <set>
 #include <sstream>
 
 #include "jev3d/algo/postprocessing/triMesh.h"
 #include "jev3d/algo/postprocessing/triSurface.h"
+#include "jev3d/mesh/editMeshInterface.h"
 
 using JEV::MESH::POSTPROCESSING::triMesh;
 using JEV::MESH::POSTPROCESSING::triSurface;
@@ -27,6 +29,16 @@ void makeGrid(triSurface& t, int n, float s, std::ostringstream& out) {
       t.faces.push_back({a, b, c});
       t.faces.push_back({a, c, d});
     }
+}
+
+// t made from a sphere of triMesh, which is returned, with its diagnostics in out.
+triMesh sphereSurface(triSurface& t, float radius, unsigned rings, unsigned segments,
+                      std::ostringstream& out) {
+  triMesh sphere;
+  sphere.makeSphere(radius, rings, segments);
+  t.fromMesh(sphere);
+  t.diagnostics = &out;
+  return sphere;
 }
 
 // Faces as a set, each rotated to start at its smallest corner.
@@ -159,12 +171,9 @@ TEST(triSurfaceSteps, RangeGridTriangulatesAndWarnsOnThinNormals) {
 }
 
 TEST(triSurfaceSteps, SphereCurvatureAndMeshRoundTrip) {
-  triMesh sphere;
-  sphere.makeSphere(2.f, 24, 48);
   std::ostringstream out;
   triSurface t;
-  t.fromMesh(sphere);
-  t.diagnostics = &out;
+  const triMesh sphere = sphereSurface(t, 2.f, 24, 48, out);
   ASSERT_EQ(t.faces.size(), sphere.fn());
   t.needCurvatures();
   // 1/r, within the umbrella estimate's error on the thin triangles near the poles.
@@ -201,4 +210,81 @@ TEST(triSurfaceBadData, FacesOutOfRangeAreSkippedByEveryStep) {
   s.tstrips = {0, 1, 2, 7, -1, 5, 6, 8, -1};
   s.needFaces();
   EXPECT_EQ(s.faces.size(), 1u);
+}
+
+TEST(triSurfaceMesh, AScanMeshCopiesInAndOutAsAnyOtherMesh) {
+  // A scan mesh with normals and two faces naming vertices it does not have.
+  triMesh scan;
+  scan.makeSphere(1.f, 8, 12);
+  scan.computeVertexFaceNormalizedNormals(true);
+  scan.getFaces().insert(scan.getFaces().end(), {0, 1, 999, 2, 3, 4});
+  // The same through the editable mesh's interface, which copyTo leaves without the
+  // bad face.
+  JEV::MESH::editMesh edit;
+  JEV::MESH::editMeshInterface editView(edit);
+  scan.copyTo(editView);
+  triSurface fromScan, fromEdit;
+  fromScan.fromMesh(scan);
+  fromEdit.fromMesh(editView);
+  EXPECT_EQ(fromScan.vertices, fromEdit.vertices);
+  EXPECT_EQ(fromScan.normals, fromEdit.normals);
+  EXPECT_EQ(fromScan.faces, fromEdit.faces);
+  ASSERT_EQ(fromScan.faces.size(), scan.fn() - 1);
+  EXPECT_EQ(fromScan.faces.back(), (triSurface::face{2, 3, 4}));
+
+  // Written back, a scan target and an editable one get the same arrays; a face out of
+  // range is left out of both.
+  fromScan.faces.push_back({0, 1, -3});
+  triMesh scanBack;
+  scanBack.makeCube();
+  scanBack.computeFaceFaceTopology();
+  fromScan.toMesh(scanBack);
+  JEV::MESH::editMesh editBack;
+  JEV::MESH::editMeshInterface editBackView(editBack);
+  fromScan.toMesh(editBackView);
+  ASSERT_EQ(scanBack.vn(), editBack.vn());
+  ASSERT_EQ(scanBack.fn(), scan.fn() - 1);
+  ASSERT_EQ(editBack.fn(), scanBack.fn());
+  for (unsigned v = 0; v < scanBack.vn(); ++v) {
+    EXPECT_EQ(scanBack.vPos(v), editBack.vPos(v));
+    EXPECT_EQ(scanBack.vNor(v), editBack.vNor(v));
+  }
+  for (unsigned f = 0; f < scanBack.fn(); ++f)
+    for (unsigned i = 0; i < 3; ++i) EXPECT_EQ(scanBack.fV(f, i), editBack.fV(f, i));
+  // Nothing derived from the cube's faces outlives the copy.
+  EXPECT_FALSE(scanBack.hasFF());
+  EXPECT_FALSE(scanBack.hasVC());
+}
+
+TEST(triSurfaceSteps, NormalsOfSomeVerticesAreTheirsAmongAllBitForBit) {
+  std::ostringstream out;
+  triSurface t;
+  sphereSurface(t, 1.5f, 10, 16, out);
+  // A lifted vertex makes the normals differ from the radial ones; a bad face is skipped.
+  t.vertices[20] = t.vertices[20] * 1.3f;
+  t.faces.push_back({0, 5, 1000});
+  std::vector<unsigned char> wanted(t.vertices.size(), 0);
+  for (size_t v = 0; v < wanted.size(); v += 4) wanted[v] = 1;
+  wanted[20] = 1;
+  std::vector<p3> some;
+  std::vector<triSurface::face> met{{7, 7, 7}};
+  t.normalsOf(wanted, some, &met);
+  EXPECT_EQ(out.str(), "");
+  // The faces met are those with a wanted corner, in order; the bad one is not among them.
+  std::vector<triSurface::face> expected;
+  for (const auto& f : t.faces)
+    if (f[2] < 1000 && (wanted[size_t(f[0])] || wanted[size_t(f[1])] || wanted[size_t(f[2])]))
+      expected.push_back(f);
+  EXPECT_EQ(met, expected);
+  EXPECT_LT(met.size(), t.faces.size());
+  t.needNormals();
+  ASSERT_EQ(some.size(), t.normals.size());
+  for (size_t v = 0; v < some.size(); ++v) {
+    if (wanted[v]) {
+      EXPECT_EQ(std::memcmp(&some[v], &t.normals[v], sizeof(p3)), 0) << "vertex " << v;
+    } else {
+      EXPECT_EQ(some[v], p3()) << "vertex " << v;
+    }
+  }
+  EXPECT_NEAR(some[20].norm(), 1.f, 1e-6f);
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <vector>
@@ -20,8 +21,18 @@ class holeEdgeSet {
   // ignored together with the sides that use them.
   void build(unsigned int vertexCount, const std::vector<int>& corners,
              const std::vector<unsigned int>& faceStart);
+  // The same for triangles, three corners each.
+  void buildTriangles(unsigned int vertexCount, const std::vector<std::array<int, 3>>& triangles);
+
+  // Only the rows of the vertices whose byte in wanted is set (in full, as build gives
+  // them); every other row is empty and no border edge is kept, so nothing traces. For
+  // loops known beforehand, whose fill reads the rows of their own corners alone: one
+  // pass over the triangles instead of the whole set.
+  void buildRowsOf(unsigned int vertexCount, const std::vector<std::array<int, 3>>& triangles,
+                   const std::vector<unsigned char>& wanted);
 
   unsigned int vertexCount() const { return unsigned(rowStart.size()) - 1; }
+  // Whether a and b share an edge; after buildRowsOf, known when one of them is wanted.
   bool hasEdge(int a, int b) const;
   // Neighbours of v in ascending order.
   const int* neighbours(int v) const { return row.data() + rowStart[size_t(v)]; }
@@ -35,6 +46,11 @@ class holeEdgeSet {
   bool traceLoops(std::vector<std::vector<int>>& loops) const;
 
  private:
+  // forEachSide(visit) calls visit(a, b) for every face side a -> b to count, both ids in
+  // range and apart; it is called twice and must give the same sides both times.
+  template <class ForEachSide>
+  void buildFromSides(unsigned int vertexCount, ForEachSide forEachSide);
+
   std::vector<unsigned int> rowStart;
   std::vector<int> row;
   std::vector<unsigned int> borderStart;  // outgoing border edges per vertex

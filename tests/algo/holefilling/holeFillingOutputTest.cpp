@@ -1,0 +1,163 @@
+// The whole output of the triangulating fill is pinned bit for bit: every vertex,
+// normal, colour and face of the target, in order, on generated holes and on the shared
+// bunny. The copy into the work surface, its edge set, normals and feature size and the
+// write back are all on this path, so a faster build of any of them must leave these
+// checksums as they are. The feature-size sampler is seeded before each call, as its
+// state is shared by the whole process.
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <cstdint>
+#include <cstring>
+#include <vector>
+
+#include "jev3d/algo/holefilling/computeHoleFilling.h"
+#include "jev3d/algo/postprocessing/triMesh.h"
+#include "jev3d/algo/postprocessing/triSurface.h"
+#include "jev3d/mesh/editMeshInterface.h"
+#include "support/dataFiles.h"
+#include "support/meshes.h"
+
+using namespace JEV::MESH;
+using namespace JEV::MESH::ALGO;
+using POSTPROCESSING::triMesh;
+using POSTPROCESSING::triSurface;
+using testMeshes::p3;
+
+namespace {
+
+// FNV-1a over raw bytes.
+struct byteHash {
+  uint64_t h = 14695981039346656037ull;
+  void add(const void* data, size_t n) {
+    const unsigned char* b = static_cast<const unsigned char*>(data);
+    for (size_t i = 0; i < n; ++i) h = (h ^ b[i]) * 1099511628211ull;
+  }
+  void add(unsigned int v) { add(&v, sizeof v); }
+};
+
+// Everything a fill writes to its target, in order.
+uint64_t meshHash(const meshInterface& m) {
+  byteHash h;
+  h.add(m.vn());
+  h.add(m.fn());
+  h.add(unsigned(m.hasVN()) | unsigned(m.hasVC()) << 1);
+  for (unsigned v = 0; v < m.vn(); ++v) {
+    h.add(&m.vPos(v), sizeof(p3));
+    if (m.hasVN()) h.add(&m.vNor(v), sizeof(p3));
+    if (m.hasVC()) h.add(&m.vCol(v), sizeof(JEV::CORE::color));
+  }
+  for (unsigned f = 0; f < m.fn(); ++f) {
+    h.add(m.f2vNum(f));
+    for (unsigned i = 0; i < m.f2vNum(f); ++i) h.add(m.fV(f, i));
+  }
+  return h.h;
+}
+
+using loopList = std::vector<std::vector<unsigned>>;
+
+uint64_t fillHash(const meshInterface& source, meshInterface& target, const loopList& loops = {}) {
+  triSurface::setRandomState(20261125u);
+  testing::internal::CaptureStdout();
+  const bool ok = computeHoleFilling(source, 0, target, true, loops);
+  testing::internal::GetCapturedStdout();
+  EXPECT_TRUE(ok);
+  return meshHash(target);
+}
+
+// The band of a unit sphere between 30 and 40 degrees from the north pole, 2,000
+// segments around and 24 rows: two loops of 2,000 rim vertices on long thin cells.
+void sphereBand(triMesh& m) {
+  const unsigned seg = 2000, rows = 24;
+  const double pi = 3.14159265358979323846, t0 = pi / 6, dt = (pi / 18) / rows;
+  for (unsigned r = 0; r <= rows; ++r)
+    for (unsigned s = 0; s < seg; ++s) {
+      const double t = t0 + r * dt, p = 2 * pi * s / seg;
+      m.addVertex(p3(float(std::sin(t) * std::cos(p)), float(std::sin(t) * std::sin(p)),
+                     float(std::cos(t))));
+    }
+  for (unsigned r = 0; r < rows; ++r)
+    for (unsigned s = 0; s < seg; ++s) {
+      const unsigned a = r * seg + s, b = r * seg + (s + 1) % seg, d = a + seg, e = b + seg;
+      m.addFace(a, d, e);
+      m.addFace(a, e, b);
+    }
+}
+
+// The loops of a mesh and a checksum of them in order.
+uint64_t loopHash(const meshInterface& m, loopList& loops) {
+  std::vector<std::pair<unsigned, unsigned>> ends;
+  testing::internal::CaptureStdout();
+  EXPECT_TRUE(computeHoleFillingFindHole(m, {}, loops, ends));
+  testing::internal::GetCapturedStdout();
+  byteHash h;
+  for (const auto& l : loops) {
+    h.add(unsigned(l.size()));
+    for (unsigned v : l) h.add(v);
+  }
+  return h.h;
+}
+
+}  // namespace
+
+TEST(HoleFillingOutput, TheBandsLoopsFillBitForBit) {
+  triMesh band;
+  sphereBand(band);
+  loopList loops;
+  EXPECT_EQ(loopHash(band, loops), 6415617957738105077u);
+  ASSERT_EQ(loops.size(), 2u);
+  // The upper rim alone, as given loops; then every loop as traced, with normals and
+  // colours on the source.
+  triMesh target;
+  EXPECT_EQ(fillHash(band, target, {loops[1]}), 693844315219768242u);
+  EXPECT_EQ(target.fn(), band.fn() + 1998);
+  band.computeVertexFaceNormalizedNormals(true);
+  band.setVertexColor(JEV::CORE::color(10, 20, 30, 40));
+  EXPECT_EQ(fillHash(band, target), 3623538124579258567u);
+  EXPECT_EQ(target.fn(), band.fn() + 2 * 1998);
+  // Colours of new vertices stay at the array's default; old ones are carried.
+  EXPECT_EQ(target.vCol(0).r, 10);
+}
+
+TEST(HoleFillingOutput, ACappedSphereOnTheEditableMeshFillsBitForBit) {
+  editMesh sphere, capped;
+  testMeshes::makeSphere(sphere, 24, 48);
+  sphere.triangulate();
+  std::vector<unsigned> keep;
+  for (unsigned f = 0; f < sphere.fn(); ++f) {
+    p3 c;
+    for (unsigned i = 0; i < 3; ++i) c += sphere.vPos(sphere.fV(f, i));
+    if (c.z / 3.f <= 0.6f && std::fabs(c.x) > 0.05f) keep.push_back(f);
+  }
+  sphere.subset(&capped, keep);
+  testMeshes::finishMesh(capped);
+  // A deleted vertex and face in the middle: the copy renumbers around them.
+  capped.deleteFace(capped.fn() / 2);
+  capped.deleteVertex(capped.fV(capped.fn() / 3, 0));
+  testMeshes::finishMesh(capped);
+  editMeshInterface in(capped);
+  editMesh out;
+  editMeshInterface to(out);
+  EXPECT_EQ(fillHash(in, to), 8795843467783438837u);
+}
+
+TEST(HoleFillingOutput, TheBunnysHolesFillBitForBit) {
+  JEV3D_REQUIRE_DATA("ply/stanford_bun_zipper.ply");
+  triMesh bunny;
+  ASSERT_TRUE(bunny.readPlyFromFile(dataFile("ply/stanford_bun_zipper.ply")));
+  loopList loops;
+  EXPECT_EQ(loopHash(bunny, loops), 2631182808172359523u);
+  triMesh target;
+  EXPECT_EQ(fillHash(bunny, target, loops), 12925015195275317707u);
+  EXPECT_EQ(fillHash(bunny, target), 12925015195275317707u);
+  bunny.computeVertexFaceNormalizedNormals(true);
+  EXPECT_EQ(fillHash(bunny, target), 3245456921918715715u);
+  // Through the editable mesh as well.
+  editMesh mesh;
+  editMeshInterface meshIn(mesh);
+  bunny.copyTo(meshIn);
+  testMeshes::finishMesh(mesh);
+  editMesh out;
+  editMeshInterface to(out);
+  EXPECT_EQ(fillHash(meshIn, to), 3245456921918715715u);
+}
