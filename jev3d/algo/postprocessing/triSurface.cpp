@@ -336,12 +336,14 @@ void triSurface::needNormals() {
 void triSurface::normalsOf(const std::vector<unsigned char>& wanted,
                            std::vector<point3<float>>& out, std::vector<face>* facesMet) const {
   const size_t nv = vertices.size();
+  diag("Computing normals... ");
   out.assign(nv, point3<float>());
   if (facesMet) facesMet->clear();
   const auto take = [&](size_t v) { return v < wanted.size() && wanted[v]; };
   addFaceNormals(vertices, faces, out, take, facesMet);
   for (size_t v = 0; v < nv; ++v)
     if (take(v)) out[v].normalize();
+  diag("Done.\n");
 }
 
 void triSurface::needPointAreas() {

@@ -64,7 +64,8 @@ class triSurface {
   // set, from the faces alone, bit for bit; the other entries of out are null. For
   // callers that read a few normals of a large surface: only the faces at those vertices
   // are measured, and facesMet, when given, receives them in order (all the faces any
-  // further look at those vertices needs). Writes nothing on the diagnostic stream.
+  // further look at those vertices needs). Says on the diagnostic stream what needNormals
+  // says, as the normals a caller needs are computed all the same.
   void normalsOf(const std::vector<unsigned char>& wanted, std::vector<MATH::point3<float>>& out,
                  std::vector<face>* facesMet = nullptr) const;
   void needPointAreas();
