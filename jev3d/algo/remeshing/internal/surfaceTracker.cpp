@@ -24,10 +24,14 @@ using p3 = MATH::point3<float>;
 constexpr unsigned int NONE = surfaceTracker::NONE;
 constexpr unsigned int MAX_SPLIT_PASSES = 8;
 constexpr unsigned int FLIP_PASSES = 2;
-// During the rounds a collapse may make edges up to this much above the longest
-// allowed: the rounds then settle near the middle of the allowed lengths, not at their
-// short end, and the last stage trims what is left above.
-constexpr float COLLAPSE_REACH = 1.15f;
+// A band of lengths whose short end is at least this share of its long end is narrow.
+constexpr float NARROW_BAND = 0.75f;
+constexpr float WIDE_COLLAPSE_REACH = 1.15f;
+// Extra rounds, spring relaxations and vertex sweeps that settle a narrow band.
+constexpr unsigned int EQUALISE_ROUNDS = 8;
+constexpr unsigned int SPRING_ROUNDS = 2;
+constexpr unsigned int SWEEP_ROUNDS = 3;
+
 constexpr float FEATURE_COS = 0.5f;  // normals more than 60 degrees apart
 
 // Twice the area vector of a triangle.
@@ -97,8 +101,8 @@ struct surfaceTracker::state {
   p3 faceNormal(unsigned int f) const {
     return areaVector(pos[V(f, 0)], pos[V(f, 1)], pos[V(f, 2)]);
   }
-  bool splitLongEdges();
-  unsigned int collapseShortEdges(float reach);
+  bool splitLongEdges(float longest);
+  unsigned int collapseShortEdges(float shortest, float reach);
   unsigned int flipEdges(bool forLength);
   bool collapseAllowed(unsigned int keep, unsigned int gone, const p3& p, float reach);
   // Calls fn(f) for the live faces around v, including those of the vertices collapsed
@@ -111,7 +115,18 @@ struct surfaceTracker::state {
     return true;
   }
   bool flipAllowed(const edgeRec& e, unsigned int c, unsigned int d);
-  void relaxAndProject(bool relax);
+  enum class move { FRESH, CENTROID, SPRINGS };
+  bool projectOntoInput(unsigned int v, const p3& target, p3& onSurface);
+  unsigned int bandSweep(float lo, float hi);
+  void relaxAndProject(move how, float rest = 0.f, bool project = true);
+  // One round: split above split, put the midpoints on the input (projectSplits),
+  // collapse below collapse without an edge above reach, flip towards valence 6, relax.
+  struct roundLengths {
+    float split, collapse, reach;
+    unsigned int relaxations;
+    bool projectSplits;
+  };
+  void round(const roundLengths& r);
 };
 
 surfaceTracker::surfaceTracker(const std::vector<p3>& positions,
@@ -234,8 +249,8 @@ void surfaceTracker::state::compactFaces() {
 // Every edge longer than the bound gets its midpoint; each face is cut by the
 // midpoints of its sides (one, two or three of them). A border edge between two fixed
 // vertices is the seam to the rest of the mesh and stays whole.
-bool surfaceTracker::state::splitLongEdges() {
-  const float limit = params.maxEdgeLength * params.maxEdgeLength;
+bool surfaceTracker::state::splitLongEdges(float longest) {
+  const float limit = longest * longest;
   std::vector<unsigned int> mid(edges.size(), NONE);
   bool any = false;
   for (unsigned int e = 0; e < edges.size(); ++e) {
@@ -265,7 +280,7 @@ bool surfaceTracker::state::splitLongEdges() {
 // reach times the longest edge allowed.
 bool surfaceTracker::state::collapseAllowed(unsigned int keep, unsigned int gone, const p3& p,
                                             float reach) {
-  const float limit = reach * reach * params.maxEdgeLength * params.maxEdgeLength;
+  const float limit = reach * reach;
   // No edge at p may come out long; the commonest refusal, so it is tested first.
   for (unsigned int end : {keep, gone})
     if (!forFacesOf(end, [&](unsigned int f) {
@@ -335,8 +350,8 @@ bool surfaceTracker::state::collapseAllowed(unsigned int keep, unsigned int gone
 // the faces around an end are current without a rebuild; an edge read from the last
 // rebuild runs between the ends its ends went into. A fixed end stays, a border end
 // stays against an inner one, otherwise the ends meet at the midpoint.
-unsigned int surfaceTracker::state::collapseShortEdges(float reach) {
-  const float limit = params.minEdgeLength * params.minEdgeLength;
+unsigned int surfaceTracker::state::collapseShortEdges(float shortest, float reach) {
+  const float limit = shortest * shortest;
   // Shortest first, near enough: a counting sort into buckets of squared length. Each
   // bucket is a sweep over the mesh in memory order; sixteen keep the sweeps few at
   // hardly a change of the result.
@@ -475,14 +490,120 @@ unsigned int surfaceTracker::state::flipEdges(bool forLength) {
   return done;
 }
 
+// Where v, moved to target, lands on the input; hint[v] follows. False if the input
+// has no triangle at all.
+bool surfaceTracker::state::projectOntoInput(unsigned int v, const p3& target, p3& onSurface) {
+  // The surface is near: the last triangle projected onto, or one around its corners,
+  // usually holds the new closest point, and a projection inside that triangle is taken
+  // as it is (a nearer point elsewhere would need the surface to fold back within that
+  // distance). Otherwise the nearest found bounds the search of the tree, which then
+  // prunes nearly all of it (widened a little for the rounding of the tree's own
+  // arithmetic); failing that, the longest edge allowed does.
+  bool projected = false;
+  float reach = params.maxEdgeLength * params.maxEdgeLength;
+  if (hint[v] != NONE) {
+    const unsigned int last = hint[v];
+    float best = std::numeric_limits<float>::max();
+    auto tryTriangle = [&](unsigned int t) {
+      const unsigned int* c = &inputTri[3 * size_t(t)];
+      float u, w;
+      const p3 q = MATH::closestPointOnTriangle(target, inputPos[c[0]], inputPos[c[1]],
+                                                inputPos[c[2]], u, w);
+      const float d = (target - q).squaredNorm();
+      if (d >= best) return;
+      best = d, onSurface = q, hint[v] = t;
+      projected = u > 0.f && w > 0.f && u + w < 1.f;
+    };
+    tryTriangle(last);
+    for (unsigned int k = 0; k < 3 && !projected; ++k) {
+      const unsigned int corner = inputTri[3 * size_t(last) + k];
+      for (unsigned int i = inputVtStart[corner]; i < inputVtStart[corner + 1]; ++i)
+        tryTriangle(inputVtList[i]);
+    }
+    reach = best * 1.0001f + std::numeric_limits<float>::min();
+  }
+  MATH::closestPointHit hit;
+  if (!projected && (input.closestPoint(target, reach, hit) ||
+                     input.closestPoint(target, std::numeric_limits<float>::max(), hit))) {
+    projected = true;
+    onSurface = hit.point;
+    hint[v] = hit.triangle;
+  }
+  return projected;
+}
+
+// Moves each free inner vertex with edges outside [lo, hi] in its tangent plane along
+// the pull of those edges, onto the input, where that leaves fewer of its edges outside
+// (or as many, less far outside) and turns no face over.
+unsigned int surfaceTracker::state::bandSweep(float lo, float hi) {
+  unsigned int moved = 0;
+  for (unsigned int v = 0; v < pos.size(); ++v) {
+    if (fixed[v] || border[v] || feature[v] || vfStart[v] == vfStart[v + 1]) continue;
+    // Each edge is seen from both of its faces; counts and sums are doubled alike.
+    auto score = [&](const p3& p, float& energy) {
+      unsigned int out = 0;
+      energy = 0.f;
+      for (unsigned int i = vfStart[v]; i < vfStart[v + 1]; ++i)
+        for (unsigned int k = 0; k < 3; ++k) {
+          const unsigned int w = V(vfList[i], k);
+          if (w == v) continue;
+          const float l = (p - pos[w]).norm();
+          const float x = l < lo ? lo - l : (l > hi ? l - hi : 0.f);
+          out += x > 0.f;
+          energy += x * x;
+        }
+      return out;
+    };
+    float e0;
+    const unsigned int c0 = score(pos[v], e0);
+    if (c0 == 0) continue;
+    p3 pull, normal;
+    for (unsigned int i = vfStart[v]; i < vfStart[v + 1]; ++i) {
+      const unsigned int f = vfList[i];
+      normal += faceNormal(f);
+      for (unsigned int k = 0; k < 3; ++k) {
+        const unsigned int w = V(f, k);
+        if (w == v) continue;
+        const p3 e = pos[v] - pos[w];
+        const float l = e.norm();
+        const float d = std::min(hi, std::max(lo, l));
+        if (l > 0.f && d != l) pull += e * ((d - l) / l);
+      }
+    }
+    normal.normalize();
+    pull = (pull - normal * (normal * pull)) * 0.5f;
+    const p3 old = pos[v];
+    for (float step : {1.f, 0.5f, 0.25f}) {
+      float e1;
+      const p3 target = old + pull * step;
+      const unsigned int c1 = score(target, e1);
+      if (c1 > c0 || (c1 == c0 && e1 >= e0)) continue;
+      p3 onSurface;
+      pos[v] = projectOntoInput(v, target, onSurface) ? onSurface : target;
+      const unsigned int c2 = score(pos[v], e1);
+      bool ok = c2 < c0 || (c2 == c0 && e1 < e0);
+      for (unsigned int i = vfStart[v]; ok && i < vfStart[v + 1]; ++i) {
+        const p3 n = faceNormal(vfList[i]);
+        ok = n * normal > 0.f && 0.5f * n.norm() >= params.minTriangleArea;
+      }
+      if (ok) {
+        ++moved;
+        break;
+      }
+      pos[v] = old;
+    }
+  }
+  return moved;
+}
+
 // Moves each free inner vertex towards the area-weighted centre of its faces, within
 // its tangent plane, then onto the closest point of the input; without relax, only the
 // midpoints of this round's splits are projected. A move that would turn a face over is
 // taken back.
-void surfaceTracker::state::relaxAndProject(bool relax) {
+void surfaceTracker::state::relaxAndProject(move how, float rest, bool project) {
   for (unsigned int v = 0; v < pos.size(); ++v) {
     if (fixed[v] || border[v] || feature[v] || vfStart[v] == vfStart[v + 1]) continue;
-    if (!relax && !fresh[v]) continue;
+    if (how == move::FRESH && !fresh[v]) continue;
     p3 centre, normal;
     float area = 0.f;
     for (unsigned int i = vfStart[v]; i < vfStart[v + 1]; ++i) {
@@ -495,45 +616,27 @@ void surfaceTracker::state::relaxAndProject(bool relax) {
     }
     if (!(area > 0.f)) continue;
     normal.normalize();
-    const p3 move = relax ? centre * (1.f / area) - pos[v] : p3();
-    const p3 target = pos[v] + move - normal * (normal * move);
-    // The surface is near: the last triangle projected onto, or one around its corners,
-    // usually holds the new closest point, and a projection inside that triangle is taken
-    // as it is (a nearer point elsewhere would need the surface to fold back within that
-    // distance). Otherwise the nearest found bounds the search of the tree, which then
-    // prunes nearly all of it (widened a little for the rounding of the tree's own
-    // arithmetic); failing that, the longest edge allowed does.
-    p3 onSurface;
-    bool projected = false;
-    float reach = params.maxEdgeLength * params.maxEdgeLength;
-    if (hint[v] != NONE) {
-      const unsigned int last = hint[v];
-      float best = std::numeric_limits<float>::max();
-      auto tryTriangle = [&](unsigned int t) {
-        const unsigned int* c = &inputTri[3 * size_t(t)];
-        float u, w;
-        const p3 q = MATH::closestPointOnTriangle(target, inputPos[c[0]], inputPos[c[1]],
-                                                  inputPos[c[2]], u, w);
-        const float d = (target - q).squaredNorm();
-        if (d >= best) return;
-        best = d, onSurface = q, hint[v] = t;
-        projected = u > 0.f && w > 0.f && u + w < 1.f;
-      };
-      tryTriangle(last);
-      for (unsigned int k = 0; k < 3 && !projected; ++k) {
-        const unsigned int corner = inputTri[3 * size_t(last) + k];
-        for (unsigned int i = inputVtStart[corner]; i < inputVtStart[corner + 1]; ++i)
-          tryTriangle(inputVtList[i]);
+    p3 shift;
+    if (how == move::CENTROID) shift = centre * (1.f / area) - pos[v];
+    if (how == move::SPRINGS) {
+      // Each edge is seen from both of its faces, so the mean is over twice the edges.
+      unsigned int n = 0;
+      for (unsigned int i = vfStart[v]; i < vfStart[v + 1]; ++i) {
+        const unsigned int f = vfList[i];
+        for (unsigned int k = 0; k < 3; ++k) {
+          const unsigned int w = V(f, k);
+          if (w == v) continue;
+          const p3 e = pos[v] - pos[w];
+          const float l = e.norm();
+          if (l > 0.f) shift += e * ((rest - l) / l);
+          ++n;
+        }
       }
-      reach = best * 1.0001f + std::numeric_limits<float>::min();
+      shift *= 1.f / float(n);
     }
-    MATH::closestPointHit hit;
-    if (!projected && (input.closestPoint(target, reach, hit) ||
-                       input.closestPoint(target, std::numeric_limits<float>::max(), hit))) {
-      projected = true;
-      onSurface = hit.point;
-      hint[v] = hit.triangle;
-    }
+    const p3 target = pos[v] + shift - normal * (normal * shift);
+    p3 onSurface;
+    const bool projected = project && projectOntoInput(v, target, onSurface);
     const p3 old = pos[v];
     auto folds = [&]() {
       for (unsigned int i = vfStart[v]; i < vfStart[v + 1]; ++i) {
@@ -551,29 +654,63 @@ void surfaceTracker::state::relaxAndProject(bool relax) {
   }
 }
 
+void surfaceTracker::state::round(const roundLengths& r) {
+  std::fill(fresh.begin(), fresh.end(), 0);
+  for (unsigned int pass = 0; pass < MAX_SPLIT_PASSES && splitLongEdges(r.split); ++pass)
+    buildTopology();
+  // Collapses read the positions: the midpoints go onto the input first.
+  if (r.projectSplits) relaxAndProject(move::FRESH);
+  if (collapseShortEdges(r.collapse, r.reach)) buildTopology();
+  for (unsigned int pass = 0; pass < FLIP_PASSES && flipEdges(false); ++pass) buildTopology();
+  for (unsigned int i = 0; i < r.relaxations; ++i) relaxAndProject(move::CENTROID);
+}
+
 void surfaceTracker::improve(SYSTEM::callBack* cb) {
   if (cb) cb->setValue(1.0f);
   state& t = *s;
   const unsigned int rounds = std::max(1u, t.params.iterations);
+  const float hi = t.params.maxEdgeLength, lo = t.params.minEdgeLength;
+  // Splitting an edge just over the band gives halves of half its length. Where those
+  // halves fit the band, splits and collapses settle the lengths; in a narrow band they
+  // never do (the collapses take the halves back), and the lengths are settled instead by
+  // where the vertices sit: the right number of them, spread evenly, near valence 6.
+  const bool narrow = lo >= NARROW_BAND * hi;
+  const unsigned int steps = rounds + (narrow ? EQUALISE_ROUNDS : 0u);
+  unsigned int step = 0;
+  auto progress = [&]() {
+    if (cb) cb->setValue(1.f + 97.f * float(++step) / float(steps));
+  };
   t.buildTopology();
-  for (unsigned int round = 0; round < rounds; ++round) {
+  if (!narrow) {
+    // A collapse may make edges a little above the band: the rounds then settle near its
+    // middle, not at its short end, and the last stage trims what is left above.
+    for (unsigned int r = 0; r < rounds; ++r, progress())
+      t.round({hi, lo, WIDE_COLLAPSE_REACH * hi, 1, false});
+    // Relaxation leaves some edges a little long: flip them away where a shorter diagonal
+    // fits, split the rest, and collapse what that makes short without a long edge.
     std::fill(t.fresh.begin(), t.fresh.end(), 0);
-    for (unsigned int pass = 0; pass < MAX_SPLIT_PASSES && t.splitLongEdges(); ++pass)
+    if (t.flipEdges(true)) t.buildTopology();
+    if (t.splitLongEdges(hi)) {
       t.buildTopology();
-    if (t.collapseShortEdges(COLLAPSE_REACH)) t.buildTopology();
-    for (unsigned int pass = 0; pass < FLIP_PASSES && t.flipEdges(false); ++pass) t.buildTopology();
-    t.relaxAndProject(true);
-    if (cb) cb->setValue(1.f + 97.f * float(round + 1) / float(rounds));
+      t.relaxAndProject(state::move::FRESH);
+    }
+    t.collapseShortEdges(lo, hi);  // the result reads only the faces: no rebuild
+    if (cb) cb->setValue(100.0f);
+    return;
   }
-  // Relaxation leaves some edges a little long: flip them away where a shorter diagonal
-  // fits, split the rest, and collapse what that makes short without a long edge.
-  std::fill(t.fresh.begin(), t.fresh.end(), 0);
-  if (t.flipEdges(true)) t.buildTopology();
-  if (t.splitLongEdges()) {
-    t.buildTopology();
-    t.relaxAndProject(false);
-  }
-  t.collapseShortEdges(1.f);  // the result reads only the faces: no rebuild
+  // Coarse rounds bring the density near that of edges of 0.9·hi, then finer ones even it
+  // out: a split only above 1.05·hi and a collapse below 0.78·hi that may reach 1.2·hi
+  // leave the vertex count where relaxed edges land in [0.8, 1]·hi. Springs towards the
+  // middle of the band and a last sweep of single vertices finish.
+  for (unsigned int r = 0; r < rounds; ++r, progress())
+    t.round({1.2f * hi, 0.72f * hi, 1.2f * hi, 1, false});
+  for (unsigned int r = 0; r < EQUALISE_ROUNDS; ++r, progress())
+    t.round({1.05f * hi, 0.78f * hi, 1.2f * hi, 2, true});
+  for (unsigned int i = 0; i < SPRING_ROUNDS; ++i)
+    t.relaxAndProject(state::move::SPRINGS, 0.9f * hi);
+  // Inside the band by a hair, so that the rounding of the projection keeps them in.
+  const float sweepLo = std::max(lo, 0.8f * hi) * 1.0125f, sweepHi = 0.99f * hi;
+  for (unsigned int i = 0; i < SWEEP_ROUNDS; ++i) t.bandSweep(sweepLo, sweepHi);
   if (cb) cb->setValue(100.0f);
 }
 
