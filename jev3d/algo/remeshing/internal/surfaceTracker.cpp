@@ -7,6 +7,7 @@
 #include <cstdint>
 #include <limits>
 #include <ostream>
+#include <type_traits>
 
 #include "jev3d/math/triangleQueries.h"
 #include "jev3d/math/triangleTree.h"
@@ -27,12 +28,15 @@ constexpr unsigned int FLIP_PASSES = 2;
 // A band of lengths whose short end is at least this share of its long end is narrow.
 constexpr float NARROW_BAND = 0.75f;
 constexpr float WIDE_COLLAPSE_REACH = 1.15f;
-// Extra rounds, spring relaxations and vertex sweeps that settle a narrow band.
-constexpr unsigned int EQUALISE_ROUNDS = 8;
-constexpr unsigned int SPRING_ROUNDS = 2;
+// What settles a narrow band: rounds after the coarse ones, with their flip passes and
+// relaxations, and the sweeps of single vertices that finish.
+constexpr unsigned int EQUALISE_ROUNDS = 7;
+constexpr unsigned int EQUALISE_FLIP_PASSES = 3;
+constexpr unsigned int EQUALISE_RELAXATIONS = 3;
 constexpr unsigned int SWEEP_ROUNDS = 3;
 
-constexpr float FEATURE_COS = 0.5f;  // normals more than 60 degrees apart
+constexpr float FEATURE_COS = 0.5f;         // normals more than 60 degrees apart
+constexpr float BORDER_CORNER_COS = 0.94f;  // a border turning by more than 20 degrees
 
 // Twice the area vector of a triangle.
 p3 areaVector(const p3& a, const p3& b, const p3& c) { return p3::cross(b - a, c - a); }
@@ -90,7 +94,9 @@ struct surfaceTracker::state {
   }
 
   void buildTopology();
+  void buildVertexFaces();
   void compactFaces();
+  void compactVertices();
   unsigned int nextMark() {
     if (++markValue == 0) {
       std::fill(mark.begin(), mark.end(), 0u);
@@ -115,18 +121,24 @@ struct surfaceTracker::state {
     return true;
   }
   bool flipAllowed(const edgeRec& e, unsigned int c, unsigned int d);
-  enum class move { FRESH, CENTROID, SPRINGS };
+  enum class move { FRESH, CENTROID };
   bool projectOntoInput(unsigned int v, const p3& target, p3& onSurface);
   unsigned int bandSweep(float lo, float hi);
-  void relaxAndProject(move how, float rest = 0.f, bool project = true);
+  void relaxAndProject(move how, bool project = true);
+  bool borderNeighbours(unsigned int v, unsigned int& ahead, unsigned int& behind) const;
+
+  // Border vertices move too (along their border) in the relaxations of this round.
+  bool slideBorders = false;
   // One round: split above split, put the midpoints on the input (projectSplits),
-  // collapse below collapse without an edge above reach, flip towards valence 6, relax.
-  struct roundLengths {
+  // collapse below collapse without an edge above reach, flip towards valence 6, relax
+  // (only the last relaxation projects: the ones before move in tangent planes, which
+  // the input hardly leaves over so short a move).
+  struct roundPlan {
     float split, collapse, reach;
-    unsigned int relaxations;
+    unsigned int flipPasses, relaxations;
     bool projectSplits;
   };
-  void round(const roundLengths& r);
+  void round(const roundPlan& r);
 };
 
 surfaceTracker::surfaceTracker(const std::vector<p3>& positions,
@@ -167,7 +179,7 @@ surfaceTracker::~surfaceTracker() = default;
 // The faces around each vertex; the edges, matching the sides of faces that join the
 // same two vertices; border, feature and valence flags. Ends of non-manifold edges
 // become fixed.
-void surfaceTracker::state::buildTopology() {
+void surfaceTracker::state::buildVertexFaces() {
   const unsigned int nv = unsigned(pos.size()), nf = fn();
   vfStart.assign(size_t(nv) + 1, 0);
   for (unsigned int f = 0; f < nf; ++f)
@@ -179,6 +191,11 @@ void surfaceTracker::state::buildTopology() {
   for (unsigned int f = 0; f < nf; ++f)
     if (!dead[f])
       for (unsigned int k = 0; k < 3; ++k) vfList[fill[V(f, k)]++] = f;
+}
+
+void surfaceTracker::state::buildTopology() {
+  buildVertexFaces();
+  const unsigned int nv = unsigned(pos.size()), nf = fn();
 
   edges.clear();
   edges.reserve(size_t(nf) * 3 / 2 + 16);
@@ -246,6 +263,30 @@ void surfaceTracker::state::compactFaces() {
   dead.assign(out, 0);
 }
 
+// Drops the vertices no face uses (those collapsed away) and numbers the rest in the
+// order the faces first use them, so that the sweeps over vertices run through memory
+// much as they run over the surface.
+void surfaceTracker::state::compactVertices() {
+  std::vector<unsigned int> id(pos.size(), NONE);
+  unsigned int n = 0;
+  for (unsigned int f = 0; f < fn(); ++f)
+    if (!dead[f])
+      for (unsigned int k = 0; k < 3; ++k)
+        if (id[V(f, k)] == NONE) id[V(f, k)] = n++;
+  auto keep = [&](auto& perVertex) {
+    std::remove_reference_t<decltype(perVertex)> out(n);
+    for (unsigned int v = 0; v < id.size(); ++v)
+      if (id[v] != NONE) out[id[v]] = perVertex[v];
+    perVertex.swap(out);
+  };
+  keep(pos);
+  keep(origin);
+  keep(fixed);
+  keep(fresh);
+  keep(hint);
+  for (unsigned int& v : tri) v = id[v];
+}
+
 // Every edge longer than the bound gets its midpoint; each face is cut by the
 // midpoints of its sides (one, two or three of them). A border edge between two fixed
 // vertices is the seam to the rest of the mesh and stays whole.
@@ -276,8 +317,8 @@ bool surfaceTracker::state::splitLongEdges(float longest) {
   return true;
 }
 
-// The checks of a collapse moving keep to p and removing gone; no edge at p may exceed
-// reach times the longest edge allowed.
+// The checks of a collapse moving keep to p and removing gone; no edge at p may be
+// longer than reach.
 bool surfaceTracker::state::collapseAllowed(unsigned int keep, unsigned int gone, const p3& p,
                                             float reach) {
   const float limit = reach * reach;
@@ -480,9 +521,33 @@ unsigned int surfaceTracker::state::flipEdges(bool forLength) {
     edgeRec oriented = r;
     oriented.a = a, oriented.b = b;
     if (!flipAllowed(oriented, c, d)) continue;
-    const unsigned int f0 = r.f[0], f1 = r.f[1];
+    const unsigned int f0 = r.f[0], f1 = r.f[1], k0 = r.k[0], k1 = r.k[1];
+    // The four sides around the quad keep their edges, which change face or corner: the
+    // edge list stays current without a rebuild (only the faces around the vertices
+    // need one, buildVertexFaces).
+    const unsigned int bc = faceEdge[3 * f0 + (k0 + 1) % 3], ca = faceEdge[3 * f0 + (k0 + 2) % 3];
+    const unsigned int ad = faceEdge[3 * f1 + (k1 + 1) % 3], db = faceEdge[3 * f1 + (k1 + 2) % 3];
+    auto moveSide = [&](unsigned int x, unsigned int fromFace, unsigned int fromCorner,
+                        unsigned int toFace, unsigned int toCorner) {
+      if (x == NONE) return;
+      edgeRec& y = edges[x];
+      for (unsigned int side = 0; side < 2; ++side)
+        if (y.f[side] == fromFace && y.k[side] == fromCorner) {
+          y.f[side] = toFace, y.k[side] = static_cast<unsigned char>(toCorner);
+          return;
+        }
+    };
+    moveSide(ca, f0, (k0 + 2) % 3, f0, 0);
+    moveSide(bc, f0, (k0 + 1) % 3, f1, 1);
+    moveSide(ad, f1, (k1 + 1) % 3, f0, 1);
+    moveSide(db, f1, (k1 + 2) % 3, f1, 0);
+    edgeRec& flipped = edges[e];
+    flipped.a = d, flipped.b = c;
+    flipped.f[0] = f0, flipped.k[0] = 2, flipped.f[1] = f1, flipped.k[1] = 2;
     tri[3 * f0] = c, tri[3 * f0 + 1] = a, tri[3 * f0 + 2] = d;
     tri[3 * f1] = d, tri[3 * f1 + 1] = b, tri[3 * f1 + 2] = c;
+    faceEdge[3 * f0] = ca, faceEdge[3 * f0 + 1] = ad, faceEdge[3 * f0 + 2] = e;
+    faceEdge[3 * f1] = db, faceEdge[3 * f1 + 1] = bc, faceEdge[3 * f1 + 2] = e;
     --valence[a], --valence[b], ++valence[c], ++valence[d];
     taken[a] = taken[b] = taken[c] = taken[d] = 1;
     ++done;
@@ -596,13 +661,39 @@ unsigned int surfaceTracker::state::bandSweep(float lo, float hi) {
   return moved;
 }
 
-// Moves each free inner vertex towards the area-weighted centre of its faces, within
-// its tangent plane, then onto the closest point of the input; without relax, only the
-// midpoints of this round's splits are projected. A move that would turn a face over is
-// taken back.
-void surfaceTracker::state::relaxAndProject(move how, float rest, bool project) {
+// The two neighbours of border vertex v along its border: the side leaving v in a face
+// that no face enters v by, and the side entering v that none leaves by. False unless
+// there is exactly one of each (a vertex where borders meet stays put).
+bool surfaceTracker::state::borderNeighbours(unsigned int v, unsigned int& ahead,
+                                             unsigned int& behind) const {
+  unsigned int found = 0;
+  for (unsigned int i = vfStart[v]; i < vfStart[v + 1]; ++i) {
+    const unsigned int f = vfList[i];
+    const unsigned int c = V(f, 0) == v ? 0u : (V(f, 1) == v ? 1u : 2u);
+    const unsigned int next = V(f, (c + 1) % 3), prev = V(f, (c + 2) % 3);
+    bool nextPaired = false, prevPaired = false;
+    for (unsigned int j = vfStart[v]; j < vfStart[v + 1]; ++j) {
+      const unsigned int g = vfList[j];
+      if (g == f) continue;
+      const unsigned int d = V(g, 0) == v ? 0u : (V(g, 1) == v ? 1u : 2u);
+      nextPaired = nextPaired || V(g, (d + 2) % 3) == next;
+      prevPaired = prevPaired || V(g, (d + 1) % 3) == prev;
+    }
+    if (!nextPaired) ahead = next, found += 1;
+    if (!prevPaired) behind = prev, found += 16;
+  }
+  return found == 17;
+}
+
+// CENTROID moves each free inner vertex towards the area-weighted centre of its faces,
+// within its tangent plane (and, with slideBorders, each border vertex along its border
+// towards the middle of its border neighbours), then onto the closest point of the input
+// unless project is off; FRESH only projects the midpoints of this round's splits. A
+// move that would turn a face over is taken back.
+void surfaceTracker::state::relaxAndProject(move how, bool project) {
   for (unsigned int v = 0; v < pos.size(); ++v) {
-    if (fixed[v] || border[v] || feature[v] || vfStart[v] == vfStart[v + 1]) continue;
+    if (fixed[v] || feature[v] || vfStart[v] == vfStart[v + 1]) continue;
+    if (border[v] && !(slideBorders && how == move::CENTROID)) continue;
     if (how == move::FRESH && !fresh[v]) continue;
     p3 centre, normal;
     float area = 0.f;
@@ -617,22 +708,18 @@ void surfaceTracker::state::relaxAndProject(move how, float rest, bool project) 
     if (!(area > 0.f)) continue;
     normal.normalize();
     p3 shift;
-    if (how == move::CENTROID) shift = centre * (1.f / area) - pos[v];
-    if (how == move::SPRINGS) {
-      // Each edge is seen from both of its faces, so the mean is over twice the edges.
-      unsigned int n = 0;
-      for (unsigned int i = vfStart[v]; i < vfStart[v + 1]; ++i) {
-        const unsigned int f = vfList[i];
-        for (unsigned int k = 0; k < 3; ++k) {
-          const unsigned int w = V(f, k);
-          if (w == v) continue;
-          const p3 e = pos[v] - pos[w];
-          const float l = e.norm();
-          if (l > 0.f) shift += e * ((rest - l) / l);
-          ++n;
-        }
-      }
-      shift *= 1.f / float(n);
+    if (how == move::CENTROID && border[v]) {
+      // Along the border, towards the middle of its two border neighbours.
+      unsigned int ahead = NONE, behind = NONE;
+      if (!borderNeighbours(v, ahead, behind)) continue;
+      // A corner of the border stays: sliding would cut it off.
+      const p3 in = (pos[v] - pos[behind]).getNormalized(),
+               out = (pos[ahead] - pos[v]).getNormalized();
+      if (in * out < BORDER_CORNER_COS) continue;
+      const p3 along = (pos[ahead] - pos[behind]).getNormalized();
+      shift = along * (0.5f * ((pos[ahead] - pos[v]).norm() - (pos[behind] - pos[v]).norm()));
+    } else if (how == move::CENTROID) {
+      shift = centre * (1.f / area) - pos[v];
     }
     const p3 target = pos[v] + shift - normal * (normal * shift);
     p3 onSurface;
@@ -648,21 +735,30 @@ void surfaceTracker::state::relaxAndProject(move how, float rest, bool project) 
     };
     pos[v] = projected ? onSurface : target;
     if (!folds()) continue;
-    if (fresh[v]) log("Even mid-point subdivision introduces collision.  Backing out.");
-    pos[v] = target;
-    if (folds()) pos[v] = old;
+    if (projected) {
+      if (fresh[v]) log("Even mid-point subdivision introduces collision.  Backing out.");
+      pos[v] = target;
+      if (!folds()) continue;
+    }
+    pos[v] = old;
   }
 }
 
-void surfaceTracker::state::round(const roundLengths& r) {
+void surfaceTracker::state::round(const roundPlan& r) {
   std::fill(fresh.begin(), fresh.end(), 0);
   for (unsigned int pass = 0; pass < MAX_SPLIT_PASSES && splitLongEdges(r.split); ++pass)
     buildTopology();
   // Collapses read the positions: the midpoints go onto the input first.
   if (r.projectSplits) relaxAndProject(move::FRESH);
-  if (collapseShortEdges(r.collapse, r.reach)) buildTopology();
-  for (unsigned int pass = 0; pass < FLIP_PASSES && flipEdges(false); ++pass) buildTopology();
-  for (unsigned int i = 0; i < r.relaxations; ++i) relaxAndProject(move::CENTROID);
+  if (collapseShortEdges(r.collapse, r.reach)) {
+    compactVertices();
+    buildTopology();
+  }
+  bool flipped = false;
+  for (unsigned int pass = 0; pass < r.flipPasses && flipEdges(false); ++pass) flipped = true;
+  if (flipped) buildVertexFaces();
+  for (unsigned int i = 0; i < r.relaxations; ++i)
+    relaxAndProject(move::CENTROID, i + 1 == r.relaxations);
 }
 
 void surfaceTracker::improve(SYSTEM::callBack* cb) {
@@ -685,7 +781,7 @@ void surfaceTracker::improve(SYSTEM::callBack* cb) {
     // A collapse may make edges a little above the band: the rounds then settle near its
     // middle, not at its short end, and the last stage trims what is left above.
     for (unsigned int r = 0; r < rounds; ++r, progress())
-      t.round({hi, lo, WIDE_COLLAPSE_REACH * hi, 1, false});
+      t.round({hi, lo, WIDE_COLLAPSE_REACH * hi, FLIP_PASSES, 1, false});
     // Relaxation leaves some edges a little long: flip them away where a shorter diagonal
     // fits, split the rest, and collapse what that makes short without a long edge.
     std::fill(t.fresh.begin(), t.fresh.end(), 0);
@@ -700,14 +796,14 @@ void surfaceTracker::improve(SYSTEM::callBack* cb) {
   }
   // Coarse rounds bring the density near that of edges of 0.9·hi, then finer ones even it
   // out: a split only above 1.05·hi and a collapse below 0.78·hi that may reach 1.2·hi
-  // leave the vertex count where relaxed edges land in [0.8, 1]·hi. Springs towards the
-  // middle of the band and a last sweep of single vertices finish.
+  // leave the vertex count where relaxed edges land in [0.8, 1]·hi, and more flips keep
+  // the valences near 6 (a vertex of valence 5 or 7 bends the lengths around it). A sweep
+  // of single vertices finishes.
   for (unsigned int r = 0; r < rounds; ++r, progress())
-    t.round({1.2f * hi, 0.72f * hi, 1.2f * hi, 1, false});
+    t.round({1.2f * hi, 0.72f * hi, 1.2f * hi, FLIP_PASSES, 1, false});
+  t.slideBorders = true;
   for (unsigned int r = 0; r < EQUALISE_ROUNDS; ++r, progress())
-    t.round({1.05f * hi, 0.78f * hi, 1.2f * hi, 2, true});
-  for (unsigned int i = 0; i < SPRING_ROUNDS; ++i)
-    t.relaxAndProject(state::move::SPRINGS, 0.9f * hi);
+    t.round({1.05f * hi, 0.78f * hi, 1.2f * hi, EQUALISE_FLIP_PASSES, EQUALISE_RELAXATIONS, true});
   // Inside the band by a hair, so that the rounding of the projection keeps them in.
   const float sweepLo = std::max(lo, 0.8f * hi) * 1.0125f, sweepHi = 0.99f * hi;
   for (unsigned int i = 0; i < SWEEP_ROUNDS; ++i) t.bandSweep(sweepLo, sweepHi);
