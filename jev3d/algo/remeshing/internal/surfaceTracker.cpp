@@ -109,7 +109,10 @@ struct surfaceTracker::state {
   }
   bool splitLongEdges(float longest);
   unsigned int collapseShortEdges(float shortest, float reach);
-  unsigned int flipEdges(bool forLength);
+  // nearLastOnly looks only at edges by a vertex of the last pass's flips: positions
+  // stay, so nothing else has changed since that pass refused it.
+  unsigned int flipEdges(bool forLength, bool nearLastOnly = false);
+  std::vector<unsigned char> flippedLast;  // per vertex: in a flip of the last pass
   bool collapseAllowed(unsigned int keep, unsigned int gone, const p3& p, float reach);
   // Calls fn(f) for the live faces around v, including those of the vertices collapsed
   // into v during the current pass, while fn returns true; false if fn stopped it.
@@ -494,9 +497,10 @@ bool surfaceTracker::state::flipAllowed(const edgeRec& e, unsigned int c, unsign
 // Flips in independent sets: those that bring the four valences nearer 6 (4 on a
 // border), or, forLength, those that replace an edge above the longest allowed by a
 // shorter diagonal within it.
-unsigned int surfaceTracker::state::flipEdges(bool forLength) {
+unsigned int surfaceTracker::state::flipEdges(bool forLength, bool nearLastOnly) {
   const float limit = params.maxEdgeLength * params.maxEdgeLength;
   std::vector<unsigned char> taken(pos.size(), 0);
+  nearLastOnly = nearLastOnly && flippedLast.size() == pos.size();
   unsigned int done = 0;
   auto target = [&](unsigned int v) { return border[v] ? 4 : 6; };
   for (unsigned int e = 0; e < edges.size(); ++e) {
@@ -506,6 +510,8 @@ unsigned int surfaceTracker::state::flipEdges(bool forLength) {
     const unsigned int a = V(r.f[0], r.k[0]), b = V(r.f[0], (r.k[0] + 1) % 3);
     const unsigned int c = V(r.f[0], (r.k[0] + 2) % 3), d = V(r.f[1], (r.k[1] + 2) % 3);
     if (taken[a] || taken[b] || taken[c] || taken[d]) continue;
+    if (nearLastOnly && !(flippedLast[a] || flippedLast[b] || flippedLast[c] || flippedLast[d]))
+      continue;
     auto dev = [&](unsigned int v, int change) {
       const int x = int(valence[v]) + change - target(v);
       return x * x;
@@ -552,6 +558,7 @@ unsigned int surfaceTracker::state::flipEdges(bool forLength) {
     taken[a] = taken[b] = taken[c] = taken[d] = 1;
     ++done;
   }
+  flippedLast.swap(taken);
   return done;
 }
 
@@ -601,6 +608,7 @@ bool surfaceTracker::state::projectOntoInput(unsigned int v, const p3& target, p
 // the pull of those edges, onto the input, where that leaves fewer of its edges outside
 // (or as many, less far outside) and turns no face over.
 unsigned int surfaceTracker::state::bandSweep(float lo, float hi) {
+  const float lo2 = lo * lo, hi2 = hi * hi;
   unsigned int moved = 0;
   for (unsigned int v = 0; v < pos.size(); ++v) {
     if (fixed[v] || border[v] || feature[v] || vfStart[v] == vfStart[v + 1]) continue;
@@ -612,9 +620,11 @@ unsigned int surfaceTracker::state::bandSweep(float lo, float hi) {
         for (unsigned int k = 0; k < 3; ++k) {
           const unsigned int w = V(vfList[i], k);
           if (w == v) continue;
-          const float l = (p - pos[w]).norm();
-          const float x = l < lo ? lo - l : (l > hi ? l - hi : 0.f);
-          out += x > 0.f;
+          const float l2 = (p - pos[w]).squaredNorm();
+          if (l2 >= lo2 && l2 <= hi2) continue;
+          const float l = std::sqrt(l2);
+          const float x = l < lo ? lo - l : l - hi;
+          ++out;
           energy += x * x;
         }
       return out;
@@ -755,7 +765,8 @@ void surfaceTracker::state::round(const roundPlan& r) {
     buildTopology();
   }
   bool flipped = false;
-  for (unsigned int pass = 0; pass < r.flipPasses && flipEdges(false); ++pass) flipped = true;
+  for (unsigned int pass = 0; pass < r.flipPasses && flipEdges(false, pass > 0); ++pass)
+    flipped = true;
   if (flipped) buildVertexFaces();
   for (unsigned int i = 0; i < r.relaxations; ++i)
     relaxAndProject(move::CENTROID, i + 1 == r.relaxations);
