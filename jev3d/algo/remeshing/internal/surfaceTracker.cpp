@@ -37,6 +37,11 @@ constexpr unsigned int SWEEP_ROUNDS = 3;
 
 constexpr float FEATURE_COS = 0.5f;         // normals more than 60 degrees apart
 constexpr float BORDER_CORNER_COS = 0.94f;  // a border turning by more than 20 degrees
+// A projection walks at most this many triangles over the input, and takes the local
+// minimum it finds only within this share of the squared longest edge; past either the
+// tree decides.
+constexpr unsigned int MAX_WALK_STEPS = 8;
+constexpr float LOCAL_REACH_SHARE = 1.f / 16.f;
 
 // Twice the area vector of a triangle.
 p3 areaVector(const p3& a, const p3& b, const p3& c) { return p3::cross(b - a, c - a); }
@@ -565,43 +570,62 @@ unsigned int surfaceTracker::state::flipEdges(bool forLength, bool nearLastOnly)
 // Where v, moved to target, lands on the input; hint[v] follows. False if the input
 // has no triangle at all.
 bool surfaceTracker::state::projectOntoInput(unsigned int v, const p3& target, p3& onSurface) {
-  // The surface is near: the last triangle projected onto, or one around its corners,
-  // usually holds the new closest point, and a projection inside that triangle is taken
-  // as it is (a nearer point elsewhere would need the surface to fold back within that
-  // distance). Otherwise the nearest found bounds the search of the tree, which then
-  // prunes nearly all of it (widened a little for the rounding of the tree's own
-  // arithmetic); failing that, the longest edge allowed does.
-  bool projected = false;
+  // The surface is near the last triangle projected onto: walk from it over the input,
+  // each step to the nearest triangle around the corners that hold the current closest
+  // point, while that comes nearer. A point inside a triangle, or one on its edges that
+  // no triangle around them beats, is a local minimum and is taken as it is (a nearer
+  // point elsewhere would need the surface to fold back within that distance). A walk
+  // that runs long or ends far from the surface asks the tree instead, its search bounded
+  // by the nearest found (widened a little for the rounding of the tree's own
+  // arithmetic); failing that, by the longest edge allowed.
   float reach = params.maxEdgeLength * params.maxEdgeLength;
   if (hint[v] != NONE) {
-    const unsigned int last = hint[v];
-    float best = std::numeric_limits<float>::max();
-    auto tryTriangle = [&](unsigned int t) {
-      const unsigned int* c = &inputTri[3 * size_t(t)];
-      float u, w;
-      const p3 q = MATH::closestPointOnTriangle(target, inputPos[c[0]], inputPos[c[1]],
-                                                inputPos[c[2]], u, w);
-      const float d = (target - q).squaredNorm();
-      if (d >= best) return;
-      best = d, onSurface = q, hint[v] = t;
-      projected = u > 0.f && w > 0.f && u + w < 1.f;
-    };
-    tryTriangle(last);
-    for (unsigned int k = 0; k < 3 && !projected; ++k) {
-      const unsigned int corner = inputTri[3 * size_t(last) + k];
-      for (unsigned int i = inputVtStart[corner]; i < inputVtStart[corner + 1]; ++i)
-        tryTriangle(inputVtList[i]);
+    unsigned int at = hint[v];
+    float u, w;
+    const unsigned int* c = &inputTri[3 * size_t(at)];
+    p3 q =
+        MATH::closestPointOnTriangle(target, inputPos[c[0]], inputPos[c[1]], inputPos[c[2]], u, w);
+    float best = (target - q).squaredNorm();
+    for (unsigned int step = 0; step < MAX_WALK_STEPS; ++step) {
+      c = &inputTri[3 * size_t(at)];
+      const float weight[3] = {1.f - u - w, u, w};
+      const bool inside = weight[0] > 0.f && u > 0.f && w > 0.f;
+      unsigned int next = NONE;
+      float nextU = 0.f, nextW = 0.f;
+      p3 nextQ;
+      if (!inside)
+        for (unsigned int k = 0; k < 3; ++k) {
+          if (!(weight[k] > 0.f)) continue;
+          for (unsigned int i = inputVtStart[c[k]]; i < inputVtStart[c[k] + 1]; ++i) {
+            const unsigned int t = inputVtList[i];
+            if (t == at) continue;
+            const unsigned int* d = &inputTri[3 * size_t(t)];
+            float tu, tw;
+            const p3 tq = MATH::closestPointOnTriangle(target, inputPos[d[0]], inputPos[d[1]],
+                                                       inputPos[d[2]], tu, tw);
+            const float dist = (target - tq).squaredNorm();
+            if (dist < best) best = dist, next = t, nextQ = tq, nextU = tu, nextW = tw;
+          }
+        }
+      if (next == NONE) {
+        if (best <= reach * LOCAL_REACH_SHARE) {
+          onSurface = q, hint[v] = at;
+          return true;
+        }
+        break;
+      }
+      at = next, q = nextQ, u = nextU, w = nextW;
     }
     reach = best * 1.0001f + std::numeric_limits<float>::min();
   }
   MATH::closestPointHit hit;
-  if (!projected && (input.closestPoint(target, reach, hit) ||
-                     input.closestPoint(target, std::numeric_limits<float>::max(), hit))) {
-    projected = true;
+  if (input.closestPoint(target, reach, hit) ||
+      input.closestPoint(target, std::numeric_limits<float>::max(), hit)) {
     onSurface = hit.point;
     hint[v] = hit.triangle;
+    return true;
   }
-  return projected;
+  return false;
 }
 
 // Moves each free inner vertex with edges outside [lo, hi] in its tangent plane along
