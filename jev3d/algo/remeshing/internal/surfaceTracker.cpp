@@ -109,6 +109,12 @@ struct surfaceTracker::state {
     }
     return markValue;
   }
+  // Whether a triangle with twice this area vector is under the smallest area allowed;
+  // compared squared, as it runs for every face around every move.
+  bool tooSmall(const p3& twiceArea) const {
+    const float least = params.minTriangleArea;
+    return least > 0.f && twiceArea.squaredNorm() < 4.f * least * least;
+  }
   p3 faceNormal(unsigned int f) const {
     return areaVector(pos[V(f, 0)], pos[V(f, 1)], pos[V(f, 2)]);
   }
@@ -169,7 +175,6 @@ surfaceTracker::surfaceTracker(const std::vector<p3>& positions,
     s->tri.insert(s->tri.end(), {a, b, c});
   }
   s->dead.assign(s->tri.size() / 3, 0);
-  s->input.build(positions.data(), positions.size(), s->tri.data(), s->tri.size() / 3);
   s->inputPos = positions;
   s->inputTri = s->tri;
   s->hint.assign(n, NONE);
@@ -386,7 +391,7 @@ bool surfaceTracker::state::collapseAllowed(unsigned int keep, unsigned int gone
           if (hasKeep && hasGone) return true;  // goes away
           auto at = [&](unsigned int v) { return v == keep || v == gone ? p : pos[v]; };
           const p3 n0 = faceNormal(f), n1 = areaVector(at(a), at(b), at(c));
-          if (n0 * n1 <= 0.f || 0.5f * n1.norm() < params.minTriangleArea) return false;
+          if (n0 * n1 <= 0.f || tooSmall(n1)) return false;
           after += signedVolume(at(a), at(b), at(c), ref);
           return true;
         }))
@@ -618,6 +623,9 @@ bool surfaceTracker::state::projectOntoInput(unsigned int v, const p3& target, p
     }
     reach = best * 1.0001f + std::numeric_limits<float>::min();
   }
+  // Walks rarely fail, so the tree is built at the first that does.
+  if (input.empty() && !inputTri.empty())
+    input.build(inputPos.data(), inputPos.size(), inputTri.data(), inputTri.size() / 3);
   MATH::closestPointHit hit;
   if (input.closestPoint(target, reach, hit) ||
       input.closestPoint(target, std::numeric_limits<float>::max(), hit)) {
@@ -683,7 +691,7 @@ unsigned int surfaceTracker::state::bandSweep(float lo, float hi) {
       bool ok = c2 < c0 || (c2 == c0 && e1 < e0);
       for (unsigned int i = vfStart[v]; ok && i < vfStart[v + 1]; ++i) {
         const p3 n = faceNormal(vfList[i]);
-        ok = n * normal > 0.f && 0.5f * n.norm() >= params.minTriangleArea;
+        ok = n * normal > 0.f && !tooSmall(n);
       }
       if (ok) {
         ++moved;
@@ -763,7 +771,7 @@ void surfaceTracker::state::relaxAndProject(move how, bool project) {
       for (unsigned int i = vfStart[v]; i < vfStart[v + 1]; ++i) {
         const unsigned int f = vfList[i];
         const p3 n = faceNormal(f);
-        if (n * normal <= 0.f || 0.5f * n.norm() < params.minTriangleArea) return true;
+        if (n * normal <= 0.f || tooSmall(n)) return true;
       }
       return false;
     };
