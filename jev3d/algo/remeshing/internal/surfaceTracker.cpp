@@ -43,6 +43,13 @@ constexpr float BORDER_CORNER_COS = 0.94f;  // a border turning by more than 20 
 constexpr unsigned int MAX_WALK_STEPS = 8;
 constexpr float LOCAL_REACH_SHARE = 1.f / 16.f;
 
+// Length in float: the hot loops take it for every face around every vertex, where
+// point3::norm's double square root costs. Lengths past float's range take that one.
+float length(const p3& v) {
+  const float s = v.squaredNorm();
+  return s <= std::numeric_limits<float>::max() ? std::sqrt(s) : v.norm();
+}
+
 // Twice the area vector of a triangle.
 p3 areaVector(const p3& a, const p3& b, const p3& c) { return p3::cross(b - a, c - a); }
 
@@ -491,12 +498,12 @@ bool surfaceTracker::state::flipAllowed(const edgeRec& e, unsigned int c, unsign
     log("edge flip rejected: normal inversion");
     return false;
   }
-  const float a2 = 0.5f * n2.norm(), a3 = 0.5f * n3.norm();
+  const float a2 = 0.5f * length(n2), a3 = 0.5f * length(n3);
   if (a2 < params.minTriangleArea || a3 < params.minTriangleArea) {
     log("edge flip rejected: area too small");
     return false;
   }
-  const float areaBefore = 0.5f * (n0.norm() + n1.norm());
+  const float areaBefore = 0.5f * (length(n0) + length(n1));
   if (std::fabs(a2 + a3 - areaBefore) > params.maxAreaChange * areaBefore) {
     log("edge flip rejected: area change too great");
     return false;
@@ -672,7 +679,7 @@ unsigned int surfaceTracker::state::bandSweep(float lo, float hi) {
         const unsigned int w = V(f, k);
         if (w == v) continue;
         const p3 e = pos[v] - pos[w];
-        const float l = e.norm();
+        const float l = length(e);
         const float d = std::min(hi, std::max(lo, l));
         if (l > 0.f && d != l) pull += e * ((d - l) / l);
       }
@@ -742,7 +749,7 @@ void surfaceTracker::state::relaxAndProject(move how, bool project) {
     for (unsigned int i = vfStart[v]; i < vfStart[v + 1]; ++i) {
       const unsigned int f = vfList[i];
       const p3 n = faceNormal(f);
-      const float w = n.norm();
+      const float w = length(n);
       normal += n;
       centre += (pos[V(f, 0)] + pos[V(f, 1)] + pos[V(f, 2)]) * (w / 3.f);
       area += w;
