@@ -751,7 +751,7 @@ void surfaceTracker::state::relaxAndProject(move how, bool project) {
       const p3 n = faceNormal(f);
       const float w = length(n);
       normal += n;
-      centre += (pos[V(f, 0)] + pos[V(f, 1)] + pos[V(f, 2)]) * (w / 3.f);
+      centre += (pos[V(f, 0)] + pos[V(f, 1)] + pos[V(f, 2)]) * w;  // a third taken at the end
       area += w;
     }
     if (!(area > 0.f)) continue;
@@ -768,7 +768,7 @@ void surfaceTracker::state::relaxAndProject(move how, bool project) {
       const p3 along = (pos[ahead] - pos[behind]).getNormalized();
       shift = along * (0.5f * ((pos[ahead] - pos[v]).norm() - (pos[behind] - pos[v]).norm()));
     } else if (how == move::CENTROID) {
-      shift = centre * (1.f / area) - pos[v];
+      shift = centre * (1.f / (3.f * area)) - pos[v];
     }
     const p3 target = pos[v] + shift - normal * (normal * shift);
     p3 onSurface;
