@@ -123,8 +123,9 @@ unsigned int remesh(const editMesh& mesh, const std::vector<unsigned int>& keptV
     tp.maxEdgeLength = length;
     // The collapse bound's 0.3 is absolute and belongs to the length form's definition:
     // from a length of 0.375 up, edges settle in [0.3, length]; below it the band narrows
-    // to [0.8, 1]·length, and only about six edges in ten fit that (everything else here
-    // scales with the length, so the share does not change with the mesh's units).
+    // to [0.8, 1]·length, which the tracker settles with rounds of its own to about nine
+    // edges in ten (everything else here scales with the length, so the share does not
+    // change with the mesh's units).
     tp.minEdgeLength = std::min(0.3f, 0.8f * length);
     tp.maxVolumeChange = float(0.5 * unit * unit * unit);
   }

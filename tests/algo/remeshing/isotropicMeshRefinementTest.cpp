@@ -1,11 +1,13 @@
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 #include <map>
 #include <set>
 #include <sstream>
 #include <string>
 #include <tuple>
+#include <utility>
 #include <vector>
 
 #include "jev3d/algo/postprocessing/triMesh.h"
@@ -127,25 +129,38 @@ TEST(isotropicMeshRefinement, sphereEdgesWithinBoundsVolumeAndShapeKept) {
   EXPECT_TRUE(noneOut.empty());
 }
 
-TEST(isotropicMeshRefinement, shortLengthsSettleJustUnderTheLength) {
-  // Below 0.375 the collapse bound is 0.8·length: most edges fall in between.
+TEST(isotropicMeshRefinement, shortLengthsNineEdgesInTenWithinTheNarrowBand) {
+  // Below 0.375 the collapse bound is 0.8·length: the band is [0.8, 1]·length, which
+  // splits and collapses alone never settle into.
   const editMesh in = sphere();
-  editMesh out;
   attributeList none, noneOut;
-  const float length = 0.08f;
-  ASSERT_GT(
-      computeIsotropicMeshRefinement(in, none, allFaces(in), out, noneOut, length, nullptr, quiet),
-      0u);
-  ASSERT_MESH_VALID(out);
-  EXPECT_GE(shareWithin(out, 0.0, length), 0.97);
-  EXPECT_GE(shareWithin(out, 0.8 * length, length), 0.55);
-  EXPECT_GE(shareWithin(out, 0.5 * length, length), 0.97);
-  EXPECT_NEAR(testMeshes::signedVolume(out), testMeshes::signedVolume(in),
-              0.01 * testMeshes::signedVolume(in));
-  EXPECT_LT(distance(in, out).maximum, 0.01);
+  for (const float length : {0.1f, 0.05f}) {
+    editMesh out;
+    recordingCallBack cb;
+    ASSERT_GT(
+        computeIsotropicMeshRefinement(in, none, allFaces(in), out, noneOut, length, &cb, quiet),
+        0u);
+    ASSERT_MESH_VALID(out);
+    EXPECT_EQ(testMeshes::borderEdges(out), 0u);
+    EXPECT_EQ(int(out.vn()) - int(testMeshes::liveEdges(out)) + int(out.fn()), 2);
+    EXPECT_GE(shareWithin(out, 0.8 * length, length), 0.9) << length;
+    EXPECT_LT(lengthSpread(out), 0.08) << length;
+    EXPECT_NEAR(testMeshes::signedVolume(out), testMeshes::signedVolume(in),
+                0.01 * testMeshes::signedVolume(in));
+    EXPECT_LT(distance(in, out).maximum, 0.01);
+    ASSERT_GE(cb.values.size(), 2u);
+    EXPECT_EQ(cb.values.front(), 1.f);
+    EXPECT_EQ(cb.values.back(), 100.f);
+    for (size_t k = 1; k < cb.values.size(); ++k) EXPECT_GE(cb.values[k], cb.values[k - 1]);
+  }
 
   // Below 0.375 every bound scales with the length, so the same sphere three times larger
   // at three times the length gives the same spread of lengths.
+  const float length = 0.08f;
+  editMesh out;
+  ASSERT_GT(
+      computeIsotropicMeshRefinement(in, none, allFaces(in), out, noneOut, length, nullptr, quiet),
+      0u);
   editMesh large = in;
   for (unsigned v = 0; v < large.vn(); ++v) large.vPos(v) *= 3.f;
   large.computeNormalizedNormals();
@@ -155,6 +170,34 @@ TEST(isotropicMeshRefinement, shortLengthsSettleJustUnderTheLength) {
             0u);
   EXPECT_NEAR(shareWithin(largeOut, 2.4 * length, 3.0 * length),
               shareWithin(out, 0.8 * length, length), 0.03);
+}
+
+TEST(isotropicMeshRefinement, openBordersSlideAlongThemselvesInTheNarrowBand) {
+  const editMesh in = bumpyGrid();
+  editMesh out;
+  attributeList none, noneOut;
+  const float length = 0.3f;  // band [0.24, 0.3]
+  ASSERT_GT(
+      computeIsotropicMeshRefinement(in, none, allFaces(in), out, noneOut, length, nullptr, quiet),
+      0u);
+  ASSERT_MESH_VALID(out);
+  // Nearly nine in ten: the square's corners stay where they are.
+  EXPECT_GE(shareWithin(out, 0.8 * length, length), 0.88);
+  // Border vertices stay on the square's outline: the surface keeps its extent.
+  unsigned borderEdges = 0;
+  for (unsigned e = 0; e < out.en(); ++e) {
+    if (out.edgeIsDeleted(e) || !out.isEdgeBorder(e)) continue;
+    ++borderEdges;
+    for (unsigned k = 0; k < 2; ++k) {
+      const p3& p = out.vPos(out.eV(e, k));
+      const float off = std::min(std::min(std::fabs(p.x), std::fabs(p.x - 20.f)),
+                                 std::min(std::fabs(p.y), std::fabs(p.y - 20.f)));
+      EXPECT_LT(off, 1e-3f) << p.x << " " << p.y;
+    }
+  }
+  EXPECT_NEAR(remeshingChecks::borderLength(out), remeshingChecks::borderLength(in), 0.5);
+  EXPECT_GT(borderEdges, unsigned(80.0 / length));
+  EXPECT_LT(distance(in, out).maximum, 0.02);
 }
 
 TEST(isotropicMeshRefinement, frozenRestStaysBitForBitAndTheSeamCloses) {
@@ -297,7 +340,11 @@ TEST(isotropicMeshRefinement, sameMeshAsResultAndScans) {
   ASSERT_MESH_VALID(m);
   EXPECT_NEAR(testMeshes::signedVolume(m), volume, 0.01 * volume);
 
-  for (const char* name : {"ply/stanford_bun_zipper.ply", "ply/dental_Upper_1.ply"}) {
+  // The dental scan reaches a little less: small, sharply curved teeth in three pieces,
+  // with long open borders where the valences cannot be evened out.
+  const std::pair<const char*, double> scans[] = {{"ply/stanford_bun_zipper.ply", 0.9},
+                                                  {"ply/dental_Upper_1.ply", 0.87}};
+  for (const auto& [name, share] : scans) {
     JEV3D_REQUIRE_DATA(name);
     std::vector<p3> positions;
     std::vector<unsigned> triangles;
@@ -313,8 +360,7 @@ TEST(isotropicMeshRefinement, sameMeshAsResultAndScans) {
               0u)
         << name;
     ASSERT_MESH_VALID(out);
-    EXPECT_GE(shareWithin(out, 0.0, length), 0.95) << name;
-    EXPECT_GE(shareWithin(out, 0.5 * length, length), 0.9) << name;
+    EXPECT_GE(shareWithin(out, std::min(0.3, 0.8 * length), length), share) << name;
     scan.computeBBox();
     const double size = (scan.getBBoxMax() - scan.getBBoxMin()).norm();
     EXPECT_LT(distance(scan, out).mean, 0.002 * size) << name;

@@ -7,6 +7,7 @@
 #include <cstdint>
 #include <limits>
 #include <ostream>
+#include <type_traits>
 
 #include "jev3d/math/triangleQueries.h"
 #include "jev3d/math/triangleTree.h"
@@ -24,11 +25,30 @@ using p3 = MATH::point3<float>;
 constexpr unsigned int NONE = surfaceTracker::NONE;
 constexpr unsigned int MAX_SPLIT_PASSES = 8;
 constexpr unsigned int FLIP_PASSES = 2;
-// During the rounds a collapse may make edges up to this much above the longest
-// allowed: the rounds then settle near the middle of the allowed lengths, not at their
-// short end, and the last stage trims what is left above.
-constexpr float COLLAPSE_REACH = 1.15f;
-constexpr float FEATURE_COS = 0.5f;  // normals more than 60 degrees apart
+// A band of lengths whose short end is at least this share of its long end is narrow.
+constexpr float NARROW_BAND = 0.75f;
+constexpr float WIDE_COLLAPSE_REACH = 1.15f;
+// What settles a narrow band: rounds after the coarse ones, with their flip passes and
+// relaxations, and the sweeps of single vertices that finish.
+constexpr unsigned int EQUALISE_ROUNDS = 7;
+constexpr unsigned int EQUALISE_FLIP_PASSES = 3;
+constexpr unsigned int EQUALISE_RELAXATIONS = 3;
+constexpr unsigned int SWEEP_ROUNDS = 3;
+
+constexpr float FEATURE_COS = 0.5f;         // normals more than 60 degrees apart
+constexpr float BORDER_CORNER_COS = 0.94f;  // a border turning by more than 20 degrees
+// A projection walks at most this many triangles over the input, and takes the local
+// minimum it finds only within this share of the squared longest edge; past either the
+// tree decides.
+constexpr unsigned int MAX_WALK_STEPS = 8;
+constexpr float LOCAL_REACH_SHARE = 1.f / 16.f;
+
+// Length in float: the hot loops take it for every face around every vertex, where
+// point3::norm's double square root costs. Lengths past float's range take that one.
+float length(const p3& v) {
+  const float s = v.squaredNorm();
+  return s <= std::numeric_limits<float>::max() ? std::sqrt(s) : v.norm();
+}
 
 // Twice the area vector of a triangle.
 p3 areaVector(const p3& a, const p3& b, const p3& c) { return p3::cross(b - a, c - a); }
@@ -86,7 +106,9 @@ struct surfaceTracker::state {
   }
 
   void buildTopology();
+  void buildVertexFaces();
   void compactFaces();
+  void compactVertices();
   unsigned int nextMark() {
     if (++markValue == 0) {
       std::fill(mark.begin(), mark.end(), 0u);
@@ -94,12 +116,21 @@ struct surfaceTracker::state {
     }
     return markValue;
   }
+  // Whether a triangle with twice this area vector is under the smallest area allowed;
+  // compared squared, as it runs for every face around every move.
+  bool tooSmall(const p3& twiceArea) const {
+    const float least = params.minTriangleArea;
+    return least > 0.f && twiceArea.squaredNorm() < 4.f * least * least;
+  }
   p3 faceNormal(unsigned int f) const {
     return areaVector(pos[V(f, 0)], pos[V(f, 1)], pos[V(f, 2)]);
   }
-  bool splitLongEdges();
-  unsigned int collapseShortEdges(float reach);
-  unsigned int flipEdges(bool forLength);
+  bool splitLongEdges(float longest);
+  unsigned int collapseShortEdges(float shortest, float reach);
+  // nearLastOnly looks only at edges by a vertex of the last pass's flips: positions
+  // stay, so nothing else has changed since that pass refused it.
+  unsigned int flipEdges(bool forLength, bool nearLastOnly = false);
+  std::vector<unsigned char> flippedLast;  // per vertex: in a flip of the last pass
   bool collapseAllowed(unsigned int keep, unsigned int gone, const p3& p, float reach);
   // Calls fn(f) for the live faces around v, including those of the vertices collapsed
   // into v during the current pass, while fn returns true; false if fn stopped it.
@@ -111,7 +142,24 @@ struct surfaceTracker::state {
     return true;
   }
   bool flipAllowed(const edgeRec& e, unsigned int c, unsigned int d);
-  void relaxAndProject(bool relax);
+  enum class move { FRESH, CENTROID };
+  bool projectOntoInput(unsigned int v, const p3& target, p3& onSurface);
+  unsigned int bandSweep(float lo, float hi);
+  void relaxAndProject(move how, bool project = true);
+  bool borderNeighbours(unsigned int v, unsigned int& ahead, unsigned int& behind) const;
+
+  // Border vertices move too (along their border) in the relaxations of this round.
+  bool slideBorders = false;
+  // One round: split above split, put the midpoints on the input (projectSplits),
+  // collapse below collapse without an edge above reach, flip towards valence 6, relax
+  // (only the last relaxation projects: the ones before move in tangent planes, which
+  // the input hardly leaves over so short a move).
+  struct roundPlan {
+    float split, collapse, reach;
+    unsigned int flipPasses, relaxations;
+    bool projectSplits;
+  };
+  void round(const roundPlan& r);
 };
 
 surfaceTracker::surfaceTracker(const std::vector<p3>& positions,
@@ -134,7 +182,6 @@ surfaceTracker::surfaceTracker(const std::vector<p3>& positions,
     s->tri.insert(s->tri.end(), {a, b, c});
   }
   s->dead.assign(s->tri.size() / 3, 0);
-  s->input.build(positions.data(), positions.size(), s->tri.data(), s->tri.size() / 3);
   s->inputPos = positions;
   s->inputTri = s->tri;
   s->hint.assign(n, NONE);
@@ -152,7 +199,7 @@ surfaceTracker::~surfaceTracker() = default;
 // The faces around each vertex; the edges, matching the sides of faces that join the
 // same two vertices; border, feature and valence flags. Ends of non-manifold edges
 // become fixed.
-void surfaceTracker::state::buildTopology() {
+void surfaceTracker::state::buildVertexFaces() {
   const unsigned int nv = unsigned(pos.size()), nf = fn();
   vfStart.assign(size_t(nv) + 1, 0);
   for (unsigned int f = 0; f < nf; ++f)
@@ -164,6 +211,11 @@ void surfaceTracker::state::buildTopology() {
   for (unsigned int f = 0; f < nf; ++f)
     if (!dead[f])
       for (unsigned int k = 0; k < 3; ++k) vfList[fill[V(f, k)]++] = f;
+}
+
+void surfaceTracker::state::buildTopology() {
+  buildVertexFaces();
+  const unsigned int nv = unsigned(pos.size()), nf = fn();
 
   edges.clear();
   edges.reserve(size_t(nf) * 3 / 2 + 16);
@@ -231,11 +283,35 @@ void surfaceTracker::state::compactFaces() {
   dead.assign(out, 0);
 }
 
+// Drops the vertices no face uses (those collapsed away) and numbers the rest in the
+// order the faces first use them, so that the sweeps over vertices run through memory
+// much as they run over the surface.
+void surfaceTracker::state::compactVertices() {
+  std::vector<unsigned int> id(pos.size(), NONE);
+  unsigned int n = 0;
+  for (unsigned int f = 0; f < fn(); ++f)
+    if (!dead[f])
+      for (unsigned int k = 0; k < 3; ++k)
+        if (id[V(f, k)] == NONE) id[V(f, k)] = n++;
+  auto keep = [&](auto& perVertex) {
+    std::remove_reference_t<decltype(perVertex)> out(n);
+    for (unsigned int v = 0; v < id.size(); ++v)
+      if (id[v] != NONE) out[id[v]] = perVertex[v];
+    perVertex.swap(out);
+  };
+  keep(pos);
+  keep(origin);
+  keep(fixed);
+  keep(fresh);
+  keep(hint);
+  for (unsigned int& v : tri) v = id[v];
+}
+
 // Every edge longer than the bound gets its midpoint; each face is cut by the
 // midpoints of its sides (one, two or three of them). A border edge between two fixed
 // vertices is the seam to the rest of the mesh and stays whole.
-bool surfaceTracker::state::splitLongEdges() {
-  const float limit = params.maxEdgeLength * params.maxEdgeLength;
+bool surfaceTracker::state::splitLongEdges(float longest) {
+  const float limit = longest * longest;
   std::vector<unsigned int> mid(edges.size(), NONE);
   bool any = false;
   for (unsigned int e = 0; e < edges.size(); ++e) {
@@ -261,11 +337,11 @@ bool surfaceTracker::state::splitLongEdges() {
   return true;
 }
 
-// The checks of a collapse moving keep to p and removing gone; no edge at p may exceed
-// reach times the longest edge allowed.
+// The checks of a collapse moving keep to p and removing gone; no edge at p may be
+// longer than reach.
 bool surfaceTracker::state::collapseAllowed(unsigned int keep, unsigned int gone, const p3& p,
                                             float reach) {
-  const float limit = reach * reach * params.maxEdgeLength * params.maxEdgeLength;
+  const float limit = reach * reach;
   // No edge at p may come out long; the commonest refusal, so it is tested first.
   for (unsigned int end : {keep, gone})
     if (!forFacesOf(end, [&](unsigned int f) {
@@ -322,7 +398,7 @@ bool surfaceTracker::state::collapseAllowed(unsigned int keep, unsigned int gone
           if (hasKeep && hasGone) return true;  // goes away
           auto at = [&](unsigned int v) { return v == keep || v == gone ? p : pos[v]; };
           const p3 n0 = faceNormal(f), n1 = areaVector(at(a), at(b), at(c));
-          if (n0 * n1 <= 0.f || 0.5f * n1.norm() < params.minTriangleArea) return false;
+          if (n0 * n1 <= 0.f || tooSmall(n1)) return false;
           after += signedVolume(at(a), at(b), at(c), ref);
           return true;
         }))
@@ -335,8 +411,8 @@ bool surfaceTracker::state::collapseAllowed(unsigned int keep, unsigned int gone
 // the faces around an end are current without a rebuild; an edge read from the last
 // rebuild runs between the ends its ends went into. A fixed end stays, a border end
 // stays against an inner one, otherwise the ends meet at the midpoint.
-unsigned int surfaceTracker::state::collapseShortEdges(float reach) {
-  const float limit = params.minEdgeLength * params.minEdgeLength;
+unsigned int surfaceTracker::state::collapseShortEdges(float shortest, float reach) {
+  const float limit = shortest * shortest;
   // Shortest first, near enough: a counting sort into buckets of squared length. Each
   // bucket is a sweep over the mesh in memory order; sixteen keep the sweeps few at
   // hardly a change of the result.
@@ -422,12 +498,12 @@ bool surfaceTracker::state::flipAllowed(const edgeRec& e, unsigned int c, unsign
     log("edge flip rejected: normal inversion");
     return false;
   }
-  const float a2 = 0.5f * n2.norm(), a3 = 0.5f * n3.norm();
+  const float a2 = 0.5f * length(n2), a3 = 0.5f * length(n3);
   if (a2 < params.minTriangleArea || a3 < params.minTriangleArea) {
     log("edge flip rejected: area too small");
     return false;
   }
-  const float areaBefore = 0.5f * (n0.norm() + n1.norm());
+  const float areaBefore = 0.5f * (length(n0) + length(n1));
   if (std::fabs(a2 + a3 - areaBefore) > params.maxAreaChange * areaBefore) {
     log("edge flip rejected: area change too great");
     return false;
@@ -438,9 +514,10 @@ bool surfaceTracker::state::flipAllowed(const edgeRec& e, unsigned int c, unsign
 // Flips in independent sets: those that bring the four valences nearer 6 (4 on a
 // border), or, forLength, those that replace an edge above the longest allowed by a
 // shorter diagonal within it.
-unsigned int surfaceTracker::state::flipEdges(bool forLength) {
+unsigned int surfaceTracker::state::flipEdges(bool forLength, bool nearLastOnly) {
   const float limit = params.maxEdgeLength * params.maxEdgeLength;
   std::vector<unsigned char> taken(pos.size(), 0);
+  nearLastOnly = nearLastOnly && flippedLast.size() == pos.size();
   unsigned int done = 0;
   auto target = [&](unsigned int v) { return border[v] ? 4 : 6; };
   for (unsigned int e = 0; e < edges.size(); ++e) {
@@ -450,6 +527,8 @@ unsigned int surfaceTracker::state::flipEdges(bool forLength) {
     const unsigned int a = V(r.f[0], r.k[0]), b = V(r.f[0], (r.k[0] + 1) % 3);
     const unsigned int c = V(r.f[0], (r.k[0] + 2) % 3), d = V(r.f[1], (r.k[1] + 2) % 3);
     if (taken[a] || taken[b] || taken[c] || taken[d]) continue;
+    if (nearLastOnly && !(flippedLast[a] || flippedLast[b] || flippedLast[c] || flippedLast[d]))
+      continue;
     auto dev = [&](unsigned int v, int change) {
       const int x = int(valence[v]) + change - target(v);
       return x * x;
@@ -465,115 +544,319 @@ unsigned int surfaceTracker::state::flipEdges(bool forLength) {
     edgeRec oriented = r;
     oriented.a = a, oriented.b = b;
     if (!flipAllowed(oriented, c, d)) continue;
-    const unsigned int f0 = r.f[0], f1 = r.f[1];
+    const unsigned int f0 = r.f[0], f1 = r.f[1], k0 = r.k[0], k1 = r.k[1];
+    // The four sides around the quad keep their edges, which change face or corner: the
+    // edge list stays current without a rebuild (only the faces around the vertices
+    // need one, buildVertexFaces).
+    const unsigned int bc = faceEdge[3 * f0 + (k0 + 1) % 3], ca = faceEdge[3 * f0 + (k0 + 2) % 3];
+    const unsigned int ad = faceEdge[3 * f1 + (k1 + 1) % 3], db = faceEdge[3 * f1 + (k1 + 2) % 3];
+    auto moveSide = [&](unsigned int x, unsigned int fromFace, unsigned int fromCorner,
+                        unsigned int toFace, unsigned int toCorner) {
+      if (x == NONE) return;
+      edgeRec& y = edges[x];
+      for (unsigned int side = 0; side < 2; ++side)
+        if (y.f[side] == fromFace && y.k[side] == fromCorner) {
+          y.f[side] = toFace, y.k[side] = static_cast<unsigned char>(toCorner);
+          return;
+        }
+    };
+    moveSide(ca, f0, (k0 + 2) % 3, f0, 0);
+    moveSide(bc, f0, (k0 + 1) % 3, f1, 1);
+    moveSide(ad, f1, (k1 + 1) % 3, f0, 1);
+    moveSide(db, f1, (k1 + 2) % 3, f1, 0);
+    edgeRec& flipped = edges[e];
+    flipped.a = d, flipped.b = c;
+    flipped.f[0] = f0, flipped.k[0] = 2, flipped.f[1] = f1, flipped.k[1] = 2;
     tri[3 * f0] = c, tri[3 * f0 + 1] = a, tri[3 * f0 + 2] = d;
     tri[3 * f1] = d, tri[3 * f1 + 1] = b, tri[3 * f1 + 2] = c;
+    faceEdge[3 * f0] = ca, faceEdge[3 * f0 + 1] = ad, faceEdge[3 * f0 + 2] = e;
+    faceEdge[3 * f1] = db, faceEdge[3 * f1 + 1] = bc, faceEdge[3 * f1 + 2] = e;
     --valence[a], --valence[b], ++valence[c], ++valence[d];
     taken[a] = taken[b] = taken[c] = taken[d] = 1;
     ++done;
   }
+  flippedLast.swap(taken);
   return done;
 }
 
-// Moves each free inner vertex towards the area-weighted centre of its faces, within
-// its tangent plane, then onto the closest point of the input; without relax, only the
-// midpoints of this round's splits are projected. A move that would turn a face over is
-// taken back.
-void surfaceTracker::state::relaxAndProject(bool relax) {
+// Where v, moved to target, lands on the input; hint[v] follows. False if the input
+// has no triangle at all.
+bool surfaceTracker::state::projectOntoInput(unsigned int v, const p3& target, p3& onSurface) {
+  // The surface is near the last triangle projected onto: walk from it over the input,
+  // each step to the nearest triangle around the corners that hold the current closest
+  // point, while that comes nearer. A point inside a triangle, or one on its edges that
+  // no triangle around them beats, is a local minimum and is taken as it is (a nearer
+  // point elsewhere would need the surface to fold back within that distance). A walk
+  // that runs long or ends far from the surface asks the tree instead, its search bounded
+  // by the nearest found (widened a little for the rounding of the tree's own
+  // arithmetic); failing that, by the longest edge allowed.
+  float reach = params.maxEdgeLength * params.maxEdgeLength;
+  if (hint[v] != NONE) {
+    unsigned int at = hint[v];
+    float u, w;
+    const unsigned int* c = &inputTri[3 * size_t(at)];
+    p3 q =
+        MATH::closestPointOnTriangle(target, inputPos[c[0]], inputPos[c[1]], inputPos[c[2]], u, w);
+    float best = (target - q).squaredNorm();
+    for (unsigned int step = 0; step < MAX_WALK_STEPS; ++step) {
+      c = &inputTri[3 * size_t(at)];
+      const float weight[3] = {1.f - u - w, u, w};
+      const bool inside = weight[0] > 0.f && u > 0.f && w > 0.f;
+      unsigned int next = NONE;
+      float nextU = 0.f, nextW = 0.f;
+      p3 nextQ;
+      if (!inside)
+        for (unsigned int k = 0; k < 3; ++k) {
+          if (!(weight[k] > 0.f)) continue;
+          for (unsigned int i = inputVtStart[c[k]]; i < inputVtStart[c[k] + 1]; ++i) {
+            const unsigned int t = inputVtList[i];
+            if (t == at) continue;
+            const unsigned int* d = &inputTri[3 * size_t(t)];
+            float tu, tw;
+            const p3 tq = MATH::closestPointOnTriangle(target, inputPos[d[0]], inputPos[d[1]],
+                                                       inputPos[d[2]], tu, tw);
+            const float dist = (target - tq).squaredNorm();
+            if (dist < best) best = dist, next = t, nextQ = tq, nextU = tu, nextW = tw;
+          }
+        }
+      if (next == NONE) {
+        if (best <= reach * LOCAL_REACH_SHARE) {
+          onSurface = q, hint[v] = at;
+          return true;
+        }
+        break;
+      }
+      at = next, q = nextQ, u = nextU, w = nextW;
+    }
+    reach = best * 1.0001f + std::numeric_limits<float>::min();
+  }
+  // Walks rarely fail, so the tree is built at the first that does.
+  if (input.empty() && !inputTri.empty())
+    input.build(inputPos.data(), inputPos.size(), inputTri.data(), inputTri.size() / 3);
+  MATH::closestPointHit hit;
+  if (input.closestPoint(target, reach, hit) ||
+      input.closestPoint(target, std::numeric_limits<float>::max(), hit)) {
+    onSurface = hit.point;
+    hint[v] = hit.triangle;
+    return true;
+  }
+  return false;
+}
+
+// Moves each free inner vertex with edges outside [lo, hi] in its tangent plane along
+// the pull of those edges, onto the input, where that leaves fewer of its edges outside
+// (or as many, less far outside) and turns no face over.
+unsigned int surfaceTracker::state::bandSweep(float lo, float hi) {
+  const float lo2 = lo * lo, hi2 = hi * hi;
+  unsigned int moved = 0;
   for (unsigned int v = 0; v < pos.size(); ++v) {
     if (fixed[v] || border[v] || feature[v] || vfStart[v] == vfStart[v + 1]) continue;
-    if (!relax && !fresh[v]) continue;
+    // Each edge is seen from both of its faces; counts and sums are doubled alike.
+    auto score = [&](const p3& p, float& energy) {
+      unsigned int out = 0;
+      energy = 0.f;
+      for (unsigned int i = vfStart[v]; i < vfStart[v + 1]; ++i)
+        for (unsigned int k = 0; k < 3; ++k) {
+          const unsigned int w = V(vfList[i], k);
+          if (w == v) continue;
+          const float l2 = (p - pos[w]).squaredNorm();
+          if (l2 >= lo2 && l2 <= hi2) continue;
+          const float l = std::sqrt(l2);
+          const float x = l < lo ? lo - l : l - hi;
+          ++out;
+          energy += x * x;
+        }
+      return out;
+    };
+    float e0;
+    const unsigned int c0 = score(pos[v], e0);
+    if (c0 == 0) continue;
+    p3 pull, normal;
+    for (unsigned int i = vfStart[v]; i < vfStart[v + 1]; ++i) {
+      const unsigned int f = vfList[i];
+      normal += faceNormal(f);
+      for (unsigned int k = 0; k < 3; ++k) {
+        const unsigned int w = V(f, k);
+        if (w == v) continue;
+        const p3 e = pos[v] - pos[w];
+        const float l = length(e);
+        const float d = std::min(hi, std::max(lo, l));
+        if (l > 0.f && d != l) pull += e * ((d - l) / l);
+      }
+    }
+    normal.normalize();
+    pull = (pull - normal * (normal * pull)) * 0.5f;
+    const p3 old = pos[v];
+    for (float step : {1.f, 0.5f, 0.25f}) {
+      float e1;
+      const p3 target = old + pull * step;
+      const unsigned int c1 = score(target, e1);
+      if (c1 > c0 || (c1 == c0 && e1 >= e0)) continue;
+      p3 onSurface;
+      pos[v] = projectOntoInput(v, target, onSurface) ? onSurface : target;
+      const unsigned int c2 = score(pos[v], e1);
+      bool ok = c2 < c0 || (c2 == c0 && e1 < e0);
+      for (unsigned int i = vfStart[v]; ok && i < vfStart[v + 1]; ++i) {
+        const p3 n = faceNormal(vfList[i]);
+        ok = n * normal > 0.f && !tooSmall(n);
+      }
+      if (ok) {
+        ++moved;
+        break;
+      }
+      pos[v] = old;
+    }
+  }
+  return moved;
+}
+
+// The two neighbours of border vertex v along its border: the side leaving v in a face
+// that no face enters v by, and the side entering v that none leaves by. False unless
+// there is exactly one of each (a vertex where borders meet stays put).
+bool surfaceTracker::state::borderNeighbours(unsigned int v, unsigned int& ahead,
+                                             unsigned int& behind) const {
+  unsigned int found = 0;
+  for (unsigned int i = vfStart[v]; i < vfStart[v + 1]; ++i) {
+    const unsigned int f = vfList[i];
+    const unsigned int c = V(f, 0) == v ? 0u : (V(f, 1) == v ? 1u : 2u);
+    const unsigned int next = V(f, (c + 1) % 3), prev = V(f, (c + 2) % 3);
+    bool nextPaired = false, prevPaired = false;
+    for (unsigned int j = vfStart[v]; j < vfStart[v + 1]; ++j) {
+      const unsigned int g = vfList[j];
+      if (g == f) continue;
+      const unsigned int d = V(g, 0) == v ? 0u : (V(g, 1) == v ? 1u : 2u);
+      nextPaired = nextPaired || V(g, (d + 2) % 3) == next;
+      prevPaired = prevPaired || V(g, (d + 1) % 3) == prev;
+    }
+    if (!nextPaired) ahead = next, found += 1;
+    if (!prevPaired) behind = prev, found += 16;
+  }
+  return found == 17;
+}
+
+// CENTROID moves each free inner vertex towards the area-weighted centre of its faces,
+// within its tangent plane (and, with slideBorders, each border vertex along its border
+// towards the middle of its border neighbours), then onto the closest point of the input
+// unless project is off; FRESH only projects the midpoints of this round's splits. A
+// move that would turn a face over is taken back.
+void surfaceTracker::state::relaxAndProject(move how, bool project) {
+  for (unsigned int v = 0; v < pos.size(); ++v) {
+    if (fixed[v] || feature[v] || vfStart[v] == vfStart[v + 1]) continue;
+    if (border[v] && !(slideBorders && how == move::CENTROID)) continue;
+    if (how == move::FRESH && !fresh[v]) continue;
     p3 centre, normal;
     float area = 0.f;
     for (unsigned int i = vfStart[v]; i < vfStart[v + 1]; ++i) {
       const unsigned int f = vfList[i];
       const p3 n = faceNormal(f);
-      const float w = n.norm();
+      const float w = length(n);
       normal += n;
-      centre += (pos[V(f, 0)] + pos[V(f, 1)] + pos[V(f, 2)]) * (w / 3.f);
+      centre += (pos[V(f, 0)] + pos[V(f, 1)] + pos[V(f, 2)]) * w;  // a third taken at the end
       area += w;
     }
     if (!(area > 0.f)) continue;
     normal.normalize();
-    const p3 move = relax ? centre * (1.f / area) - pos[v] : p3();
-    const p3 target = pos[v] + move - normal * (normal * move);
-    // The surface is near: the last triangle projected onto, or one around its corners,
-    // usually holds the new closest point, and a projection inside that triangle is taken
-    // as it is (a nearer point elsewhere would need the surface to fold back within that
-    // distance). Otherwise the nearest found bounds the search of the tree, which then
-    // prunes nearly all of it (widened a little for the rounding of the tree's own
-    // arithmetic); failing that, the longest edge allowed does.
+    p3 shift;
+    if (how == move::CENTROID && border[v]) {
+      // Along the border, towards the middle of its two border neighbours.
+      unsigned int ahead = NONE, behind = NONE;
+      if (!borderNeighbours(v, ahead, behind)) continue;
+      // A corner of the border stays: sliding would cut it off.
+      const p3 in = (pos[v] - pos[behind]).getNormalized(),
+               out = (pos[ahead] - pos[v]).getNormalized();
+      if (in * out < BORDER_CORNER_COS) continue;
+      const p3 along = (pos[ahead] - pos[behind]).getNormalized();
+      shift = along * (0.5f * ((pos[ahead] - pos[v]).norm() - (pos[behind] - pos[v]).norm()));
+    } else if (how == move::CENTROID) {
+      shift = centre * (1.f / (3.f * area)) - pos[v];
+    }
+    const p3 target = pos[v] + shift - normal * (normal * shift);
     p3 onSurface;
-    bool projected = false;
-    float reach = params.maxEdgeLength * params.maxEdgeLength;
-    if (hint[v] != NONE) {
-      const unsigned int last = hint[v];
-      float best = std::numeric_limits<float>::max();
-      auto tryTriangle = [&](unsigned int t) {
-        const unsigned int* c = &inputTri[3 * size_t(t)];
-        float u, w;
-        const p3 q = MATH::closestPointOnTriangle(target, inputPos[c[0]], inputPos[c[1]],
-                                                  inputPos[c[2]], u, w);
-        const float d = (target - q).squaredNorm();
-        if (d >= best) return;
-        best = d, onSurface = q, hint[v] = t;
-        projected = u > 0.f && w > 0.f && u + w < 1.f;
-      };
-      tryTriangle(last);
-      for (unsigned int k = 0; k < 3 && !projected; ++k) {
-        const unsigned int corner = inputTri[3 * size_t(last) + k];
-        for (unsigned int i = inputVtStart[corner]; i < inputVtStart[corner + 1]; ++i)
-          tryTriangle(inputVtList[i]);
-      }
-      reach = best * 1.0001f + std::numeric_limits<float>::min();
-    }
-    MATH::closestPointHit hit;
-    if (!projected && (input.closestPoint(target, reach, hit) ||
-                       input.closestPoint(target, std::numeric_limits<float>::max(), hit))) {
-      projected = true;
-      onSurface = hit.point;
-      hint[v] = hit.triangle;
-    }
+    const bool projected = project && projectOntoInput(v, target, onSurface);
     const p3 old = pos[v];
     auto folds = [&]() {
       for (unsigned int i = vfStart[v]; i < vfStart[v + 1]; ++i) {
         const unsigned int f = vfList[i];
         const p3 n = faceNormal(f);
-        if (n * normal <= 0.f || 0.5f * n.norm() < params.minTriangleArea) return true;
+        if (n * normal <= 0.f || tooSmall(n)) return true;
       }
       return false;
     };
     pos[v] = projected ? onSurface : target;
     if (!folds()) continue;
-    if (fresh[v]) log("Even mid-point subdivision introduces collision.  Backing out.");
-    pos[v] = target;
-    if (folds()) pos[v] = old;
+    if (projected) {
+      if (fresh[v]) log("Even mid-point subdivision introduces collision.  Backing out.");
+      pos[v] = target;
+      if (!folds()) continue;
+    }
+    pos[v] = old;
   }
+}
+
+void surfaceTracker::state::round(const roundPlan& r) {
+  std::fill(fresh.begin(), fresh.end(), 0);
+  for (unsigned int pass = 0; pass < MAX_SPLIT_PASSES && splitLongEdges(r.split); ++pass)
+    buildTopology();
+  // Collapses read the positions: the midpoints go onto the input first.
+  if (r.projectSplits) relaxAndProject(move::FRESH);
+  if (collapseShortEdges(r.collapse, r.reach)) {
+    compactVertices();
+    buildTopology();
+  }
+  bool flipped = false;
+  for (unsigned int pass = 0; pass < r.flipPasses && flipEdges(false, pass > 0); ++pass)
+    flipped = true;
+  if (flipped) buildVertexFaces();
+  for (unsigned int i = 0; i < r.relaxations; ++i)
+    relaxAndProject(move::CENTROID, i + 1 == r.relaxations);
 }
 
 void surfaceTracker::improve(SYSTEM::callBack* cb) {
   if (cb) cb->setValue(1.0f);
   state& t = *s;
   const unsigned int rounds = std::max(1u, t.params.iterations);
+  const float hi = t.params.maxEdgeLength, lo = t.params.minEdgeLength;
+  // Splitting an edge just over the band gives halves of half its length. Where those
+  // halves fit the band, splits and collapses settle the lengths; in a narrow band they
+  // never do (the collapses take the halves back), and the lengths are settled instead by
+  // where the vertices sit: the right number of them, spread evenly, near valence 6.
+  const bool narrow = lo >= NARROW_BAND * hi;
+  const unsigned int steps = rounds + (narrow ? EQUALISE_ROUNDS : 0u);
+  unsigned int step = 0;
+  auto progress = [&]() {
+    if (cb) cb->setValue(1.f + 97.f * float(++step) / float(steps));
+  };
   t.buildTopology();
-  for (unsigned int round = 0; round < rounds; ++round) {
+  if (!narrow) {
+    // A collapse may make edges a little above the band: the rounds then settle near its
+    // middle, not at its short end, and the last stage trims what is left above.
+    for (unsigned int r = 0; r < rounds; ++r, progress())
+      t.round({hi, lo, WIDE_COLLAPSE_REACH * hi, FLIP_PASSES, 1, false});
+    // Relaxation leaves some edges a little long: flip them away where a shorter diagonal
+    // fits, split the rest, and collapse what that makes short without a long edge.
     std::fill(t.fresh.begin(), t.fresh.end(), 0);
-    for (unsigned int pass = 0; pass < MAX_SPLIT_PASSES && t.splitLongEdges(); ++pass)
+    if (t.flipEdges(true)) t.buildTopology();
+    if (t.splitLongEdges(hi)) {
       t.buildTopology();
-    if (t.collapseShortEdges(COLLAPSE_REACH)) t.buildTopology();
-    for (unsigned int pass = 0; pass < FLIP_PASSES && t.flipEdges(false); ++pass) t.buildTopology();
-    t.relaxAndProject(true);
-    if (cb) cb->setValue(1.f + 97.f * float(round + 1) / float(rounds));
+      t.relaxAndProject(state::move::FRESH);
+    }
+    t.collapseShortEdges(lo, hi);  // the result reads only the faces: no rebuild
+    if (cb) cb->setValue(100.0f);
+    return;
   }
-  // Relaxation leaves some edges a little long: flip them away where a shorter diagonal
-  // fits, split the rest, and collapse what that makes short without a long edge.
-  std::fill(t.fresh.begin(), t.fresh.end(), 0);
-  if (t.flipEdges(true)) t.buildTopology();
-  if (t.splitLongEdges()) {
-    t.buildTopology();
-    t.relaxAndProject(false);
-  }
-  t.collapseShortEdges(1.f);  // the result reads only the faces: no rebuild
+  // Coarse rounds bring the density near that of edges of 0.9·hi, then finer ones even it
+  // out: a split only above 1.05·hi and a collapse below 0.78·hi that may reach 1.2·hi
+  // leave the vertex count where relaxed edges land in [0.8, 1]·hi, and more flips keep
+  // the valences near 6 (a vertex of valence 5 or 7 bends the lengths around it). A sweep
+  // of single vertices finishes.
+  for (unsigned int r = 0; r < rounds; ++r, progress())
+    t.round({1.2f * hi, 0.72f * hi, 1.2f * hi, FLIP_PASSES, 1, false});
+  t.slideBorders = true;
+  for (unsigned int r = 0; r < EQUALISE_ROUNDS; ++r, progress())
+    t.round({1.05f * hi, 0.78f * hi, 1.2f * hi, EQUALISE_FLIP_PASSES, EQUALISE_RELAXATIONS, true});
+  // Inside the band by a hair, so that the rounding of the projection keeps them in.
+  const float sweepLo = std::max(lo, 0.8f * hi) * 1.0125f, sweepHi = 0.99f * hi;
+  for (unsigned int i = 0; i < SWEEP_ROUNDS; ++i) t.bandSweep(sweepLo, sweepHi);
   if (cb) cb->setValue(100.0f);
 }
 

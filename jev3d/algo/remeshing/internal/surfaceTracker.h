@@ -24,8 +24,8 @@ struct trackerParams {
   float maxAreaChange = 0.5f;     // most relative change of area a flip may make
   bool keepBorder = false;        // open borders stay as they are
   bool keepFeatures = false;      // edges with a dihedral angle above 60 degrees stay
-  unsigned int iterations = 3;
-  std::ostream* log = nullptr;  // every refused operation and why, one line each
+  unsigned int iterations = 3;    // rounds before those of a narrow band
+  std::ostream* log = nullptr;    // every refused operation and why, one line each
 };
 
 // An explicit surface tracker for isotropic remeshing: each round splits long edges,
@@ -34,7 +34,10 @@ struct trackerParams {
 // surface is a triangle list; splits and flips run in independent sets, collapses in
 // one pass that chains the faces of merged vertices, with the adjacency rebuilt in
 // between. Vertices with an infinite mass never move nor go away; neither do the ends of
-// non-manifold edges.
+// non-manifold edges. A narrow band of lengths (the shortest at least 0.75 of the
+// longest) gets rounds of its own after these: finer splits and collapses even out the
+// number of vertices, border vertices slide along their border, and a last sweep moves
+// single vertices whose edges are still outside the band.
 class surfaceTracker {
  public:
   static constexpr unsigned int NONE = 0xFFFFFFFFu;
