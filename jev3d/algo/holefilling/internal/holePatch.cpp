@@ -129,6 +129,8 @@ constexpr size_t MAX_PATCH_FACES = size_t(1) << 24;
 
 }  // namespace
 
+void seedFlipRandom(uint32_t state) { flipRandomState.store(state, std::memory_order_relaxed); }
+
 holeSurface::holeSurface(const std::vector<p3>& positions, const std::vector<p3>& normals,
                          const holeEdgeSet& edgeSet, float featureSize)
     : pos(positions), nor(normals), edges(edgeSet), feature(featureSize) {}

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <vector>
 
 #include "jev3d/math/point3.h"
@@ -89,6 +90,10 @@ void improvePatch(holeSurface& s, std::vector<patchFace>& faces);
 // the rim and its ring and the fairing weighted by inverse side lengths: large patches
 // take the curve of the surface around them, which the fixed rounds cannot carry across.
 void improvePatchFitted(holeSurface& s, std::vector<patchFace>& faces);
+
+// Sets the flip pass's generator word (1 when the process starts), so that a fill can
+// be repeated exactly.
+void seedFlipRandom(uint32_t state);
 
 // What follows the ear queue.
 enum class patchFinish { NONE, REFINE_AND_FAIR, REFINE_AND_FIT };
