@@ -5,11 +5,11 @@
 #include <cassert>
 #include <cmath>
 #include <cstdint>
-#include <unordered_map>
-#include <unordered_set>
+#include <limits>
 #include <utility>
 
 #include "jev3d/algo/holefilling/internal/fairingSystem.h"
+#include "jev3d/algo/holefilling/internal/flatIndexMap.h"
 #include "jev3d/algo/holefilling/internal/holeLoops.h"
 
 namespace JEV {
@@ -31,10 +31,12 @@ uint32_t nextFlipRandom() {
   return s;
 }
 
-p3 unitOr(const p3& v, const p3& fallback) {
-  const float len = v.norm();
+// v scaled to unit length, given its length, or fallback when it is null.
+p3 unitOf(const p3& v, float len, const p3& fallback) {
   return len > 0.f ? v * (1.f / len) : fallback;
 }
+
+p3 unitOr(const p3& v, const p3& fallback) { return unitOf(v, v.norm(), fallback); }
 
 const p3 UNIT_X(1.f, 0.f, 0.f);
 
@@ -150,10 +152,11 @@ float earQuality(const holeSurface& s, int prev, int mid, int next, float featur
   const float d0 = n * s.normal(a), d1 = n * s.normal(b), d2 = n * s.normal(c);
   if (d0 < -0.999f || d1 < -0.999f || d2 < -0.999f) return EAR_CLOSES_EDGE;
   const p3 ab = pb - pa, bc = pc - pb, ca = pa - pc;
-  const float longest = std::max(ab.norm(), std::max(bc.norm(), ca.norm()));
+  const float lab = ab.norm(), lbc = bc.norm(), lca = ca.norm();
+  const float longest = std::max(lab, std::max(lbc, lca));
   // Without a length scale (a surface of no extent) every ear counts as short.
   const float scale = featureSize > 0.f ? longest / featureSize + 1.f : 1.f;
-  const p3 u = unitOr(ab, UNIT_X), v = unitOr(bc, UNIT_X), w = unitOr(ca, UNIT_X);
+  const p3 u = unitOf(ab, lab, UNIT_X), v = unitOf(bc, lbc, UNIT_X), w = unitOf(ca, lca, UNIT_X);
   float angle;
   if (angleOnly) {
     angle = u * v + 2.f;
@@ -205,19 +208,18 @@ void triangulateLoop(const holeSurface& s, const std::vector<int>& loop,
 }
 
 void linkPatch(std::vector<patchFace>& faces) {
-  std::unordered_map<uint64_t, int> sides;
-  sides.reserve(faces.size() * 3);
+  flatIndexMap sides(faces.size() * 3);
   for (size_t t = 0; t < faces.size(); ++t)
     for (int k = 0; k < 3; ++k) {
       patchFace& f = faces[t];
       f.n[k] = -1;
       const int a = f.v[k], b = f.v[(k + 1) % 3];
-      const auto other = sides.find(uint64_t(uint32_t(b)) << 32 | uint32_t(a));
-      if (other != sides.end() && faces[size_t(other->second / 3)].n[other->second % 3] < 0) {
-        f.n[k] = other->second / 3;
-        faces[size_t(other->second / 3)].n[other->second % 3] = int(t);
+      const int other = sides.find(uint64_t(uint32_t(b)) << 32 | uint32_t(a));
+      if (other >= 0 && faces[size_t(other / 3)].n[other % 3] < 0) {
+        f.n[k] = other / 3;
+        faces[size_t(other / 3)].n[other % 3] = int(t);
       } else {
-        sides[uint64_t(uint32_t(a)) << 32 | uint32_t(b)] = int(t) * 3 + k;
+        sides.assign(uint64_t(uint32_t(a)) << 32 | uint32_t(b), int(t) * 3 + k);
       }
     }
 }
@@ -275,14 +277,22 @@ void flipPass(const holeSurface& s, std::vector<patchFace>& faces, float feature
     int face, a, b;
   };
   std::vector<entry> work;
-  std::unordered_set<uint64_t> sides;
-  sides.reserve(faces.size() * 2);
+  work.reserve(faces.size() * 2);
+  flatIndexMap sides(faces.size() * 2);
   for (size_t t = 0; t < faces.size(); ++t)
     for (int k = 0; k < 3; ++k) {
       const patchFace& f = faces[t];
-      sides.insert(sideKey(f.v[k], f.v[(k + 1) % 3]));
+      sides.insert(sideKey(f.v[k], f.v[(k + 1) % 3]), 0);
       if (f.n[k] > int(t)) work.push_back({int(t), f.v[k], f.v[(k + 1) % 3]});
     }
+  // Each face's ear quality, measured once while the face stands (NaN: not yet): most
+  // sides weigh qualities, and a face meets the test from each of its sides.
+  std::vector<float> quality(faces.size(), std::numeric_limits<float>::quiet_NaN());
+  auto qualityOf = [&](int face) {
+    float& q = quality[size_t(face)];
+    if (std::isnan(q)) q = faceQuality(s, faces[size_t(face)], featureSize);
+    return q;
+  };
   // Sides come back to the list only when a flip changes their faces; the budget keeps
   // a cycle of flips, should the rules allow one, from running forever.
   size_t budget = 10 * work.size() + 64;
@@ -301,19 +311,20 @@ void flipPass(const holeSurface& s, std::vector<patchFace>& faces, float feature
     if (j < 0) continue;
     const int a = e.a, b = e.b, c = t.v[(k + 2) % 3], d = u.v[(j + 2) % 3];
     // The new diagonal must not double a side that exists already.
-    if (c == d || sides.count(sideKey(c, d)) || s.isMeshEdge(c, d)) continue;
+    if (c == d || sides.contains(sideKey(c, d)) || s.isMeshEdge(c, d)) continue;
 
     const float before = bendTerm(faceNormal(s, a, b, c), faceNormal(s, b, a, d));
     const float after = bendTerm(faceNormal(s, a, d, c), faceNormal(s, d, b, c));
     bool take;
+    float qt1 = std::numeric_limits<float>::quiet_NaN(), qu1 = qt1;
     if (after > 1.5f * before)
       take = false;
     else if (after < 0.5f * before)
       take = true;
     else {
-      const patchFace t1{{a, d, c}, {}}, u1{{d, b, c}, {}};
-      take = faceQuality(s, t1, featureSize) + faceQuality(s, u1, featureSize) >
-             faceQuality(s, t, featureSize) + faceQuality(s, u, featureSize);
+      qt1 = faceQuality(s, patchFace{{a, d, c}, {}}, featureSize);
+      qu1 = faceQuality(s, patchFace{{d, b, c}, {}}, featureSize);
+      take = qt1 + qu1 > qualityOf(e.face) + qualityOf(ui);
     }
     if (!take) continue;
     --budget;
@@ -321,10 +332,12 @@ void flipPass(const holeSurface& s, std::vector<patchFace>& faces, float feature
     const int uAD = u.n[(j + 1) % 3], uDB = u.n[(j + 2) % 3];
     t = {{a, d, c}, {uAD, ui, tCA}};
     u = {{d, b, c}, {uDB, tBC, e.face}};
+    quality[size_t(e.face)] = qt1;
+    quality[size_t(ui)] = qu1;
     relink(faces, uAD, d, a, e.face);
     relink(faces, tBC, c, b, ui);
     sides.erase(sideKey(a, b));
-    sides.insert(sideKey(c, d));
+    sides.insert(sideKey(c, d), 0);
     if (uAD >= 0) work.push_back({e.face, a, d});
     if (tCA >= 0) work.push_back({e.face, c, a});
     if (uDB >= 0) work.push_back({ui, d, b});
