@@ -71,14 +71,19 @@ fairingSystem::fairingSystem(holeSurface& surface, const std::vector<patchFace>&
     std::vector<unsigned int> next(ringStart.begin(), ringStart.end() - 1);
     for (const auto& l : links) ring[next[size_t(l.first)]++] = l.second;
   }
+  // Repeats (each inner side comes from both its faces) are dropped before the sort,
+  // which then has half as much to order. Rows only shrink, so they compact in place.
+  std::vector<int> seenIn(global.size(), -1);
   unsigned int kept = 0;
   for (size_t r = 0; r < global.size(); ++r) {
-    const auto first = ring.begin() + std::ptrdiff_t(ringStart[r]);
-    const auto last = ring.begin() + std::ptrdiff_t(ringStart[r + 1]);
-    std::sort(first, last);
     const unsigned int rowBegin = kept;
-    for (auto it = first; it != last; ++it)
-      if (it == first || *it != *(it - 1)) ring[kept++] = *it;
+    for (unsigned int k = ringStart[r]; k < ringStart[r + 1]; ++k) {
+      const int v = ring[k];
+      if (seenIn[size_t(v)] == int(r)) continue;
+      seenIn[size_t(v)] = int(r);
+      ring[kept++] = v;
+    }
+    std::sort(ring.begin() + std::ptrdiff_t(rowBegin), ring.begin() + std::ptrdiff_t(kept));
     ringStart[r] = rowBegin;
   }
   ringStart.back() = kept;
@@ -120,6 +125,10 @@ fairingSystem::fairingSystem(holeSurface& surface, const std::vector<patchFace>&
       tRow[at] = int(r), tEntry[at] = -1;
     }
   }
+  tShare.resize(tRow.size());
+  for (size_t i = 0; i < tRow.size(); ++i)
+    tShare[i] = unsigned(tEntry[i] < 0 ? rows + size_t(tRow[i]) : size_t(tRow[i]));
+  shares.resize(rows + moving);
   fillTransposeCoefficients();
 }
 
@@ -163,8 +172,21 @@ d3 fairingSystem::applyB(const std::vector<d3>& d, std::vector<d3>& out) const {
   return squared;
 }
 
-d3 fairingSystem::applyBt(const std::vector<d3>& in, std::vector<d3>& out) const {
+d3 fairingSystem::applyBt(const std::vector<d3>& in, std::vector<d3>& out) {
   d3 squared;
+  if (weight.empty()) {
+    // Each row's share scaled once, and the negated rows for the vertices' own terms,
+    // so that the gather only adds.
+    for (size_t r = 0; r < rows; ++r) shares[r] = in[r] * inverseSize[r];
+    for (size_t r = 0; r < moving; ++r) shares[rows + r] = in[r] * -1.0;
+    for (size_t j = 0; j < moving; ++j) {
+      d3 sum;
+      for (unsigned int e = tStart[j]; e < tStart[j + 1]; ++e) sum += shares[tShare[e]];
+      out[j] = sum;
+      squared += squares(sum);
+    }
+    return squared;
+  }
   for (size_t j = 0; j < moving; ++j) {
     d3 sum;
     for (unsigned int e = tStart[j]; e < tStart[j + 1]; ++e)
