@@ -94,8 +94,6 @@ fairingSystem::fairingSystem(holeSurface& surface, const std::vector<patchFace>&
   for (size_t i = 0; i < global.size(); ++i) local[i] = s.position(global[i]);
   inverseSize.resize(rows);
   for (size_t r = 0; r < rows; ++r) inverseSize[r] = 1.0 / double(ringStart[r + 1] - ringStart[r]);
-  inverseSizeF.resize(moving);
-  for (size_t i = 0; i < moving; ++i) inverseSizeF[i] = float(inverseSize[i]);
 
   // B keeps the moving members of each row's ring, in ring order.
   bStart.assign(rows + 1, 0);

@@ -79,7 +79,6 @@ class fairingSystem {
   std::vector<unsigned int> ringStart;
   std::vector<int> ring;
   std::vector<double> inverseSize;  // 1 / ring size, per row
-  std::vector<float> inverseSizeF;  // the same in float, per moving vertex
   std::vector<double> weight;       // per ring member; empty for even weights
   // B's entries in the moving vertices, per row: column, ring slot (for the weight).
   std::vector<unsigned int> bStart;

@@ -175,7 +175,7 @@ void triangulateLoop(const holeSurface& s, const std::vector<int>& loop,
   // Alive corners as a ring of links, so the neighbours of a cut are found at once.
   const size_t count = size_t(n);
   std::vector<int> after(count), before(count);
-  std::vector<bool> cut(count, false);
+  std::vector<unsigned char> cut(count, 0);
   for (int i = 0; i < n; ++i) after[size_t(i)] = (i + 1) % n, before[size_t(i)] = (i + n - 1) % n;
   const float f = s.featureSize();
   auto candidate = [&](int p, int m, int x, float penalty) {
@@ -194,7 +194,7 @@ void triangulateLoop(const holeSurface& s, const std::vector<int>& loop,
     // Stale entries are skipped, not removed. A candidate whose middle is gone always
     // has a gone neighbour too; the test keeps that from resting on the reasoning.
     if (cut[size_t(c.prev)] || cut[size_t(c.next)] || cut[size_t(c.mid)]) continue;
-    cut[size_t(c.mid)] = true;
+    cut[size_t(c.mid)] = 1;
     faces.push_back(
         {{loop[size_t(c.next)], loop[size_t(c.mid)], loop[size_t(c.prev)]}, {-1, -1, -1}});
     after[size_t(c.prev)] = c.next;
