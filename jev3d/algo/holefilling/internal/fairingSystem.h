@@ -50,12 +50,6 @@ class fairingSystem {
  private:
   using p3 = MATH::point3<float>;
   using d3 = MATH::point3<double>;
-  // A double triple on 32 bytes, aligned to them: the gathers' loads of one never
-  // straddle two cache lines.
-  struct alignas(32) slot : d3 {
-    slot() = default;
-    slot(const d3& v) : d3(v) {}
-  };
 
   // U at a local vertex from the current positions, even weights.
   p3 umbrella(size_t local) const;
@@ -94,7 +88,7 @@ class fairingSystem {
   // With even weights: per entry, the place of its term in shares (the row's scaled
   // value, or past the rows its negated own value); shares is the gather's scratch.
   std::vector<unsigned int> tShare;
-  std::vector<slot> shares;
+  std::vector<d3> shares;
 };
 
 }  // namespace HOLEFILLING_INTERNAL
