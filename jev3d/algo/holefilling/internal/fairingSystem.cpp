@@ -123,10 +123,6 @@ fairingSystem::fairingSystem(holeSurface& surface, const std::vector<patchFace>&
       tRow[at] = int(r), tEntry[at] = -1;
     }
   }
-  tShare.resize(tRow.size());
-  for (size_t i = 0; i < tRow.size(); ++i)
-    tShare[i] = unsigned(tEntry[i] < 0 ? rows + size_t(tRow[i]) : size_t(tRow[i]));
-  shares.resize(rows + moving);
   fillTransposeCoefficients();
 }
 
@@ -170,21 +166,8 @@ d3 fairingSystem::applyB(const std::vector<d3>& d, std::vector<d3>& out) const {
   return squared;
 }
 
-d3 fairingSystem::applyBt(const std::vector<d3>& in, std::vector<d3>& out) {
+d3 fairingSystem::applyBt(const std::vector<d3>& in, std::vector<d3>& out) const {
   d3 squared;
-  if (weight.empty()) {
-    // Each row's share scaled once, and the negated rows for the vertices' own terms,
-    // so that the gather only adds.
-    for (size_t r = 0; r < rows; ++r) shares[r] = in[r] * inverseSize[r];
-    for (size_t r = 0; r < moving; ++r) shares[rows + r] = in[r] * -1.0;
-    for (size_t j = 0; j < moving; ++j) {
-      d3 sum;
-      for (unsigned int e = tStart[j]; e < tStart[j + 1]; ++e) sum += shares[tShare[e]];
-      out[j] = sum;
-      squared += squares(sum);
-    }
-    return squared;
-  }
   for (size_t j = 0; j < moving; ++j) {
     d3 sum;
     for (unsigned int e = tStart[j]; e < tStart[j + 1]; ++e)

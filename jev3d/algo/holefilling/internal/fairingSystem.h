@@ -59,7 +59,7 @@ class fairingSystem {
   // returns the coordinate-wise squares of the result, summed.
   d3 applyB(const std::vector<d3>& d, std::vector<d3>& out) const;
   // The transpose of B, likewise.
-  d3 applyBt(const std::vector<d3>& in, std::vector<d3>& out);
+  d3 applyBt(const std::vector<d3>& in, std::vector<d3>& out) const;
   // The transpose's coefficients from the current weights.
   void fillTransposeCoefficients();
   void writeBack();
@@ -85,10 +85,6 @@ class fairingSystem {
   std::vector<int> tRow;
   std::vector<int> tEntry;
   std::vector<double> tCoefficient;
-  // With even weights: per entry, the place of its term in shares (the row's scaled
-  // value, or past the rows its negated own value); shares is the gather's scratch.
-  std::vector<unsigned int> tShare;
-  std::vector<d3> shares;
 };
 
 }  // namespace HOLEFILLING_INTERNAL
