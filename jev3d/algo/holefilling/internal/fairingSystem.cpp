@@ -195,15 +195,16 @@ unsigned int fairingSystem::solve(unsigned int maxSteps, double tolerance) {
         gamma.z <= tolerance * start.z)
       break;
     const d3 alpha = ratio(gamma, applyB(dir, q));
-    for (size_t i = 0; i < moving; ++i) {
-      const d3 move = scaled(dir[i], alpha);
-      local[i] += p3(float(move.x), float(move.y), float(move.z));
-    }
     for (size_t i = 0; i < rows; ++i) r[i] -= scaled(q[i], alpha);
     const d3 next = applyBt(r, g);
     const d3 beta = ratio(next, gamma);
     gamma = next;
-    for (size_t i = 0; i < moving; ++i) dir[i] = g[i] + scaled(dir[i], beta);
+    // The step along the old direction and the new direction in one sweep.
+    for (size_t i = 0; i < moving; ++i) {
+      const d3 move = scaled(dir[i], alpha);
+      local[i] += p3(float(move.x), float(move.y), float(move.z));
+      dir[i] = g[i] + scaled(dir[i], beta);
+    }
   }
   writeBack();
   return k;
