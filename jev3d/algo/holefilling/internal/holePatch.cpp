@@ -208,7 +208,7 @@ void triangulateLoop(const holeSurface& s, const std::vector<int>& loop,
 }
 
 void linkPatch(std::vector<patchFace>& faces) {
-  flatIndexMap sides(faces.size() * 3);
+  flatIndexMap sides(faces.size() * 2);  // each side is stored once: 1.5 per face and the rim
   for (size_t t = 0; t < faces.size(); ++t)
     for (int k = 0; k < 3; ++k) {
       patchFace& f = faces[t];
