@@ -134,12 +134,6 @@ void fairingSystem::fillTransposeCoefficients() {
                                        : bWeight[size_t(tEntry[i])];
 }
 
-p3 fairingSystem::umbrella(size_t row) const {
-  p3 sum;
-  for (unsigned int k = ringStart[row]; k < ringStart[row + 1]; ++k) sum += local[size_t(ring[k])];
-  return sum * float(inverseSize[row]) - local[row];
-}
-
 d3 fairingSystem::solvedUmbrella(size_t row) const {
   if (weight.empty()) return toDouble(umbrella(row));
   d3 sum;

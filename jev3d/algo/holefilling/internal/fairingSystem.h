@@ -52,7 +52,12 @@ class fairingSystem {
   using d3 = MATH::point3<double>;
 
   // U at a local vertex from the current positions, even weights.
-  p3 umbrella(size_t local) const;
+  p3 umbrella(size_t row) const {
+    p3 sum;
+    for (unsigned int k = ringStart[row]; k < ringStart[row + 1]; ++k)
+      sum += local[size_t(ring[k])];
+    return sum * float(inverseSize[row]) - local[row];
+  }
   // U of the solve at a row: even or weighted.
   d3 solvedUmbrella(size_t row) const;
   // The linear part B of U in the moving vertices, applied to a direction over them;
