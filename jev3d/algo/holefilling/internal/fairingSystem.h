@@ -51,7 +51,7 @@ class fairingSystem {
   using p3 = MATH::point3<float>;
   using d3 = MATH::point3<double>;
 
-  // U at a local vertex from the current positions, even weights.
+  // U at a row from the current positions, even weights.
   p3 umbrella(size_t row) const {
     p3 sum;
     for (unsigned int k = ringStart[row]; k < ringStart[row + 1]; ++k)
