@@ -474,23 +474,53 @@ void solveWeighted(holeSurface& s, const std::vector<patchFace>& faces, unsigned
   system.updateNormals(faces);
 }
 
+// The length scale of the mesh at the patch's rim: the mean length of the mesh edges
+// that meet the rim's corners, the rim's own sides among them; 0 without a rim. The ring
+// edges count as well as the rim sides because a rim can be far finer along the hole than
+// across it (a hole cut along a row of a stretched mesh), and refining to its sides alone
+// would make a patch many times denser than the mesh around it.
+float rimEdgeScale(const holeSurface& s, const std::vector<patchFace>& faces) {
+  const int base = s.vertexCount();
+  double sum = 0;
+  size_t count = 0;
+  for (const patchFace& f : faces)
+    for (int k = 0; k < 3; ++k) {
+      const int v = f.v[k];
+      if (f.n[k] >= 0 || v >= base || f.v[(k + 1) % 3] >= base) continue;
+      // Each rim side once, by its first corner: that corner's mesh edges.
+      const int* ring = s.edgeSet().neighbours(v);
+      for (unsigned int j = 0; j < s.edgeSet().neighbourCount(v); ++j) {
+        sum += double((s.position(ring[j]) - s.position(v)).norm());
+        ++count;
+      }
+    }
+  return count ? float(sum / double(count)) : 0.f;
+}
+
 }  // namespace
 
-// Two levels: refined to twice the feature size, lifted onto the fitted quadric and
-// solved there, then refined to the feature size and solved again. The coarse level
-// carries the shape across the patch in few steps; the fine one only settles detail.
+// Two levels at the rim's length scale r: refined to 2.5·r, lifted onto the fitted
+// quadric and solved there, then refined to 2·r and 1.5·r and solved again. The coarse
+// level carries the shape across the patch in few steps; the fine one only settles
+// detail. A split at length L leaves sides between about L/2 and L, so the last split
+// leaves new sides near r: the patch takes the density of the mesh around it, where the
+// whole surface's feature size made it several times denser on a fine-rimmed hole at
+// no gain in fit (a coarser last split lets a small patch on a curved surface sag). A
+// rim without a usable length (all its corners in one point) falls back to the feature
+// size.
 void improvePatchFitted(holeSurface& s, std::vector<patchFace>& faces) {
   const int firstNew = int(s.added.size());
-  const float f = s.featureSize();
   linkPatch(faces);
-  flipPass(s, faces, f);
-  splitPass(s, faces, 2.f * f);
-  flipPass(s, faces, f);
+  float r = rimEdgeScale(s, faces);
+  if (!(r > 0.f) || !std::isfinite(r)) r = s.featureSize();
+  flipPass(s, faces, r);
+  splitPass(s, faces, 2.5f * r);
+  flipPass(s, faces, r);
   liftOntoFittedQuadric(s, faces, firstNew);
   solveWeighted(s, faces, COARSE_SOLVE_STEPS, 10, firstNew);
-  splitPass(s, faces, 1.5f * f);
-  splitPass(s, faces, f);
-  flipPass(s, faces, f);
+  splitPass(s, faces, 2.f * r);
+  splitPass(s, faces, 1.5f * r);
+  flipPass(s, faces, r);
   solveWeighted(s, faces, FINE_SOLVE_STEPS, 50, firstNew);
 }
 
