@@ -389,6 +389,57 @@ TEST(HoleFillingFaired, ASphereCapIsFilledBackCloserThanByTheRounds) {
   EXPECT_LT(near.first, 0.5 * sphereDistance(rounds, capped.vn()).first);
 }
 
+// The faired fill refines to the length of the mesh edges at the rim (the rim's sides
+// and the edges running into the mesh from its corners), so its new sides come out near
+// the rim's mean side length: split at one and a half times that scale, most end
+// between three quarters of it and one and a half times it, and the flips and the
+// fairing stretch a few. Two caps, on the sphere's own grid and on one with more rings,
+// where the scale is within a fifth of the rim's mean side length.
+TEST(HoleFillingFaired, NewSidesStayNearTheRimsMeanEdgeLength) {
+  for (const unsigned rings : {24u, 40u}) {
+    SCOPED_TRACE(rings);
+    editMesh capped;
+    cappedSphere(capped, 0.75f, rings, 48);
+    testMeshes::finishMesh(capped);
+    const double rim = rimMeanEdge(capped);
+    // The mean length of the edges at the rim's corners.
+    std::vector<bool> isRimCorner(capped.vn(), false);
+    for (unsigned e = 0; e < capped.en(); ++e)
+      if (capped.isEdgeBorder(e))
+        isRimCorner[capped.eV(e, 0)] = isRimCorner[capped.eV(e, 1)] = true;
+    double ringSum = 0;
+    unsigned ringCount = 0;
+    for (unsigned e = 0; e < capped.en(); ++e)
+      for (unsigned end = 0; end < 2; ++end)
+        if (isRimCorner[capped.eV(e, end)]) {
+          ringSum += (capped.vPos(capped.eV(e, 0)) - capped.vPos(capped.eV(e, 1))).norm();
+          ++ringCount;
+        }
+    ASSERT_GT(ringCount, 0u);
+    const double scale = ringSum / ringCount;
+    editMesh faired;
+    editMeshInterface in(capped), out(faired);
+    ASSERT_TRUE(computeHoleFillingFaired(in, 0, out));
+    testMeshes::finishMesh(faired);
+    EXPECT_EQ(faired.checkInvariants(), "");
+    EXPECT_EQ(testMeshes::borderEdges(faired), 0u);
+    ASSERT_GT(faired.vn(), capped.vn() + 10);
+    double sum = 0, shortest = 1e9, longest = 0;
+    unsigned n = 0;
+    for (unsigned e = 0; e < faired.en(); ++e) {
+      if (faired.eV(e, 0) < capped.vn() && faired.eV(e, 1) < capped.vn()) continue;
+      const double len = (faired.vPos(faired.eV(e, 0)) - faired.vPos(faired.eV(e, 1))).norm();
+      shortest = std::min(shortest, len), longest = std::max(longest, len);
+      sum += len, ++n;
+    }
+    EXPECT_GT(shortest, 0.15 * rim);
+    EXPECT_LT(longest, 1.8 * rim);
+    EXPECT_GT(sum / n, 0.75 * rim);
+    EXPECT_LT(sum / n, 1.15 * rim);
+    EXPECT_LT(std::fabs(scale - rim), 0.2 * rim);
+  }
+}
+
 TEST(HoleFillingFaired, AFlatHoleStaysFlatAndAClosedMeshComesBackAsItWas) {
   editMesh grid;
   testMeshes::makeGrid(grid, 12, 12, false, {{4, 4}, {5, 4}, {5, 5}, {6, 5}, {6, 6}});
