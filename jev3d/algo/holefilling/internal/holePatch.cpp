@@ -475,51 +475,54 @@ void solveWeighted(holeSurface& s, const std::vector<patchFace>& faces, unsigned
 }
 
 // The length scale of the mesh at the patch's rim: the mean length of the mesh edges
-// that meet the rim's corners, the rim's own sides among them; 0 without a rim. The ring
-// edges count as well as the rim sides because a rim can be far finer along the hole than
-// across it (a hole cut along a row of a stretched mesh), and refining to its sides alone
-// would make a patch many times denser than the mesh around it.
+// that leave the rim's corners into the mesh; the mean of the rim's own sides when no
+// edge does; 0 without a rim. The edges across the rim rather than along it, because a
+// rim can be far finer along the hole than across it (a hole cut along a row of a
+// stretched mesh), and refining to its sides would make a patch many times denser than
+// the mesh around it. Called before any split, when every patch vertex is a rim corner.
 float rimEdgeScale(const holeSurface& s, const std::vector<patchFace>& faces) {
-  const int base = s.vertexCount();
-  double sum = 0;
-  size_t count = 0;
-  for (const patchFace& f : faces)
-    for (int k = 0; k < 3; ++k) {
-      const int v = f.v[k];
-      if (f.n[k] >= 0 || v >= base || f.v[(k + 1) % 3] >= base) continue;
-      // Each rim side once, by its first corner: that corner's mesh edges.
-      const int* ring = s.edgeSet().neighbours(v);
-      for (unsigned int j = 0; j < s.edgeSet().neighbourCount(v); ++j) {
-        sum += double((s.position(ring[j]) - s.position(v)).norm());
-        ++count;
-      }
+  std::vector<int> rim;
+  for (const patchFace& f : faces) rim.insert(rim.end(), f.v, f.v + 3);
+  std::sort(rim.begin(), rim.end());
+  rim.erase(std::unique(rim.begin(), rim.end()), rim.end());
+  double across = 0, along = 0;
+  size_t acrossCount = 0, alongCount = 0;
+  for (int v : rim) {
+    const int* ring = s.edgeSet().neighbours(v);
+    for (unsigned int j = 0; j < s.edgeSet().neighbourCount(v); ++j) {
+      const double length = double((s.position(ring[j]) - s.position(v)).norm());
+      if (std::binary_search(rim.begin(), rim.end(), ring[j]))
+        along += length, ++alongCount;
+      else
+        across += length, ++acrossCount;
     }
-  return count ? float(sum / double(count)) : 0.f;
+  }
+  if (acrossCount) return float(across / double(acrossCount));
+  return alongCount ? float(along / double(alongCount)) : 0.f;
 }
 
 }  // namespace
 
-// Two levels at the rim's length scale r: refined to 2.5·r, lifted onto the fitted
-// quadric and solved there, then refined to 2·r and 1.5·r and solved again. The coarse
-// level carries the shape across the patch in few steps; the fine one only settles
-// detail. A split at length L leaves sides between about L/2 and L, so the last split
-// leaves new sides near r: the patch takes the density of the mesh around it, where the
-// whole surface's feature size made it several times denser on a fine-rimmed hole at
-// no gain in fit (a coarser last split lets a small patch on a curved surface sag). A
-// rim without a usable length (all its corners in one point) falls back to the feature
-// size.
+// Two levels at the rim's length scale r: refined to 3·r, lifted onto the fitted quadric
+// and solved there, then refined to 2·r and 1.4·r and solved again. The coarse level
+// carries the shape across the patch in few steps; the fine one only settles detail. A
+// split at length L leaves sides between about L/2 and L, so the last split leaves new
+// sides near r: the patch takes the density of the mesh around it, where the whole
+// surface's feature size made it several times denser on a fine-rimmed hole at no gain
+// in fit (a coarser last split lets a small patch on a curved surface sag). A rim
+// without a usable length (all its corners in one point) falls back to the feature size.
 void improvePatchFitted(holeSurface& s, std::vector<patchFace>& faces) {
   const int firstNew = int(s.added.size());
   linkPatch(faces);
   float r = rimEdgeScale(s, faces);
   if (!(r > 0.f) || !std::isfinite(r)) r = s.featureSize();
   flipPass(s, faces, r);
-  splitPass(s, faces, 2.5f * r);
+  splitPass(s, faces, 3.f * r);
   flipPass(s, faces, r);
   liftOntoFittedQuadric(s, faces, firstNew);
   solveWeighted(s, faces, COARSE_SOLVE_STEPS, 10, firstNew);
   splitPass(s, faces, 2.f * r);
-  splitPass(s, faces, 1.5f * r);
+  splitPass(s, faces, 1.4f * r);
   flipPass(s, faces, r);
   solveWeighted(s, faces, FINE_SOLVE_STEPS, 50, firstNew);
 }

@@ -89,8 +89,8 @@ void improvePatch(holeSurface& s, std::vector<patchFace>& faces);
 // The same stages in two levels, with the new vertices started on a quadric fitted to
 // the rim and its ring and the fairing weighted by inverse side lengths: large patches
 // take the curve of the surface around them, which the fixed rounds cannot carry across.
-// The patch is refined to the length of the mesh edges at its rim, not to the feature
-// size, so that its new sides come out near the rim's.
+// The patch is refined to the length of the mesh edges leaving its rim, not to the
+// feature size, so that its new sides come out near that length.
 void improvePatchFitted(holeSurface& s, std::vector<patchFace>& faces);
 
 // Sets the flip pass's generator word (1 when the process starts), so that a fill can
