@@ -370,6 +370,18 @@ TEST(HoleFillingFaired, ALargeLoopOnASphereIsFilledCloseToTheSphere) {
   EXPECT_LT(near.first, 0.008);
   EXPECT_LT(near.second, 0.03);
   EXPECT_LT(near.first, 0.25 * flat.first);
+
+  // The band's cells are three times longer across it than along the rim; the patch
+  // takes the spacing across, so it is not many times denser than the band.
+  double sum = 0;
+  unsigned n = 0;
+  for (unsigned e = 0; e < faired.en(); ++e) {
+    if (faired.eV(e, 0) < band.vn() && faired.eV(e, 1) < band.vn()) continue;
+    sum += (faired.vPos(faired.eV(e, 0)) - faired.vPos(faired.eV(e, 1))).norm(), ++n;
+  }
+  const double along = 2 * 3.14159265358979323846 * 0.5 / 600;  // the open rim's sides
+  EXPECT_GT(sum / n, 1.8 * along);
+  EXPECT_LT(sum / n, 3.0 * along);
 }
 
 TEST(HoleFillingFaired, ASphereCapIsFilledBackCloserThanByTheRounds) {
