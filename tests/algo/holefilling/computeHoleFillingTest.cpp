@@ -328,6 +328,24 @@ std::pair<double, double> sphereDistance(const editMesh& m, unsigned oldCount) {
   return {mean, worst};
 }
 
+// Mean, shortest and longest length of the edges with an end from oldCount on.
+struct sideLengths {
+  double mean = 0, shortest = 0, longest = 0;
+};
+sideLengths newSides(const editMesh& m, unsigned oldCount) {
+  sideLengths out;
+  out.shortest = 1e30;
+  unsigned n = 0;
+  for (unsigned e = 0; e < m.en(); ++e) {
+    if (m.eV(e, 0) < oldCount && m.eV(e, 1) < oldCount) continue;
+    const double len = (m.vPos(m.eV(e, 0)) - m.vPos(m.eV(e, 1))).norm();
+    out.shortest = std::min(out.shortest, len), out.longest = std::max(out.longest, len);
+    out.mean += len, ++n;
+  }
+  if (n) out.mean /= n;
+  return out;
+}
+
 }  // namespace
 
 // The fixed rounds cannot carry the rim's slope across a patch of thousands of vertices;
@@ -373,15 +391,10 @@ TEST(HoleFillingFaired, ALargeLoopOnASphereIsFilledCloseToTheSphere) {
 
   // The band's cells are three times longer across it than along the rim; the patch
   // takes the spacing across, so it is not many times denser than the band.
-  double sum = 0;
-  unsigned n = 0;
-  for (unsigned e = 0; e < faired.en(); ++e) {
-    if (faired.eV(e, 0) < band.vn() && faired.eV(e, 1) < band.vn()) continue;
-    sum += (faired.vPos(faired.eV(e, 0)) - faired.vPos(faired.eV(e, 1))).norm(), ++n;
-  }
   const double along = 2 * 3.14159265358979323846 * 0.5 / 600;  // the open rim's sides
-  EXPECT_GT(sum / n, 1.8 * along);
-  EXPECT_LT(sum / n, 3.0 * along);
+  const sideLengths sides = newSides(faired, band.vn());
+  EXPECT_GT(sides.mean, 1.8 * along);
+  EXPECT_LT(sides.mean, 3.0 * along);
 }
 
 TEST(HoleFillingFaired, ASphereCapIsFilledBackCloserThanByTheRounds) {
@@ -434,18 +447,11 @@ TEST(HoleFillingFaired, NewSidesStayNearTheRimsMeanEdgeLength) {
     EXPECT_EQ(faired.checkInvariants(), "");
     EXPECT_EQ(testMeshes::borderEdges(faired), 0u);
     ASSERT_GT(faired.vn(), capped.vn() + 10);
-    double sum = 0, shortest = 1e9, longest = 0;
-    unsigned n = 0;
-    for (unsigned e = 0; e < faired.en(); ++e) {
-      if (faired.eV(e, 0) < capped.vn() && faired.eV(e, 1) < capped.vn()) continue;
-      const double len = (faired.vPos(faired.eV(e, 0)) - faired.vPos(faired.eV(e, 1))).norm();
-      shortest = std::min(shortest, len), longest = std::max(longest, len);
-      sum += len, ++n;
-    }
-    EXPECT_GT(shortest, 0.15 * rim);
-    EXPECT_LT(longest, 1.8 * rim);
-    EXPECT_GT(sum / n, 0.75 * rim);
-    EXPECT_LT(sum / n, 1.15 * rim);
+    const sideLengths sides = newSides(faired, capped.vn());
+    EXPECT_GT(sides.shortest, 0.15 * rim);
+    EXPECT_LT(sides.longest, 1.8 * rim);
+    EXPECT_GT(sides.mean, 0.75 * rim);
+    EXPECT_LT(sides.mean, 1.15 * rim);
     EXPECT_LT(std::fabs(scale - rim), 0.2 * rim);
   }
 }
