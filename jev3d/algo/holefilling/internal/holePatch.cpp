@@ -121,9 +121,11 @@ constexpr unsigned int CG_STEPS_PER_ROUND = 8;
 // Steps of the fitted path's solves. From the fitted start the solve only blends the
 // patch into the ring around it; run much longer, the weighted thin plate drifts from the
 // fitted shape towards its own minimum, which bulges on lopsided rims. SETTLE_TOLERANCE
-// is the drop of the squared gradient at which a solve stops early.
-constexpr unsigned int COARSE_SOLVE_STEPS = 200;
-constexpr unsigned int FINE_SOLVE_STEPS = 100;
+// is the drop of the squared gradient at which a solve stops early. Refined to the rim's
+// spacing, a patch has few enough unknowns that half the steps once needed at the feature
+// size carry the same shape.
+constexpr unsigned int COARSE_SOLVE_STEPS = 100;
+constexpr unsigned int FINE_SOLVE_STEPS = 50;
 constexpr double SETTLE_TOLERANCE = 1e-10;
 
 // Refinement stops growing a patch past this many faces: a feature size far below the
