@@ -55,7 +55,8 @@ bool computeHoleFilling(const meshInterface& source, unsigned int maxSize, meshI
                         SYSTEM::callBack* cb = nullptr);
 
 // computeHoleFilling with refinement and fairing made for large holes: the patch is
-// refined in two levels, its new vertices start on a quadric fitted to the rim and the
+// refined in two levels to the length of the mesh edges leaving its rim (new sides come
+// out near that length), its new vertices start on a quadric fitted to the rim and the
 // ring of vertices around it, and the fairing weighs ring members by inverse distance.
 // The fixed rounds of computeHoleFilling leave patches of thousands of vertices nearly
 // flat; these take the curve of the surface around them. Same loops, rim and output

@@ -328,6 +328,24 @@ std::pair<double, double> sphereDistance(const editMesh& m, unsigned oldCount) {
   return {mean, worst};
 }
 
+// Mean, shortest and longest length of the edges with an end from oldCount on.
+struct sideLengths {
+  double mean = 0, shortest = 0, longest = 0;
+};
+sideLengths newSides(const editMesh& m, unsigned oldCount) {
+  sideLengths out;
+  out.shortest = 1e30;
+  unsigned n = 0;
+  for (unsigned e = 0; e < m.en(); ++e) {
+    if (m.eV(e, 0) < oldCount && m.eV(e, 1) < oldCount) continue;
+    const double len = (m.vPos(m.eV(e, 0)) - m.vPos(m.eV(e, 1))).norm();
+    out.shortest = std::min(out.shortest, len), out.longest = std::max(out.longest, len);
+    out.mean += len, ++n;
+  }
+  if (n) out.mean /= n;
+  return out;
+}
+
 }  // namespace
 
 // The fixed rounds cannot carry the rim's slope across a patch of thousands of vertices;
@@ -370,6 +388,13 @@ TEST(HoleFillingFaired, ALargeLoopOnASphereIsFilledCloseToTheSphere) {
   EXPECT_LT(near.first, 0.008);
   EXPECT_LT(near.second, 0.03);
   EXPECT_LT(near.first, 0.25 * flat.first);
+
+  // The band's cells are three times longer across it than along the rim; the patch
+  // takes the spacing across, so it is not many times denser than the band.
+  const double along = 2 * 3.14159265358979323846 * 0.5 / 600;  // the open rim's sides
+  const sideLengths sides = newSides(faired, band.vn());
+  EXPECT_GT(sides.mean, 1.8 * along);
+  EXPECT_LT(sides.mean, 3.0 * along);
 }
 
 TEST(HoleFillingFaired, ASphereCapIsFilledBackCloserThanByTheRounds) {
@@ -387,6 +412,48 @@ TEST(HoleFillingFaired, ASphereCapIsFilledBackCloserThanByTheRounds) {
   EXPECT_LT(near.first, 0.02);
   EXPECT_LT(near.second, 0.05);
   EXPECT_LT(near.first, 0.5 * sphereDistance(rounds, capped.vn()).first);
+}
+
+// The faired fill refines to the length of the mesh edges leaving the rim into the mesh,
+// so its new sides come out near the rim's mean side length where the two agree, as on
+// a sphere's grid: split at 1.4 times that scale, most end between three quarters of it
+// and one and a half times it, and the flips and the fairing stretch a few. Two caps,
+// on the sphere's own grid and on one with more rings.
+TEST(HoleFillingFaired, NewSidesStayNearTheRimsMeanEdgeLength) {
+  for (const unsigned rings : {24u, 40u}) {
+    SCOPED_TRACE(rings);
+    editMesh capped;
+    cappedSphere(capped, 0.75f, rings, 48);
+    testMeshes::finishMesh(capped);
+    const double rim = rimMeanEdge(capped);
+    // The mean length of the edges from the rim's corners into the mesh.
+    std::vector<bool> isRimCorner(capped.vn(), false);
+    for (unsigned e = 0; e < capped.en(); ++e)
+      if (capped.isEdgeBorder(e))
+        isRimCorner[capped.eV(e, 0)] = isRimCorner[capped.eV(e, 1)] = true;
+    double ringSum = 0;
+    unsigned ringCount = 0;
+    for (unsigned e = 0; e < capped.en(); ++e)
+      if (isRimCorner[capped.eV(e, 0)] != isRimCorner[capped.eV(e, 1)]) {
+        ringSum += (capped.vPos(capped.eV(e, 0)) - capped.vPos(capped.eV(e, 1))).norm();
+        ++ringCount;
+      }
+    ASSERT_GT(ringCount, 0u);
+    const double scale = ringSum / ringCount;
+    editMesh faired;
+    editMeshInterface in(capped), out(faired);
+    ASSERT_TRUE(computeHoleFillingFaired(in, 0, out));
+    testMeshes::finishMesh(faired);
+    EXPECT_EQ(faired.checkInvariants(), "");
+    EXPECT_EQ(testMeshes::borderEdges(faired), 0u);
+    ASSERT_GT(faired.vn(), capped.vn() + 10);
+    const sideLengths sides = newSides(faired, capped.vn());
+    EXPECT_GT(sides.shortest, 0.15 * rim);
+    EXPECT_LT(sides.longest, 1.8 * rim);
+    EXPECT_GT(sides.mean, 0.75 * rim);
+    EXPECT_LT(sides.mean, 1.15 * rim);
+    EXPECT_LT(std::fabs(scale - rim), 0.2 * rim);
+  }
 }
 
 TEST(HoleFillingFaired, AFlatHoleStaysFlatAndAClosedMeshComesBackAsItWas) {

@@ -5,10 +5,11 @@
 #include <cassert>
 #include <cmath>
 #include <cstdint>
-#include <unordered_map>
-#include <unordered_set>
+#include <limits>
 #include <utility>
 
+#include "jev3d/algo/holefilling/internal/fairingSystem.h"
+#include "jev3d/algo/holefilling/internal/flatIndexMap.h"
 #include "jev3d/algo/holefilling/internal/holeLoops.h"
 
 namespace JEV {
@@ -30,10 +31,12 @@ uint32_t nextFlipRandom() {
   return s;
 }
 
-p3 unitOr(const p3& v, const p3& fallback) {
-  const float len = v.norm();
+// v scaled to unit length, given its length, or fallback when it is null.
+p3 unitOf(const p3& v, float len, const p3& fallback) {
   return len > 0.f ? v * (1.f / len) : fallback;
 }
+
+p3 unitOr(const p3& v, const p3& fallback) { return unitOf(v, v.norm(), fallback); }
 
 const p3 UNIT_X(1.f, 0.f, 0.f);
 
@@ -118,9 +121,11 @@ constexpr unsigned int CG_STEPS_PER_ROUND = 8;
 // Steps of the fitted path's solves. From the fitted start the solve only blends the
 // patch into the ring around it; run much longer, the weighted thin plate drifts from the
 // fitted shape towards its own minimum, which bulges on lopsided rims. SETTLE_TOLERANCE
-// is the drop of the squared gradient at which a solve stops early.
-constexpr unsigned int COARSE_SOLVE_STEPS = 200;
-constexpr unsigned int FINE_SOLVE_STEPS = 100;
+// is the drop of the squared gradient at which a solve stops early. Refined to the rim's
+// spacing, a patch has few enough unknowns that half the steps once needed at the feature
+// size carry the same shape.
+constexpr unsigned int COARSE_SOLVE_STEPS = 100;
+constexpr unsigned int FINE_SOLVE_STEPS = 50;
 constexpr double SETTLE_TOLERANCE = 1e-10;
 
 // Refinement stops growing a patch past this many faces: a feature size far below the
@@ -128,6 +133,8 @@ constexpr double SETTLE_TOLERANCE = 1e-10;
 constexpr size_t MAX_PATCH_FACES = size_t(1) << 24;
 
 }  // namespace
+
+void seedFlipRandom(uint32_t state) { flipRandomState.store(state, std::memory_order_relaxed); }
 
 holeSurface::holeSurface(const std::vector<p3>& positions, const std::vector<p3>& normals,
                          const holeEdgeSet& edgeSet, float featureSize)
@@ -147,10 +154,11 @@ float earQuality(const holeSurface& s, int prev, int mid, int next, float featur
   const float d0 = n * s.normal(a), d1 = n * s.normal(b), d2 = n * s.normal(c);
   if (d0 < -0.999f || d1 < -0.999f || d2 < -0.999f) return EAR_CLOSES_EDGE;
   const p3 ab = pb - pa, bc = pc - pb, ca = pa - pc;
-  const float longest = std::max(ab.norm(), std::max(bc.norm(), ca.norm()));
+  const float lab = ab.norm(), lbc = bc.norm(), lca = ca.norm();
+  const float longest = std::max(lab, std::max(lbc, lca));
   // Without a length scale (a surface of no extent) every ear counts as short.
   const float scale = featureSize > 0.f ? longest / featureSize + 1.f : 1.f;
-  const p3 u = unitOr(ab, UNIT_X), v = unitOr(bc, UNIT_X), w = unitOr(ca, UNIT_X);
+  const p3 u = unitOf(ab, lab, UNIT_X), v = unitOf(bc, lbc, UNIT_X), w = unitOf(ca, lca, UNIT_X);
   float angle;
   if (angleOnly) {
     angle = u * v + 2.f;
@@ -169,7 +177,7 @@ void triangulateLoop(const holeSurface& s, const std::vector<int>& loop,
   // Alive corners as a ring of links, so the neighbours of a cut are found at once.
   const size_t count = size_t(n);
   std::vector<int> after(count), before(count);
-  std::vector<bool> cut(count, false);
+  std::vector<unsigned char> cut(count, 0);
   for (int i = 0; i < n; ++i) after[size_t(i)] = (i + 1) % n, before[size_t(i)] = (i + n - 1) % n;
   const float f = s.featureSize();
   auto candidate = [&](int p, int m, int x, float penalty) {
@@ -188,7 +196,7 @@ void triangulateLoop(const holeSurface& s, const std::vector<int>& loop,
     // Stale entries are skipped, not removed. A candidate whose middle is gone always
     // has a gone neighbour too; the test keeps that from resting on the reasoning.
     if (cut[size_t(c.prev)] || cut[size_t(c.next)] || cut[size_t(c.mid)]) continue;
-    cut[size_t(c.mid)] = true;
+    cut[size_t(c.mid)] = 1;
     faces.push_back(
         {{loop[size_t(c.next)], loop[size_t(c.mid)], loop[size_t(c.prev)]}, {-1, -1, -1}});
     after[size_t(c.prev)] = c.next;
@@ -202,19 +210,18 @@ void triangulateLoop(const holeSurface& s, const std::vector<int>& loop,
 }
 
 void linkPatch(std::vector<patchFace>& faces) {
-  std::unordered_map<uint64_t, int> sides;
-  sides.reserve(faces.size() * 3);
+  flatIndexMap sides(faces.size() * 2);  // each side is stored once: 1.5 per face and the rim
   for (size_t t = 0; t < faces.size(); ++t)
     for (int k = 0; k < 3; ++k) {
       patchFace& f = faces[t];
       f.n[k] = -1;
       const int a = f.v[k], b = f.v[(k + 1) % 3];
-      const auto other = sides.find(uint64_t(uint32_t(b)) << 32 | uint32_t(a));
-      if (other != sides.end() && faces[size_t(other->second / 3)].n[other->second % 3] < 0) {
-        f.n[k] = other->second / 3;
-        faces[size_t(other->second / 3)].n[other->second % 3] = int(t);
+      const int other = sides.find(uint64_t(uint32_t(b)) << 32 | uint32_t(a));
+      if (other >= 0 && faces[size_t(other / 3)].n[other % 3] < 0) {
+        f.n[k] = other / 3;
+        faces[size_t(other / 3)].n[other % 3] = int(t);
       } else {
-        sides[uint64_t(uint32_t(a)) << 32 | uint32_t(b)] = int(t) * 3 + k;
+        sides.assign(uint64_t(uint32_t(a)) << 32 | uint32_t(b), int(t) * 3 + k);
       }
     }
 }
@@ -272,14 +279,22 @@ void flipPass(const holeSurface& s, std::vector<patchFace>& faces, float feature
     int face, a, b;
   };
   std::vector<entry> work;
-  std::unordered_set<uint64_t> sides;
-  sides.reserve(faces.size() * 2);
+  work.reserve(faces.size() * 2);
+  flatIndexMap sides(faces.size() * 2);
   for (size_t t = 0; t < faces.size(); ++t)
     for (int k = 0; k < 3; ++k) {
       const patchFace& f = faces[t];
-      sides.insert(sideKey(f.v[k], f.v[(k + 1) % 3]));
+      sides.insert(sideKey(f.v[k], f.v[(k + 1) % 3]), 0);
       if (f.n[k] > int(t)) work.push_back({int(t), f.v[k], f.v[(k + 1) % 3]});
     }
+  // Each face's ear quality, measured once while the face stands (NaN: not yet): most
+  // sides weigh qualities, and a face meets the test from each of its sides.
+  std::vector<float> quality(faces.size(), std::numeric_limits<float>::quiet_NaN());
+  auto qualityOf = [&](int face) {
+    float& q = quality[size_t(face)];
+    if (std::isnan(q)) q = faceQuality(s, faces[size_t(face)], featureSize);
+    return q;
+  };
   // Sides come back to the list only when a flip changes their faces; the budget keeps
   // a cycle of flips, should the rules allow one, from running forever.
   size_t budget = 10 * work.size() + 64;
@@ -298,19 +313,20 @@ void flipPass(const holeSurface& s, std::vector<patchFace>& faces, float feature
     if (j < 0) continue;
     const int a = e.a, b = e.b, c = t.v[(k + 2) % 3], d = u.v[(j + 2) % 3];
     // The new diagonal must not double a side that exists already.
-    if (c == d || sides.count(sideKey(c, d)) || s.isMeshEdge(c, d)) continue;
+    if (c == d || sides.contains(sideKey(c, d)) || s.isMeshEdge(c, d)) continue;
 
     const float before = bendTerm(faceNormal(s, a, b, c), faceNormal(s, b, a, d));
     const float after = bendTerm(faceNormal(s, a, d, c), faceNormal(s, d, b, c));
     bool take;
+    float qt1 = std::numeric_limits<float>::quiet_NaN(), qu1 = qt1;
     if (after > 1.5f * before)
       take = false;
     else if (after < 0.5f * before)
       take = true;
     else {
-      const patchFace t1{{a, d, c}, {}}, u1{{d, b, c}, {}};
-      take = faceQuality(s, t1, featureSize) + faceQuality(s, u1, featureSize) >
-             faceQuality(s, t, featureSize) + faceQuality(s, u, featureSize);
+      qt1 = faceQuality(s, patchFace{{a, d, c}, {}}, featureSize);
+      qu1 = faceQuality(s, patchFace{{d, b, c}, {}}, featureSize);
+      take = qt1 + qu1 > qualityOf(e.face) + qualityOf(ui);
     }
     if (!take) continue;
     --budget;
@@ -318,235 +334,18 @@ void flipPass(const holeSurface& s, std::vector<patchFace>& faces, float feature
     const int uAD = u.n[(j + 1) % 3], uDB = u.n[(j + 2) % 3];
     t = {{a, d, c}, {uAD, ui, tCA}};
     u = {{d, b, c}, {uDB, tBC, e.face}};
+    quality[size_t(e.face)] = qt1;
+    quality[size_t(ui)] = qu1;
     relink(faces, uAD, d, a, e.face);
     relink(faces, tBC, c, b, ui);
     sides.erase(sideKey(a, b));
-    sides.insert(sideKey(c, d));
+    sides.insert(sideKey(c, d), 0);
     if (uAD >= 0) work.push_back({e.face, a, d});
     if (tCA >= 0) work.push_back({e.face, c, a});
     if (uDB >= 0) work.push_back({ui, d, b});
     if (tBC >= 0) work.push_back({ui, b, c});
   }
 }
-
-namespace {
-
-using d3 = MATH::point3<double>;
-
-d3 toDouble(const p3& p) { return d3(p.x, p.y, p.z); }
-d3 scaled(const d3& v, const d3& k) { return d3(v.x * k.x, v.y * k.y, v.z * k.z); }
-// Per coordinate a / b, 0 where b is not positive.
-d3 ratio(const d3& a, const d3& b) {
-  return d3(b.x > 0 ? a.x / b.x : 0, b.y > 0 ? a.y / b.y : 0, b.z > 0 ? a.z / b.z : 0);
-}
-d3 componentDot(const std::vector<d3>& x, const std::vector<d3>& y) {
-  d3 sum;
-  for (size_t i = 0; i < x.size(); ++i)
-    sum += d3(x[i].x * y[i].x, x[i].y * y[i].y, x[i].z * y[i].z);
-  return sum;
-}
-
-// The fairing problem of one patch against the umbrella operator U (mean of the ring
-// minus the vertex). With the exponent 2 (the thin plate) the new positions minimise the
-// sum of |U|² over every vertex of the patch, the rim included, whose rings also hold
-// their neighbours in the old mesh: so the slope of the surface around the hole carries
-// into the patch. With the exponent 1 (the membrane) U is driven to 0 at the new
-// vertices only. Only new vertices from firstNew on move.
-class fairingSystem {
- public:
-  fairingSystem(holeSurface& surface, const std::vector<patchFace>& faces, float exponent,
-                int firstNew)
-      : s(surface),
-        base(surface.vertexCount()),
-        firstMoving(base + firstNew),
-        end(base + int(surface.added.size())) {
-    if (firstMoving >= end) return;
-    // Local ids: moving vertices first, in id order, then the old vertices of the patch.
-    // Rings hold local ids; an old vertex's ring also holds its neighbours in the mesh,
-    // which get local ids of their own (with empty rings: the operator is not taken there).
-    moving = size_t(end - firstMoving);
-    std::unordered_map<int, int> oldLocal;
-    global.reserve(moving);
-    for (int v = firstMoving; v < end; ++v) global.push_back(v);
-    auto localOf = [&](int v) {
-      if (v >= firstMoving) return v - firstMoving;
-      const auto it = oldLocal.emplace(v, int(global.size()));
-      if (it.second) global.push_back(v);
-      return it.first->second;
-    };
-    std::vector<std::pair<int, int>> links;
-    links.reserve(faces.size() * 6);
-    for (const patchFace& f : faces)
-      for (int k = 0; k < 3; ++k) {
-        const int a = localOf(f.v[k]), b = localOf(f.v[(k + 1) % 3]);
-        links.emplace_back(a, b);
-        links.emplace_back(b, a);
-      }
-    const size_t patchVertices = global.size();
-    for (size_t i = moving; i < patchVertices; ++i) {
-      const int v = global[i];
-      for (unsigned int k = 0; k < s.edgeSet().neighbourCount(v); ++k)
-        links.emplace_back(int(i), localOf(s.edgeSet().neighbours(v)[k]));
-    }
-    // Rings as sorted, duplicate-free rows: bucketed by their first vertex, then each
-    // short row sorted on its own.
-    ringStart.assign(global.size() + 1, 0);
-    for (const auto& l : links) ++ringStart[size_t(l.first) + 1];
-    for (size_t i = 0; i < global.size(); ++i) ringStart[i + 1] += ringStart[i];
-    ring.resize(links.size());
-    {
-      std::vector<unsigned int> next(ringStart.begin(), ringStart.end() - 1);
-      for (const auto& l : links) ring[next[size_t(l.first)]++] = l.second;
-    }
-    unsigned int kept = 0;
-    for (size_t r = 0; r < global.size(); ++r) {
-      const auto first = ring.begin() + std::ptrdiff_t(ringStart[r]);
-      const auto last = ring.begin() + std::ptrdiff_t(ringStart[r + 1]);
-      std::sort(first, last);
-      const unsigned int rowBegin = kept;
-      for (auto it = first; it != last; ++it)
-        if (it == first || *it != *(it - 1)) ring[kept++] = *it;
-      ringStart[r] = rowBegin;
-    }
-    ringStart.back() = kept;
-    ring.resize(kept);
-    rows = exponent > 1.5f ? patchVertices : moving;
-  }
-
-  // Conjugate gradients on the normal equations of the least-squares problem, coordinates
-  // solved apart: at most maxSteps steps, stopping once the squared gradient has fallen
-  // below tolerance times its start. Returns the steps taken.
-  unsigned int solve(unsigned int maxSteps, double tolerance) {
-    if (!moving) return 0;
-    std::vector<d3> r(rows), g, dir, q;
-    for (size_t i = 0; i < rows; ++i) r[i] = solvedUmbrella(i) * -1.0;
-    applyBt(r, g);
-    dir = g;
-    d3 gamma = componentDot(g, g);
-    const d3 start = gamma;
-    unsigned int k = 0;
-    for (; k < maxSteps; ++k) {
-      if (gamma.x <= tolerance * start.x && gamma.y <= tolerance * start.y &&
-          gamma.z <= tolerance * start.z)
-        break;
-      applyB(dir, q);
-      const d3 alpha = ratio(gamma, componentDot(q, q));
-      for (size_t i = 0; i < moving; ++i) {
-        const d3 move = scaled(dir[i], alpha);
-        s.movablePosition(global[i]) += p3(float(move.x), float(move.y), float(move.z));
-      }
-      for (size_t i = 0; i < rows; ++i) r[i] -= scaled(q[i], alpha);
-      applyBt(r, g);
-      const d3 next = componentDot(g, g);
-      const d3 beta = ratio(next, gamma);
-      gamma = next;
-      for (size_t i = 0; i < moving; ++i) dir[i] = g[i] + scaled(dir[i], beta);
-    }
-    return k;
-  }
-
-  // Weighs each ring member by the inverse of its distance (normalised per ring) in the
-  // solve from here on, instead of evenly. Even weights read a tangential pull into the
-  // operator wherever a ring is lopsided (long sides on one side, short on the other, as
-  // at a rim between a fine patch and a coarse or stretched mesh), and the solve bends
-  // the patch to cancel it; with these weights a ring on a smooth surface gives a
-  // nearly normal U. The slide keeps even weights: spreading the vertices evenly is its
-  // purpose.
-  void weighByInverseLength() {
-    weight.assign(ring.size(), 0.0);
-    for (size_t r = 0; r < rows; ++r) {
-      double sum = 0;
-      for (unsigned int k = ringStart[r]; k < ringStart[r + 1]; ++k) {
-        const double len = double((at(size_t(ring[k])) - at(r)).norm());
-        // A coincident neighbour gets a huge but finite weight.
-        weight[k] = 1.0 / std::max(len, 1e-30);
-        sum += weight[k];
-      }
-      for (unsigned int k = ringStart[r]; k < ringStart[r + 1]; ++k) weight[k] /= sum;
-    }
-  }
-
-  // Rounds sweeps in which each moving vertex slides by step times the tangential part of
-  // its U, which spreads the vertices evenly without bending the surface.
-  void slide(float step, unsigned int rounds) {
-    for (unsigned int sweep = 0; sweep < rounds; ++sweep)
-      for (size_t i = 0; i < moving; ++i) {
-        const p3 u = umbrella(i);
-        const p3& n = s.added[size_t(global[i] - base)].nor;
-        s.movablePosition(global[i]) += (u - n * (u * n)) * step;
-      }
-  }
-
-  // Normals of the moved vertices from the patch's faces, weighted by area.
-  void updateNormals(const std::vector<patchFace>& faces) {
-    for (int v = firstMoving; v < end; ++v) s.added[size_t(v - base)].nor = p3();
-    for (const patchFace& f : faces) {
-      const p3& pa = s.position(f.v[0]);
-      const p3 n = p3::cross(s.position(f.v[1]) - pa, s.position(f.v[2]) - pa);
-      for (int v : f.v)
-        if (v >= firstMoving) s.added[size_t(v - base)].nor += n;
-    }
-    for (int v = firstMoving; v < end; ++v) {
-      p3& n = s.added[size_t(v - base)].nor;
-      n = unitOr(n, n);
-    }
-  }
-
- private:
-  const p3& at(size_t local) const { return s.position(global[local]); }
-  double ringSize(size_t local) const { return double(ringStart[local + 1] - ringStart[local]); }
-  // U at a row from the current positions.
-  p3 umbrella(size_t row) const {
-    p3 sum;
-    for (unsigned int k = ringStart[row]; k < ringStart[row + 1]; ++k) sum += at(size_t(ring[k]));
-    return sum * float(1.0 / ringSize(row)) - at(row);
-  }
-  // U of the solve at a row: even or weighted.
-  d3 solvedUmbrella(size_t row) const {
-    if (weight.empty()) return toDouble(umbrella(row));
-    d3 sum;
-    for (unsigned int k = ringStart[row]; k < ringStart[row + 1]; ++k)
-      sum += toDouble(at(size_t(ring[k]))) * weight[k];
-    return sum - toDouble(at(row));
-  }
-  // The linear part B of U in the moving vertices, applied to a direction over them.
-  void applyB(const std::vector<d3>& d, std::vector<d3>& out) const {
-    out.assign(rows, d3());
-    for (size_t r = 0; r < rows; ++r) {
-      d3 sum;
-      if (weight.empty()) {
-        for (unsigned int k = ringStart[r]; k < ringStart[r + 1]; ++k)
-          if (size_t(ring[k]) < moving) sum += d[size_t(ring[k])];
-        out[r] = sum * (1.0 / ringSize(r));
-      } else {
-        for (unsigned int k = ringStart[r]; k < ringStart[r + 1]; ++k)
-          if (size_t(ring[k]) < moving) sum += d[size_t(ring[k])] * weight[k];
-        out[r] = sum;
-      }
-      if (r < moving) out[r] -= d[r];
-    }
-  }
-  void applyBt(const std::vector<d3>& in, std::vector<d3>& out) const {
-    out.assign(moving, d3());
-    for (size_t r = 0; r < rows; ++r) {
-      const d3 w = in[r] * (1.0 / ringSize(r));
-      for (unsigned int k = ringStart[r]; k < ringStart[r + 1]; ++k)
-        if (size_t(ring[k]) < moving)
-          out[size_t(ring[k])] += weight.empty() ? w : in[r] * weight[k];
-      if (r < moving) out[r] -= in[r];
-    }
-  }
-
-  holeSurface& s;
-  const int base, firstMoving, end;
-  size_t moving = 0, rows = 0;
-  std::vector<int> global;
-  std::vector<unsigned int> ringStart;
-  std::vector<int> ring;
-  std::vector<double> weight;  // per ring member; empty for even weights
-};
-
-}  // namespace
 
 // Each round is CG_STEPS_PER_ROUND steps of the solve (stopping early once converged),
 // which carries the shape across a patch far faster than local sweeps, then one sweep
@@ -677,23 +476,56 @@ void solveWeighted(holeSurface& s, const std::vector<patchFace>& faces, unsigned
   system.updateNormals(faces);
 }
 
+// The length scale of the mesh at the patch's rim: the mean length of the mesh edges
+// that leave the rim's corners into the mesh; the mean of the rim's own sides when no
+// edge does; 0 without a rim. The edges across the rim rather than along it, because a
+// rim can be far finer along the hole than across it (a hole cut along a row of a
+// stretched mesh), and refining to its sides would make a patch many times denser than
+// the mesh around it. Called before any split, when every patch vertex is a rim corner.
+float rimEdgeScale(const holeSurface& s, const std::vector<patchFace>& faces) {
+  std::vector<int> rim;
+  for (const patchFace& f : faces) rim.insert(rim.end(), f.v, f.v + 3);
+  std::sort(rim.begin(), rim.end());
+  rim.erase(std::unique(rim.begin(), rim.end()), rim.end());
+  double across = 0, along = 0;
+  size_t acrossCount = 0, alongCount = 0;
+  for (int v : rim) {
+    const int* ring = s.edgeSet().neighbours(v);
+    for (unsigned int j = 0; j < s.edgeSet().neighbourCount(v); ++j) {
+      const double length = double((s.position(ring[j]) - s.position(v)).norm());
+      if (std::binary_search(rim.begin(), rim.end(), ring[j]))
+        along += length, ++alongCount;
+      else
+        across += length, ++acrossCount;
+    }
+  }
+  if (acrossCount) return float(across / double(acrossCount));
+  return alongCount ? float(along / double(alongCount)) : 0.f;
+}
+
 }  // namespace
 
-// Two levels: refined to twice the feature size, lifted onto the fitted quadric and
-// solved there, then refined to the feature size and solved again. The coarse level
-// carries the shape across the patch in few steps; the fine one only settles detail.
+// Two levels at the rim's length scale r: refined to 3·r, lifted onto the fitted quadric
+// and solved there, then refined to 2·r and 1.4·r and solved again. The coarse level
+// carries the shape across the patch in few steps; the fine one only settles detail. A
+// split at length L leaves sides between about L/2 and L, so the last split leaves new
+// sides near r: the patch takes the density of the mesh around it, where the whole
+// surface's feature size made it several times denser on a fine-rimmed hole at no gain
+// in fit (a coarser last split lets a small patch on a curved surface sag). A rim
+// without a usable length (all its corners in one point) falls back to the feature size.
 void improvePatchFitted(holeSurface& s, std::vector<patchFace>& faces) {
   const int firstNew = int(s.added.size());
-  const float f = s.featureSize();
   linkPatch(faces);
-  flipPass(s, faces, f);
-  splitPass(s, faces, 2.f * f);
-  flipPass(s, faces, f);
+  float r = rimEdgeScale(s, faces);
+  if (!(r > 0.f) || !std::isfinite(r)) r = s.featureSize();
+  flipPass(s, faces, r);
+  splitPass(s, faces, 3.f * r);
+  flipPass(s, faces, r);
   liftOntoFittedQuadric(s, faces, firstNew);
   solveWeighted(s, faces, COARSE_SOLVE_STEPS, 10, firstNew);
-  splitPass(s, faces, 1.5f * f);
-  splitPass(s, faces, f);
-  flipPass(s, faces, f);
+  splitPass(s, faces, 2.f * r);
+  splitPass(s, faces, 1.4f * r);
+  flipPass(s, faces, r);
   solveWeighted(s, faces, FINE_SOLVE_STEPS, 50, firstNew);
 }
 

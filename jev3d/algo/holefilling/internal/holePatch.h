@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <vector>
 
 #include "jev3d/math/point3.h"
@@ -88,7 +89,13 @@ void improvePatch(holeSurface& s, std::vector<patchFace>& faces);
 // The same stages in two levels, with the new vertices started on a quadric fitted to
 // the rim and its ring and the fairing weighted by inverse side lengths: large patches
 // take the curve of the surface around them, which the fixed rounds cannot carry across.
+// The patch is refined to the length of the mesh edges leaving its rim, not to the
+// feature size, so that its new sides come out near that length.
 void improvePatchFitted(holeSurface& s, std::vector<patchFace>& faces);
+
+// Sets the flip pass's generator word (1 when the process starts), so that a fill can
+// be repeated exactly.
+void seedFlipRandom(uint32_t state);
 
 // What follows the ear queue.
 enum class patchFinish { NONE, REFINE_AND_FAIR, REFINE_AND_FIT };
