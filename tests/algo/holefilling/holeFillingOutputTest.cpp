@@ -15,26 +15,19 @@
 #include "jev3d/algo/postprocessing/triMesh.h"
 #include "jev3d/algo/postprocessing/triSurface.h"
 #include "jev3d/mesh/editMeshInterface.h"
+#include "pinnedOutput.h"
 #include "support/dataFiles.h"
 #include "support/meshes.h"
 
 using namespace JEV::MESH;
 using namespace JEV::MESH::ALGO;
+using pinnedOutput::byteHash;
+using pinnedOutput::sphereBand;
 using POSTPROCESSING::triMesh;
 using POSTPROCESSING::triSurface;
 using testMeshes::p3;
 
 namespace {
-
-// FNV-1a over raw bytes.
-struct byteHash {
-  uint64_t h = 14695981039346656037ull;
-  void add(const void* data, size_t n) {
-    const unsigned char* b = static_cast<const unsigned char*>(data);
-    for (size_t i = 0; i < n; ++i) h = (h ^ b[i]) * 1099511628211ull;
-  }
-  void add(unsigned int v) { add(&v, sizeof v); }
-};
 
 // Everything a fill writes to its target, in order.
 uint64_t meshHash(const meshInterface& m) {
@@ -65,25 +58,6 @@ uint64_t fillHash(const meshInterface& source, meshInterface& target, const loop
   return meshHash(target);
 }
 
-// The band of a unit sphere between 30 and 40 degrees from the north pole, 2,000
-// segments around and 24 rows: two loops of 2,000 rim vertices on long thin cells.
-void sphereBand(triMesh& m) {
-  const unsigned seg = 2000, rows = 24;
-  const double pi = 3.14159265358979323846, t0 = pi / 6, dt = (pi / 18) / rows;
-  for (unsigned r = 0; r <= rows; ++r)
-    for (unsigned s = 0; s < seg; ++s) {
-      const double t = t0 + r * dt, p = 2 * pi * s / seg;
-      m.addVertex(p3(float(std::sin(t) * std::cos(p)), float(std::sin(t) * std::sin(p)),
-                     float(std::cos(t))));
-    }
-  for (unsigned r = 0; r < rows; ++r)
-    for (unsigned s = 0; s < seg; ++s) {
-      const unsigned a = r * seg + s, b = r * seg + (s + 1) % seg, d = a + seg, e = b + seg;
-      m.addFace(a, d, e);
-      m.addFace(a, e, b);
-    }
-}
-
 // The loops of a mesh and a checksum of them in order.
 uint64_t loopHash(const meshInterface& m, loopList& loops) {
   std::vector<std::pair<unsigned, unsigned>> ends;
@@ -101,8 +75,8 @@ uint64_t loopHash(const meshInterface& m, loopList& loops) {
 }  // namespace
 
 TEST(HoleFillingOutput, TheBandsLoopsFillBitForBit) {
-  triMesh band;
-  sphereBand(band);
+  // 2,000 segments around and 24 rows over 10 degrees: long thin cells.
+  triMesh band = sphereBand(2000, 24, 18.0);
   loopList loops;
   EXPECT_EQ(loopHash(band, loops), 6415617957738105077u);
   ASSERT_EQ(loops.size(), 2u);
