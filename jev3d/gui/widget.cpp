@@ -142,24 +142,22 @@ void widget::disconnect(linker* master, bool notifyOther) {
 
 void widget::registerInputEventCallBack(SYSTEM::EVENT_TYPE type, SYSTEM::inputEventDelegate& d) {
   if (type < 0 || type >= SYSTEM::EVENT_TYPE_COUNT) return;
-  if (!eventDelegates)
-    eventDelegates = std::make_unique<std::array<delegateList, SYSTEM::EVENT_TYPE_COUNT>>();
-  (*eventDelegates)[size_t(type)].push_back(d);
+  eventDelegates[type].push_back(d);
 }
 
 void widget::unRegisterInputEventCallBack(SYSTEM::EVENT_TYPE type, SYSTEM::inputEventDelegate& d) {
   if (type < 0 || type >= SYSTEM::EVENT_TYPE_COUNT) return;
-  if (!eventDelegates) return;
-  auto& list = (*eventDelegates)[size_t(type)];
+  auto& list = eventDelegates[type];
   auto it = std::find_if(list.begin(), list.end(), [&](const auto& e) { return e.equals(d); });
   if (it != list.end()) list.erase(it);
 }
 
-void widget::unRegisterAllInputEventCallBack() { eventDelegates.reset(); }
+void widget::unRegisterAllInputEventCallBack() {
+  for (auto& list : eventDelegates) list.clear();
+}
 
 void widget::unRegisterAllInputEventCallBack(SYSTEM::EVENT_TYPE type) {
-  if (eventDelegates && type >= 0 && type < SYSTEM::EVENT_TYPE_COUNT)
-    (*eventDelegates)[size_t(type)].clear();
+  if (type >= 0 && type < SYSTEM::EVENT_TYPE_COUNT) eventDelegates[type].clear();
 }
 
 void widget::registerDropFileEventCallBack(SYSTEM::dropFileEventDelegate& d) {
@@ -183,9 +181,8 @@ void widget::invokeDelegate(SYSTEM::EVENT_TYPE type, SYSTEM::inputEvent& event) 
     event.x -= corner.x;
     event.y -= corner.y;
   }
-  if (!eventDelegates) return;
   // A copy, so that a handler may register or remove handlers.
-  const delegateList handlers = (*eventDelegates)[size_t(type)];
+  const delegateList handlers = eventDelegates[type];
   for (const auto& d : handlers) d.invoke(&event);
 }
 

@@ -1,8 +1,6 @@
 #pragma once
 
-#include <array>
 #include <list>
-#include <memory>
 #include <string>
 #include <utility>
 #include <vector>
@@ -488,9 +486,7 @@ class widget : public SYSTEM::linkerBase<SYSTEM::dummyLinkerType> {
   CORE::color fadeFrom, fadeTo, textFadeFrom, textFadeTo;
   point3f sizeMin{16, 16, 0};
   point3f sizeMax{65536, 65536, 0};
-  // One list per event type, made at the first registration: most widgets never have a
-  // handler, and the lists would take a quarter of every widget.
-  std::unique_ptr<std::array<delegateList, SYSTEM::EVENT_TYPE_COUNT>> eventDelegates;
+  delegateList eventDelegates[SYSTEM::EVENT_TYPE_COUNT];
   dropDelegateList dropDelegates;
   float uv[2] = {48, 0};
   SYSTEM::flags<int> stateFlags;
