@@ -71,6 +71,13 @@ class fieldBase : public L<D>, public fieldDelegates {
   engineCondition* condition = nullptr;
 };
 
+// The value of a field held as a member of its exact type, read without a call through
+// the table (the same value cV gives): for walks that read many fields every frame.
+template <class F>
+const typename F::valueType& memberValue(const F& field) {
+  return field.F::cV();
+}
+
 }  // namespace SYSTEM
 }  // namespace JEV
 

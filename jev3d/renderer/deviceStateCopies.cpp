@@ -18,13 +18,13 @@ bool storeIfChanged(const S& s, S& copy, Key key) {
 }
 
 // The copies of the rectangles are mirrors that nothing links to nor observes, written at
-// every push and pop of every clip: a changed value is written without notifying. The
-// fields are members of their exact type, so they are read without a call through the
-// table. True when the value changed.
+// every push and pop of every clip: a changed value is written without notifying, and
+// the member fields are read without a call through the table. True when the value
+// changed.
 template <class F>
 bool mirror(const F& from, F& to) {
-  const auto& v = from.F::cV();
-  if (to.F::cV() == v) return false;
+  const auto& v = SYSTEM::memberValue(from);
+  if (SYSTEM::memberValue(to) == v) return false;
   to.F::V() = v;
   return true;
 }

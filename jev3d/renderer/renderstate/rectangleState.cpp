@@ -9,26 +9,23 @@ namespace {
 
 int toInt(long long v) { return v > INT_MAX ? INT_MAX : v < INT_MIN ? INT_MIN : int(v); }
 
-// The rectangles are read and rewritten on every push and pop of every clip. Their fields
-// are members of their exact type, so a value is read without a call through the table.
-template <class F>
-const typename F::valueType& read(const F& field) {
-  return field.F::cV();
-}
+// The rectangles are read and rewritten on every push and pop of every clip: their
+// fields are read as members, without a call through the table.
+using SYSTEM::memberValue;
 
 // Writes only a value that differs, since a field notifies its observers on each write.
 template <class F, class V>
 void store(F& field, V value) {
-  if (read(field) != value) field = value;
+  if (memberValue(field) != value) field = value;
 }
 
 }  // namespace
 
 void rectangleState::getComputed(int out[4]) const {
-  out[0] = read(computedX);
-  out[1] = read(computedY);
-  out[2] = read(computedWidth);
-  out[3] = read(computedHeight);
+  out[0] = memberValue(computedX);
+  out[1] = memberValue(computedY);
+  out[2] = memberValue(computedWidth);
+  out[3] = memberValue(computedHeight);
 }
 
 void rectangleState::setRequested(int px, int py, int w, int h, bool i) {
@@ -40,19 +37,21 @@ void rectangleState::setRequested(int px, int py, int w, int h, bool i) {
 }
 
 void rectangleState::copyRectangleTo(rectangleState& t) const {
-  t.setRequested(read(x), read(y), read(width), read(height), read(intersectParent));
-  store(t.computedX, read(computedX));
-  store(t.computedY, read(computedY));
-  store(t.computedWidth, read(computedWidth));
-  store(t.computedHeight, read(computedHeight));
+  t.setRequested(memberValue(x), memberValue(y), memberValue(width), memberValue(height),
+                 memberValue(intersectParent));
+  store(t.computedX, memberValue(computedX));
+  store(t.computedY, memberValue(computedY));
+  store(t.computedWidth, memberValue(computedWidth));
+  store(t.computedHeight, memberValue(computedHeight));
 }
 
 rectangleState::bounds rectangleState::getRequested() const {
-  return bounds{read(x), read(y), read(width), read(height)};
+  return bounds{memberValue(x), memberValue(y), memberValue(width), memberValue(height)};
 }
 
 rectangleState::bounds rectangleState::getComputedBounds() const {
-  return bounds{read(computedX), read(computedY), read(computedWidth), read(computedHeight)};
+  return bounds{memberValue(computedX), memberValue(computedY), memberValue(computedWidth),
+                memberValue(computedHeight)};
 }
 
 bool rectangleState::storeComputed(const bounds& r, bool result) {
