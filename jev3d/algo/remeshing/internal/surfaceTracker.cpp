@@ -41,6 +41,9 @@ constexpr float BORDER_CORNER_COS = 0.94f;  // a border turning by more than 20 
 // minimum it finds only within this share of the squared longest edge; past either the
 // tree decides.
 constexpr unsigned int MAX_WALK_STEPS = 8;
+constexpr unsigned int WHOLE_INPUT_SCANS = 8;
+// A barycentric weight at most this is nought: the closest point lies on the side across.
+constexpr float SIDE_WEIGHT = 1e-6f;
 constexpr float LOCAL_REACH_SHARE = 1.f / 16.f;
 
 // Length in float: the hot loops take it for every face around every vertex, where
@@ -58,6 +61,9 @@ double signedVolume(const p3& a, const p3& b, const p3& c, const p3& r) {
       z(c.x - r.x, c.y - r.y, c.z - r.z);
   return (x * MATH::point3<double>::cross(y, z)) / 6.0;
 }
+
+// The corner after and before each corner of a triangle.
+constexpr unsigned int NEXT[3] = {1, 2, 0}, PREV[3] = {2, 0, 1};
 
 struct edgeRec {
   unsigned int a, b;
@@ -82,7 +88,11 @@ struct surfaceTracker::state {
   // Per vertex, the input triangle it was last projected onto (NONE before): its
   // distance bounds the next search, which then prunes nearly all of the tree.
   std::vector<unsigned int> hint;
+  unsigned int scansLeft = WHOLE_INPUT_SCANS;  // searches of the whole input before the tree
   std::vector<unsigned int> inputVtStart, inputVtList;  // input triangles at each position
+  // The input triangle across each side (side k runs from corner k to k + 1), NONE on a
+  // border or a non-manifold edge.
+  std::vector<unsigned int> inputAcross;
   // Scratch of a collapse pass: the vertex each one went into (itself while it stays),
   // and the chain of vertices gone into each one, through which its faces are read.
   std::vector<unsigned int> mergedInto, chain, chainTail;
@@ -91,6 +101,7 @@ struct surfaceTracker::state {
   std::vector<edgeRec> edges;
   std::vector<unsigned int> faceEdge;          // edge of corner k's side, 3 a face
   std::vector<unsigned int> vfStart, vfList;   // faces around each vertex (CSR)
+  std::vector<unsigned char> vfCorner;         // the vertex's corner in each of them
   std::vector<unsigned char> border, feature;  // per vertex
   std::vector<unsigned char> featureEdge;      // per edge
   std::vector<unsigned int> valence;
@@ -106,6 +117,7 @@ struct surfaceTracker::state {
   }
 
   void buildTopology();
+  void buildInputAcross();
   void buildVertexFaces();
   void compactFaces();
   void compactVertices();
@@ -147,6 +159,26 @@ struct surfaceTracker::state {
   unsigned int bandSweep(float lo, float hi);
   void relaxAndProject(move how, bool project = true);
   bool borderNeighbours(unsigned int v, unsigned int& ahead, unsigned int& behind) const;
+  // The corners after and before v in each face around it, as positions in ring (two a
+  // face, in the order of the face list): the moves of a vertex read them many times.
+  std::vector<p3> ring;
+  unsigned int gatherRing(unsigned int v) {
+    const unsigned int first = vfStart[v], count = vfStart[v + 1] - first;
+    if (ring.size() < 2 * size_t(count)) ring.resize(2 * size_t(count));
+    for (unsigned int i = 0; i < count; ++i) {
+      const unsigned int f = vfList[first + i], c = vfCorner[first + i];
+      ring[2 * i] = pos[V(f, NEXT[c])], ring[2 * i + 1] = pos[V(f, PREV[c])];
+    }
+    return count;
+  }
+  // Whether v at p would turn one of its count faces against normal or make it too small.
+  bool ringFolds(const p3& p, unsigned int count, const p3& normal) const {
+    for (unsigned int i = 0; i < count; ++i) {
+      const p3 n = areaVector(p, ring[2 * i], ring[2 * i + 1]);
+      if (n * normal <= 0.f || tooSmall(n)) return true;
+    }
+    return false;
+  }
 
   // Border vertices move too (along their border) in the relaxations of this round.
   bool slideBorders = false;
@@ -192,6 +224,22 @@ surfaceTracker::surfaceTracker(const std::vector<p3>& positions,
   s->inputVtList.resize(s->tri.size());
   std::vector<unsigned int> at(s->inputVtStart.begin(), s->inputVtStart.end() - 1);
   for (size_t k = 0; k < s->tri.size(); ++k) s->inputVtList[at[s->tri[k]]++] = unsigned(k / 3);
+  s->buildInputAcross();
+}
+
+void surfaceTracker::state::buildInputAcross() {
+  inputAcross.assign(inputTri.size(), NONE);
+  for (size_t side = 0; side < inputTri.size(); ++side) {
+    const size_t t = side / 3;
+    const unsigned int a = inputTri[side], b = inputTri[3 * t + (side + 1) % 3];
+    unsigned int found = NONE, count = 0;
+    for (unsigned int i = inputVtStart[a]; i < inputVtStart[a + 1]; ++i) {
+      const unsigned int u = inputVtList[i];
+      const unsigned int* c = &inputTri[3 * size_t(u)];
+      if (u != t && (c[0] == b || c[1] == b || c[2] == b)) found = u, ++count;
+    }
+    if (count == 1) inputAcross[side] = found;
+  }
 }
 
 surfaceTracker::~surfaceTracker() = default;
@@ -207,10 +255,14 @@ void surfaceTracker::state::buildVertexFaces() {
       for (unsigned int k = 0; k < 3; ++k) ++vfStart[V(f, k) + 1];
   for (unsigned int v = 0; v < nv; ++v) vfStart[v + 1] += vfStart[v];
   vfList.resize(vfStart[nv]);
+  vfCorner.resize(vfStart[nv]);
   fill.assign(vfStart.begin(), vfStart.end() - 1);
   for (unsigned int f = 0; f < nf; ++f)
     if (!dead[f])
-      for (unsigned int k = 0; k < 3; ++k) vfList[fill[V(f, k)]++] = f;
+      for (unsigned int k = 0; k < 3; ++k) {
+        const unsigned int at = fill[V(f, k)]++;
+        vfList[at] = f, vfCorner[at] = static_cast<unsigned char>(k);
+      }
 }
 
 void surfaceTracker::state::buildTopology() {
@@ -227,29 +279,30 @@ void surfaceTracker::state::buildTopology() {
   sideOwner.assign(nv, 0);
   sideEdge.resize(nv);
   for (unsigned int v = 0; v < nv; ++v) {
-    for (unsigned int i = vfStart[v]; i < vfStart[v + 1]; ++i) {
-      const unsigned int f = vfList[i];
-      const unsigned int c = V(f, 0) == v ? 0u : (V(f, 1) == v ? 1u : 2u);
-      // The side leaving v (corner c) and the side entering it (corner c + 2).
-      for (unsigned int k : {c, (c + 2) % 3}) {
-        const unsigned int w = k == c ? V(f, (c + 1) % 3) : V(f, k);
-        if (w < v) continue;
-        if (sideOwner[w] != v + 1) {
-          edgeRec e;
-          e.a = V(f, k), e.b = V(f, (k + 1) % 3);
-          e.f[0] = f, e.k[0] = static_cast<unsigned char>(k);
-          e.f[1] = NONE, e.k[1] = 0;
-          e.faces = 1;
-          sideOwner[w] = v + 1, sideEdge[w] = unsigned(edges.size());
-          faceEdge[3 * f + k] = unsigned(edges.size());
-          edges.push_back(e);
-          continue;
-        }
-        edgeRec& e = edges[sideEdge[w]];
-        faceEdge[3 * f + k] = sideEdge[w];
-        if (e.faces == 1) e.f[1] = f, e.k[1] = static_cast<unsigned char>(k);
-        if (e.faces < 3) ++e.faces;
+    // Side k of face f joins v to w.
+    auto side = [&](unsigned int f, unsigned int k, unsigned int w) {
+      if (sideOwner[w] != v + 1) {
+        edgeRec e;
+        e.a = V(f, k), e.b = V(f, NEXT[k]);
+        e.f[0] = f, e.k[0] = static_cast<unsigned char>(k);
+        e.f[1] = NONE, e.k[1] = 0;
+        e.faces = 1;
+        sideOwner[w] = v + 1, sideEdge[w] = unsigned(edges.size());
+        faceEdge[3 * f + k] = unsigned(edges.size());
+        edges.push_back(e);
+        return;
       }
+      edgeRec& e = edges[sideEdge[w]];
+      faceEdge[3 * f + k] = sideEdge[w];
+      if (e.faces == 1) e.f[1] = f, e.k[1] = static_cast<unsigned char>(k);
+      if (e.faces < 3) ++e.faces;
+    };
+    for (unsigned int i = vfStart[v]; i < vfStart[v + 1]; ++i) {
+      const unsigned int f = vfList[i], c = vfCorner[i];
+      // The side leaving v (corner c) and the side entering it (corner c + 2).
+      const unsigned int next = V(f, NEXT[c]), prev = V(f, PREV[c]);
+      if (next > v) side(f, c, next);
+      if (prev > v) side(f, PREV[c], prev);
     }
   }
   for (const edgeRec& e : edges) {
@@ -605,6 +658,24 @@ bool surfaceTracker::state::projectOntoInput(unsigned int v, const p3& target, p
       unsigned int next = NONE;
       float nextU = 0.f, nextW = 0.f;
       p3 nextQ;
+      // On a side (one weight nought, the one of the corner across): the triangle
+      // beyond that side is the one to try first, one test for the dozen of the fans.
+      unsigned int onSide = NONE;
+      for (unsigned int k = 0; k < 3; ++k)
+        if (!(weight[k] > SIDE_WEIGHT) && weight[(k + 1) % 3] > SIDE_WEIGHT &&
+            weight[(k + 2) % 3] > SIDE_WEIGHT)
+          onSide = inputAcross[3 * size_t(at) + (k + 1) % 3];
+      if (onSide != NONE) {
+        const unsigned int* d = &inputTri[3 * size_t(onSide)];
+        float tu, tw;
+        const p3 tq = MATH::closestPointOnTriangle(target, inputPos[d[0]], inputPos[d[1]],
+                                                   inputPos[d[2]], tu, tw);
+        const float dist = (target - tq).squaredNorm();
+        if (dist < best) {
+          best = dist, at = onSide, q = tq, u = tu, w = tw;
+          continue;
+        }
+      }
       if (!inside)
         for (unsigned int k = 0; k < 3; ++k) {
           if (!(weight[k] > 0.f)) continue;
@@ -630,7 +701,21 @@ bool surfaceTracker::state::projectOntoInput(unsigned int v, const p3& target, p
     }
     reach = best * 1.0001f + std::numeric_limits<float>::min();
   }
-  // Walks rarely fail, so the tree is built at the first that does.
+  // Walks rarely fail: the first few that do look at every input triangle, a small share
+  // of the cost of building the tree, which is built only if more fail.
+  if (input.empty() && scansLeft > 0) {
+    --scansLeft;
+    float best = std::numeric_limits<float>::infinity();
+    for (size_t t = 0; t < inputTri.size() / 3; ++t) {
+      const unsigned int* c = &inputTri[3 * t];
+      float u, w;
+      const p3 q = MATH::closestPointOnTriangle(target, inputPos[c[0]], inputPos[c[1]],
+                                                inputPos[c[2]], u, w);
+      const float dist = (target - q).squaredNorm();
+      if (dist < best) best = dist, onSurface = q, hint[v] = unsigned(t);
+    }
+    return best < std::numeric_limits<float>::infinity();
+  }
   if (input.empty() && !inputTri.empty())
     input.build(inputPos.data(), inputPos.size(), inputTri.data(), inputTri.size() / 3);
   MATH::closestPointHit hit;
@@ -651,34 +736,29 @@ unsigned int surfaceTracker::state::bandSweep(float lo, float hi) {
   unsigned int moved = 0;
   for (unsigned int v = 0; v < pos.size(); ++v) {
     if (fixed[v] || border[v] || feature[v] || vfStart[v] == vfStart[v + 1]) continue;
+    const unsigned int count = gatherRing(v);
     // Each edge is seen from both of its faces; counts and sums are doubled alike.
     auto score = [&](const p3& p, float& energy) {
       unsigned int out = 0;
       energy = 0.f;
-      for (unsigned int i = vfStart[v]; i < vfStart[v + 1]; ++i)
-        for (unsigned int k = 0; k < 3; ++k) {
-          const unsigned int w = V(vfList[i], k);
-          if (w == v) continue;
-          const float l2 = (p - pos[w]).squaredNorm();
-          if (l2 >= lo2 && l2 <= hi2) continue;
-          const float l = std::sqrt(l2);
-          const float x = l < lo ? lo - l : l - hi;
-          ++out;
-          energy += x * x;
-        }
+      for (unsigned int i = 0; i < 2 * count; ++i) {
+        const float l2 = (p - ring[i]).squaredNorm();
+        if (l2 >= lo2 && l2 <= hi2) continue;
+        const float l = std::sqrt(l2);
+        const float x = l < lo ? lo - l : l - hi;
+        ++out;
+        energy += x * x;
+      }
       return out;
     };
     float e0;
     const unsigned int c0 = score(pos[v], e0);
     if (c0 == 0) continue;
     p3 pull, normal;
-    for (unsigned int i = vfStart[v]; i < vfStart[v + 1]; ++i) {
-      const unsigned int f = vfList[i];
-      normal += faceNormal(f);
-      for (unsigned int k = 0; k < 3; ++k) {
-        const unsigned int w = V(f, k);
-        if (w == v) continue;
-        const p3 e = pos[v] - pos[w];
+    for (unsigned int i = 0; i < count; ++i) {
+      normal += areaVector(pos[v], ring[2 * i], ring[2 * i + 1]);
+      for (unsigned int j = 2 * i; j < 2 * i + 2; ++j) {
+        const p3 e = pos[v] - ring[j];
         const float l = length(e);
         const float d = std::min(hi, std::max(lo, l));
         if (l > 0.f && d != l) pull += e * ((d - l) / l);
@@ -695,12 +775,7 @@ unsigned int surfaceTracker::state::bandSweep(float lo, float hi) {
       p3 onSurface;
       pos[v] = projectOntoInput(v, target, onSurface) ? onSurface : target;
       const unsigned int c2 = score(pos[v], e1);
-      bool ok = c2 < c0 || (c2 == c0 && e1 < e0);
-      for (unsigned int i = vfStart[v]; ok && i < vfStart[v + 1]; ++i) {
-        const p3 n = faceNormal(vfList[i]);
-        ok = n * normal > 0.f && !tooSmall(n);
-      }
-      if (ok) {
+      if ((c2 < c0 || (c2 == c0 && e1 < e0)) && !ringFolds(pos[v], count, normal)) {
         ++moved;
         break;
       }
@@ -717,16 +792,14 @@ bool surfaceTracker::state::borderNeighbours(unsigned int v, unsigned int& ahead
                                              unsigned int& behind) const {
   unsigned int found = 0;
   for (unsigned int i = vfStart[v]; i < vfStart[v + 1]; ++i) {
-    const unsigned int f = vfList[i];
-    const unsigned int c = V(f, 0) == v ? 0u : (V(f, 1) == v ? 1u : 2u);
-    const unsigned int next = V(f, (c + 1) % 3), prev = V(f, (c + 2) % 3);
+    const unsigned int f = vfList[i], c = vfCorner[i];
+    const unsigned int next = V(f, NEXT[c]), prev = V(f, PREV[c]);
     bool nextPaired = false, prevPaired = false;
     for (unsigned int j = vfStart[v]; j < vfStart[v + 1]; ++j) {
-      const unsigned int g = vfList[j];
+      const unsigned int g = vfList[j], d = vfCorner[j];
       if (g == f) continue;
-      const unsigned int d = V(g, 0) == v ? 0u : (V(g, 1) == v ? 1u : 2u);
-      nextPaired = nextPaired || V(g, (d + 2) % 3) == next;
-      prevPaired = prevPaired || V(g, (d + 1) % 3) == prev;
+      nextPaired = nextPaired || V(g, PREV[d]) == next;
+      prevPaired = prevPaired || V(g, NEXT[d]) == prev;
     }
     if (!nextPaired) ahead = next, found += 1;
     if (!prevPaired) behind = prev, found += 16;
@@ -744,14 +817,14 @@ void surfaceTracker::state::relaxAndProject(move how, bool project) {
     if (fixed[v] || feature[v] || vfStart[v] == vfStart[v + 1]) continue;
     if (border[v] && !(slideBorders && how == move::CENTROID)) continue;
     if (how == move::FRESH && !fresh[v]) continue;
+    const unsigned int count = gatherRing(v);
     p3 centre, normal;
     float area = 0.f;
-    for (unsigned int i = vfStart[v]; i < vfStart[v + 1]; ++i) {
-      const unsigned int f = vfList[i];
-      const p3 n = faceNormal(f);
+    for (unsigned int i = 0; i < count; ++i) {
+      const p3 n = areaVector(pos[v], ring[2 * i], ring[2 * i + 1]);
       const float w = length(n);
       normal += n;
-      centre += (pos[V(f, 0)] + pos[V(f, 1)] + pos[V(f, 2)]) * w;  // a third taken at the end
+      centre += (pos[v] + ring[2 * i] + ring[2 * i + 1]) * w;  // a third taken at the end
       area += w;
     }
     if (!(area > 0.f)) continue;
@@ -773,23 +846,14 @@ void surfaceTracker::state::relaxAndProject(move how, bool project) {
     const p3 target = pos[v] + shift - normal * (normal * shift);
     p3 onSurface;
     const bool projected = project && projectOntoInput(v, target, onSurface);
-    const p3 old = pos[v];
-    auto folds = [&]() {
-      for (unsigned int i = vfStart[v]; i < vfStart[v + 1]; ++i) {
-        const unsigned int f = vfList[i];
-        const p3 n = faceNormal(f);
-        if (n * normal <= 0.f || tooSmall(n)) return true;
-      }
-      return false;
-    };
-    pos[v] = projected ? onSurface : target;
-    if (!folds()) continue;
+    if (!ringFolds(projected ? onSurface : target, count, normal)) {
+      pos[v] = projected ? onSurface : target;
+      continue;
+    }
     if (projected) {
       if (fresh[v]) log("Even mid-point subdivision introduces collision.  Backing out.");
-      pos[v] = target;
-      if (!folds()) continue;
+      if (!ringFolds(target, count, normal)) pos[v] = target;
     }
-    pos[v] = old;
   }
 }
 
