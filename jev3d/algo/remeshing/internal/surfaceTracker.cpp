@@ -143,6 +143,9 @@ struct surfaceTracker::state {
   // stay, so nothing else has changed since that pass refused it.
   unsigned int flipEdges(bool forLength, bool nearLastOnly = false);
   std::vector<unsigned char> flippedLast;  // per vertex: in a flip of the last pass
+  std::vector<unsigned int> flippedFaces;  // the faces the last pass rewrote
+  std::vector<unsigned int> rewritten;     // the faces flips rewrote since buildVertexFaces
+  std::vector<unsigned char> edgesNearLastFlips();
   bool collapseAllowed(unsigned int keep, unsigned int gone, const p3& p, float reach);
   // Calls fn(f) for the live faces around v, including those of the vertices collapsed
   // into v during the current pass, while fn returns true; false if fn stopped it.
@@ -156,7 +159,8 @@ struct surfaceTracker::state {
   bool flipAllowed(const edgeRec& e, unsigned int c, unsigned int d);
   enum class move { FRESH, CENTROID };
   bool projectOntoInput(unsigned int v, const p3& target, p3& onSurface);
-  unsigned int bandSweep(float lo, float hi);
+  // Looks at the vertices set in pending, and leaves set those whose ring moved.
+  unsigned int bandSweep(float lo, float hi, std::vector<unsigned char>& pending);
   void relaxAndProject(move how, bool project = true);
   bool borderNeighbours(unsigned int v, unsigned int& ahead, unsigned int& behind) const;
   // The corners after and before v in each face around it, as positions in ring (two a
@@ -249,6 +253,7 @@ surfaceTracker::~surfaceTracker() = default;
 // become fixed.
 void surfaceTracker::state::buildVertexFaces() {
   const unsigned int nv = unsigned(pos.size()), nf = fn();
+  rewritten.clear();
   vfStart.assign(size_t(nv) + 1, 0);
   for (unsigned int f = 0; f < nf; ++f)
     if (!dead[f])
@@ -572,31 +577,32 @@ unsigned int surfaceTracker::state::flipEdges(bool forLength, bool nearLastOnly)
   std::vector<unsigned char> taken(pos.size(), 0);
   nearLastOnly = nearLastOnly && flippedLast.size() == pos.size();
   unsigned int done = 0;
+  std::vector<unsigned int> flips;
   auto target = [&](unsigned int v) { return border[v] ? 4 : 6; };
-  for (unsigned int e = 0; e < edges.size(); ++e) {
+  auto tryFlip = [&](unsigned int e) {
     const edgeRec& r = edges[e];
-    if (r.faces != 2 || featureEdge[e]) continue;
+    if (r.faces != 2 || featureEdge[e]) return;
     // The edge runs a -> b in f[0]; its far corners are c in f[0] and d in f[1].
     const unsigned int a = V(r.f[0], r.k[0]), b = V(r.f[0], (r.k[0] + 1) % 3);
     const unsigned int c = V(r.f[0], (r.k[0] + 2) % 3), d = V(r.f[1], (r.k[1] + 2) % 3);
-    if (taken[a] || taken[b] || taken[c] || taken[d]) continue;
+    if (taken[a] || taken[b] || taken[c] || taken[d]) return;
     if (nearLastOnly && !(flippedLast[a] || flippedLast[b] || flippedLast[c] || flippedLast[d]))
-      continue;
+      return;
     auto dev = [&](unsigned int v, int change) {
       const int x = int(valence[v]) + change - target(v);
       return x * x;
     };
     if (forLength) {
       const float now = (pos[a] - pos[b]).squaredNorm(), then = (pos[c] - pos[d]).squaredNorm();
-      if (now <= limit || then >= now || then > limit) continue;
+      if (now <= limit || then >= now || then > limit) return;
     } else {
       const int before = dev(a, 0) + dev(b, 0) + dev(c, 0) + dev(d, 0);
       const int after = dev(a, -1) + dev(b, -1) + dev(c, 1) + dev(d, 1);
-      if (after >= before) continue;
+      if (after >= before) return;
     }
     edgeRec oriented = r;
     oriented.a = a, oriented.b = b;
-    if (!flipAllowed(oriented, c, d)) continue;
+    if (!flipAllowed(oriented, c, d)) return;
     const unsigned int f0 = r.f[0], f1 = r.f[1], k0 = r.k[0], k1 = r.k[1];
     // The four sides around the quad keep their edges, which change face or corner: the
     // edge list stays current without a rebuild (only the faces around the vertices
@@ -626,10 +632,35 @@ unsigned int surfaceTracker::state::flipEdges(bool forLength, bool nearLastOnly)
     faceEdge[3 * f1] = db, faceEdge[3 * f1 + 1] = bc, faceEdge[3 * f1 + 2] = e;
     --valence[a], --valence[b], ++valence[c], ++valence[d];
     taken[a] = taken[b] = taken[c] = taken[d] = 1;
+    flips.push_back(f0), flips.push_back(f1);
     ++done;
-  }
+  };
+  const std::vector<unsigned char> near =
+      nearLastOnly ? edgesNearLastFlips() : std::vector<unsigned char>();
+  for (unsigned int e = 0; e < edges.size(); ++e)
+    if (!nearLastOnly || near[e]) tryFlip(e);
   flippedLast.swap(taken);
+  rewritten.insert(rewritten.end(), flips.begin(), flips.end());
+  flippedFaces.swap(flips);
   return done;
+}
+
+// Per edge, whether it has an end or a far corner at a vertex of the last pass's flips
+// (or is near one: the test of those vertices follows). The faces around each vertex date from
+// before the flips: a face that holds such a vertex now either held it then or is one a flip
+// rewrote since.
+std::vector<unsigned char> surfaceTracker::state::edgesNearLastFlips() {
+  std::vector<unsigned char> near(edges.size(), 0);
+  auto addFace = [&](unsigned int f) {
+    for (unsigned int k = 0; k < 3; ++k)
+      if (faceEdge[3 * f + k] != NONE) near[faceEdge[3 * f + k]] = 1;
+  };
+  for (unsigned int f : rewritten) addFace(f);
+  for (unsigned int f : flippedFaces) {
+    for (unsigned int k = 0; k < 3; ++k)
+      for (unsigned int i = vfStart[V(f, k)]; i < vfStart[V(f, k) + 1]; ++i) addFace(vfList[i]);
+  }
+  return near;
 }
 
 // Where v, moved to target, lands on the input; hint[v] follows. False if the input
@@ -731,11 +762,15 @@ bool surfaceTracker::state::projectOntoInput(unsigned int v, const p3& target, p
 // Moves each free inner vertex with edges outside [lo, hi] in its tangent plane along
 // the pull of those edges, onto the input, where that leaves fewer of its edges outside
 // (or as many, less far outside) and turns no face over.
-unsigned int surfaceTracker::state::bandSweep(float lo, float hi) {
+unsigned int surfaceTracker::state::bandSweep(float lo, float hi,
+                                              std::vector<unsigned char>& pending) {
   const float lo2 = lo * lo, hi2 = hi * hi;
   unsigned int moved = 0;
+  // A vertex whose ring stayed where it was when last looked at would be left again.
+  std::vector<unsigned char> next(pos.size(), 0);
   for (unsigned int v = 0; v < pos.size(); ++v) {
-    if (fixed[v] || border[v] || feature[v] || vfStart[v] == vfStart[v + 1]) continue;
+    if (!pending[v] || fixed[v] || border[v] || feature[v] || vfStart[v] == vfStart[v + 1])
+      continue;
     const unsigned int count = gatherRing(v);
     // Each edge is seen from both of its faces; counts and sums are doubled alike.
     auto score = [&](const p3& p, float& energy) {
@@ -777,11 +812,14 @@ unsigned int surfaceTracker::state::bandSweep(float lo, float hi) {
       const unsigned int c2 = score(pos[v], e1);
       if ((c2 < c0 || (c2 == c0 && e1 < e0)) && !ringFolds(pos[v], count, normal)) {
         ++moved;
+        for (unsigned int i = vfStart[v]; i < vfStart[v + 1]; ++i)
+          for (unsigned int k = 0; k < 3; ++k) next[V(vfList[i], k)] = 1;
         break;
       }
       pos[v] = old;
     }
   }
+  pending.swap(next);
   return moved;
 }
 
@@ -920,7 +958,8 @@ void surfaceTracker::improve(SYSTEM::callBack* cb) {
     t.round({1.05f * hi, 0.78f * hi, 1.2f * hi, EQUALISE_FLIP_PASSES, EQUALISE_RELAXATIONS, true});
   // Inside the band by a hair, so that the rounding of the projection keeps them in.
   const float sweepLo = std::max(lo, 0.8f * hi) * 1.0125f, sweepHi = 0.99f * hi;
-  for (unsigned int i = 0; i < SWEEP_ROUNDS; ++i) t.bandSweep(sweepLo, sweepHi);
+  std::vector<unsigned char> pending(t.pos.size(), 1);
+  for (unsigned int i = 0; i < SWEEP_ROUNDS; ++i) t.bandSweep(sweepLo, sweepHi, pending);
   if (cb) cb->setValue(100.0f);
 }
 
