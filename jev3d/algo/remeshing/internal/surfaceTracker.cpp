@@ -53,6 +53,13 @@ float length(const p3& v) {
   return s <= std::numeric_limits<float>::max() ? std::sqrt(s) : v.norm();
 }
 
+// Unit vector in float, for the same reason; the null vector stays null.
+p3 unit(const p3& v) {
+  const float s = v.squaredNorm();
+  return s > 0.f && s <= std::numeric_limits<float>::max() ? v * (1.f / std::sqrt(s))
+                                                           : v.getNormalized();
+}
+
 // Twice the area vector of a triangle.
 p3 areaVector(const p3& a, const p3& b, const p3& c) { return p3::cross(b - a, c - a); }
 
@@ -96,12 +103,18 @@ struct surfaceTracker::state {
   // Scratch of a collapse pass: the vertex each one went into (itself while it stays),
   // and the chain of vertices gone into each one, through which its faces are read.
   std::vector<unsigned int> mergedInto, chain, chainTail;
+  // Per vertex, whether a collapse of the pass changed its faces: the rings of the others
+  // still read as they were built.
+  std::vector<unsigned char> stirred;
 
   // Adjacency of the live faces, rebuilt by buildTopology.
   std::vector<edgeRec> edges;
-  std::vector<unsigned int> faceEdge;          // edge of corner k's side, 3 a face
-  std::vector<unsigned int> vfStart, vfList;   // faces around each vertex (CSR)
-  std::vector<unsigned char> vfCorner;         // the vertex's corner in each of them
+  std::vector<unsigned int> faceEdge;         // edge of corner k's side, 3 a face
+  std::vector<unsigned int> vfStart, vfList;  // faces around each vertex (CSR)
+  std::vector<unsigned char> vfCorner;        // the vertex's corner in each of them
+  // The corners after and before the vertex in each of them: the sweeps over vertices
+  // read their rings from here in order, not through the faces.
+  std::vector<unsigned int> vfNext, vfPrev;
   std::vector<unsigned char> border, feature;  // per vertex
   std::vector<unsigned char> featureEdge;      // per edge
   std::vector<unsigned int> valence;
@@ -165,14 +178,12 @@ struct surfaceTracker::state {
   bool borderNeighbours(unsigned int v, unsigned int& ahead, unsigned int& behind) const;
   // The corners after and before v in each face around it, as positions in ring (two a
   // face, in the order of the face list): the moves of a vertex read them many times.
-  std::vector<p3> ring;
+  std::vector<p3> ring, ringArea;  // ringArea: twice the area vector of each face
   unsigned int gatherRing(unsigned int v) {
     const unsigned int first = vfStart[v], count = vfStart[v + 1] - first;
-    if (ring.size() < 2 * size_t(count)) ring.resize(2 * size_t(count));
-    for (unsigned int i = 0; i < count; ++i) {
-      const unsigned int f = vfList[first + i], c = vfCorner[first + i];
-      ring[2 * i] = pos[V(f, NEXT[c])], ring[2 * i + 1] = pos[V(f, PREV[c])];
-    }
+    if (ring.size() < 2 * size_t(count)) ring.resize(2 * size_t(count)), ringArea.resize(count);
+    for (unsigned int i = 0; i < count; ++i)
+      ring[2 * i] = pos[vfNext[first + i]], ring[2 * i + 1] = pos[vfPrev[first + i]];
     return count;
   }
   // Whether v at p would turn one of its count faces against normal or make it too small.
@@ -261,12 +272,15 @@ void surfaceTracker::state::buildVertexFaces() {
   for (unsigned int v = 0; v < nv; ++v) vfStart[v + 1] += vfStart[v];
   vfList.resize(vfStart[nv]);
   vfCorner.resize(vfStart[nv]);
+  vfNext.resize(vfStart[nv]);
+  vfPrev.resize(vfStart[nv]);
   fill.assign(vfStart.begin(), vfStart.end() - 1);
   for (unsigned int f = 0; f < nf; ++f)
     if (!dead[f])
       for (unsigned int k = 0; k < 3; ++k) {
         const unsigned int at = fill[V(f, k)]++;
         vfList[at] = f, vfCorner[at] = static_cast<unsigned char>(k);
+        vfNext[at] = V(f, NEXT[k]), vfPrev[at] = V(f, PREV[k]);
       }
 }
 
@@ -305,7 +319,7 @@ void surfaceTracker::state::buildTopology() {
     for (unsigned int i = vfStart[v]; i < vfStart[v + 1]; ++i) {
       const unsigned int f = vfList[i], c = vfCorner[i];
       // The side leaving v (corner c) and the side entering it (corner c + 2).
-      const unsigned int next = V(f, NEXT[c]), prev = V(f, PREV[c]);
+      const unsigned int next = vfNext[i], prev = vfPrev[i];
       if (next > v) side(f, c, next);
       if (prev > v) side(f, PREV[c], prev);
     }
@@ -401,15 +415,20 @@ bool surfaceTracker::state::collapseAllowed(unsigned int keep, unsigned int gone
                                             float reach) {
   const float limit = reach * reach;
   // No edge at p may come out long; the commonest refusal, so it is tested first.
-  for (unsigned int end : {keep, gone})
+  auto tooLong = [&](unsigned int w) {
+    return w != keep && w != gone && (p - pos[w]).squaredNorm() > limit;
+  };
+  for (unsigned int end : {keep, gone}) {
+    if (!stirred[end]) {
+      for (unsigned int i = vfStart[end]; i < vfStart[end + 1]; ++i)
+        if (tooLong(vfNext[i]) || tooLong(vfPrev[i])) return false;
+      continue;
+    }
     if (!forFacesOf(end, [&](unsigned int f) {
-          for (unsigned int k = 0; k < 3; ++k) {
-            const unsigned int w = V(f, k);
-            if (w != keep && w != gone && (p - pos[w]).squaredNorm() > limit) return false;
-          }
-          return true;
+          return !tooLong(V(f, 0)) && !tooLong(V(f, 1)) && !tooLong(V(f, 2));
         }))
       return false;
+  }
   // Link condition: the two ends share exactly the far corners of the edge's faces.
   const unsigned int m = nextMark();
   unsigned int around = 0;
@@ -492,6 +511,7 @@ unsigned int surfaceTracker::state::collapseShortEdges(float shortest, float rea
   chainTail.resize(nv);
   for (unsigned int v = 0; v < nv; ++v) mergedInto[v] = chainTail[v] = v;
   chain.assign(nv, NONE);
+  stirred.assign(nv, 0);
   auto root = [&](unsigned int v) {
     while (mergedInto[v] != v) v = mergedInto[v] = mergedInto[mergedInto[v]];
     return v;
@@ -507,6 +527,7 @@ unsigned int surfaceTracker::state::collapseShortEdges(float shortest, float rea
     const p3 p = lockA || lockB ? pos[keep] : (pos[a] + pos[b]) * 0.5f;
     if (!collapseAllowed(keep, gone, p, reach)) continue;
     forFacesOf(gone, [&](unsigned int f) {
+      for (unsigned int k = 0; k < 3; ++k) stirred[V(f, k)] = 1;
       if (V(f, 0) == keep || V(f, 1) == keep || V(f, 2) == keep) {
         dead[f] = 1;
         return true;
@@ -799,7 +820,7 @@ unsigned int surfaceTracker::state::bandSweep(float lo, float hi,
         if (l > 0.f && d != l) pull += e * ((d - l) / l);
       }
     }
-    normal.normalize();
+    normal = unit(normal);
     pull = (pull - normal * (normal * pull)) * 0.5f;
     const p3 old = pos[v];
     for (float step : {1.f, 0.5f, 0.25f}) {
@@ -830,14 +851,12 @@ bool surfaceTracker::state::borderNeighbours(unsigned int v, unsigned int& ahead
                                              unsigned int& behind) const {
   unsigned int found = 0;
   for (unsigned int i = vfStart[v]; i < vfStart[v + 1]; ++i) {
-    const unsigned int f = vfList[i], c = vfCorner[i];
-    const unsigned int next = V(f, NEXT[c]), prev = V(f, PREV[c]);
+    const unsigned int next = vfNext[i], prev = vfPrev[i];
     bool nextPaired = false, prevPaired = false;
     for (unsigned int j = vfStart[v]; j < vfStart[v + 1]; ++j) {
-      const unsigned int g = vfList[j], d = vfCorner[j];
-      if (g == f) continue;
-      nextPaired = nextPaired || V(g, PREV[d]) == next;
-      prevPaired = prevPaired || V(g, NEXT[d]) == prev;
+      if (j == i) continue;
+      nextPaired = nextPaired || vfPrev[j] == next;
+      prevPaired = prevPaired || vfNext[j] == prev;
     }
     if (!nextPaired) ahead = next, found += 1;
     if (!prevPaired) behind = prev, found += 16;
@@ -857,16 +876,27 @@ void surfaceTracker::state::relaxAndProject(move how, bool project) {
     if (how == move::FRESH && !fresh[v]) continue;
     const unsigned int count = gatherRing(v);
     p3 centre, normal;
-    float area = 0.f;
+    float area = 0.f, across = 0.f;  // across: the longest squared side facing v
     for (unsigned int i = 0; i < count; ++i) {
-      const p3 n = areaVector(pos[v], ring[2 * i], ring[2 * i + 1]);
+      const p3 n = ringArea[i] = areaVector(pos[v], ring[2 * i], ring[2 * i + 1]);
       const float w = length(n);
       normal += n;
-      centre += (pos[v] + ring[2 * i] + ring[2 * i + 1]) * w;  // a third taken at the end
+      centre += (ring[2 * i] + ring[2 * i + 1]) * w;  // v's own third added at the end
       area += w;
+      across = std::max(across, (ring[2 * i] - ring[2 * i + 1]).squaredNorm());
     }
     if (!(area > 0.f)) continue;
-    normal.normalize();
+    normal = unit(normal);
+    // Moving v by d adds d x (a - b) to the area vector of its face (v, a, b): a move
+    // shorter than the flattest face's height over the smallest area allowed, measured
+    // against the longest side, can fold none, and needs no test face by face.
+    float flattest = std::numeric_limits<float>::infinity();
+    for (unsigned int i = 0; i < count; ++i) flattest = std::min(flattest, ringArea[i] * normal);
+    const float margin = flattest - 2.f * std::max(0.f, params.minTriangleArea);
+    auto folds = [&](const p3& q) {
+      return !(margin > 0.f && (q - pos[v]).squaredNorm() * across < margin * margin) &&
+             ringFolds(q, count, normal);
+    };
     p3 shift;
     if (how == move::CENTROID && border[v]) {
       // Along the border, towards the middle of its two border neighbours.
@@ -879,18 +909,18 @@ void surfaceTracker::state::relaxAndProject(move how, bool project) {
       const p3 along = (pos[ahead] - pos[behind]).getNormalized();
       shift = along * (0.5f * ((pos[ahead] - pos[v]).norm() - (pos[behind] - pos[v]).norm()));
     } else if (how == move::CENTROID) {
-      shift = centre * (1.f / (3.f * area)) - pos[v];
+      shift = centre * (1.f / (3.f * area)) - pos[v] * (2.f / 3.f);
     }
     const p3 target = pos[v] + shift - normal * (normal * shift);
     p3 onSurface;
     const bool projected = project && projectOntoInput(v, target, onSurface);
-    if (!ringFolds(projected ? onSurface : target, count, normal)) {
+    if (!folds(projected ? onSurface : target)) {
       pos[v] = projected ? onSurface : target;
       continue;
     }
     if (projected) {
       if (fresh[v]) log("Even mid-point subdivision introduces collision.  Backing out.");
-      if (!ringFolds(target, count, normal)) pos[v] = target;
+      if (!folds(target)) pos[v] = target;
     }
   }
 }
