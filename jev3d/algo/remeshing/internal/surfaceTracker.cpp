@@ -151,6 +151,15 @@ struct surfaceTracker::state {
     return areaVector(pos[V(f, 0)], pos[V(f, 1)], pos[V(f, 2)]);
   }
   bool splitLongEdges(float longest);
+  // Whether a side of a face is longer than longest and not between two fixed vertices.
+  bool anySideLonger(float longest) const {
+    const float limit = longest * longest;
+    for (unsigned int side = 0; side < tri.size(); ++side) {
+      const unsigned int a = tri[side], b = tri[side - side % 3 + NEXT[side % 3]];
+      if ((pos[a] - pos[b]).squaredNorm() > limit && !(fixed[a] && fixed[b])) return true;
+    }
+    return false;
+  }
   unsigned int collapseShortEdges(float shortest, float reach);
   // nearLastOnly looks only at edges by a vertex of the last pass's flips: positions
   // stay, so nothing else has changed since that pass refused it.
@@ -270,6 +279,7 @@ void surfaceTracker::state::buildVertexFaces() {
     if (!dead[f])
       for (unsigned int k = 0; k < 3; ++k) ++vfStart[V(f, k) + 1];
   for (unsigned int v = 0; v < nv; ++v) vfStart[v + 1] += vfStart[v];
+  mark.resize(nv, 0);
   vfList.resize(vfStart[nv]);
   vfCorner.resize(vfStart[nv]);
   vfNext.resize(vfStart[nv]);
@@ -394,7 +404,10 @@ bool surfaceTracker::state::splitLongEdges(float longest) {
     pos.push_back((pos[r.a] + pos[r.b]) * 0.5f);
     origin.push_back(NONE);
     hint.push_back(hint[r.a]);
-    fixed.push_back(0);
+    // The flags a rebuild would give it, so that a collapse pass can follow at once.
+    border.push_back(r.faces == 1);
+    fixed.push_back(params.keepBorder && r.faces == 1);
+    feature.push_back(featureEdge[e]);
     fresh.push_back(1);
     any = true;
   }
@@ -493,19 +506,30 @@ unsigned int surfaceTracker::state::collapseShortEdges(float shortest, float rea
   // Shortest first, near enough: a counting sort into buckets of squared length. Each
   // bucket is a sweep over the mesh in memory order; sixteen keep the sweeps few at
   // hardly a change of the result.
+  // The edges are read off the sides of the faces (the edge list may date from before
+  // the last splits): each once, as the side that runs from its smaller end, or, on a
+  // border, as its only side. Ends of non-manifold edges are fixed and never meet.
   constexpr unsigned int BUCKETS = 16;
-  std::vector<unsigned int> bucketOf(edges.size(), BUCKETS), start(BUCKETS + 1, 0);
-  for (unsigned int e = 0; e < edges.size(); ++e) {
-    const edgeRec& r = edges[e];
-    const float l = (pos[r.a] - pos[r.b]).squaredNorm();
-    if (r.faces > 2 || !(l < limit)) continue;
-    bucketOf[e] = std::min(BUCKETS - 1, unsigned(float(BUCKETS) * l / limit));
-    ++start[bucketOf[e] + 1];
+  auto twinless = [&](unsigned int a, unsigned int b) {
+    for (unsigned int i = vfStart[b]; i < vfStart[b + 1]; ++i)
+      if (vfNext[i] == a) return false;
+    return true;
+  };
+  std::vector<unsigned char> bucketOf(tri.size(), BUCKETS);
+  std::vector<unsigned int> start(BUCKETS + 1, 0);
+  for (unsigned int side = 0; side < tri.size(); ++side) {
+    const unsigned int a = tri[side], b = tri[side - side % 3 + NEXT[side % 3]];
+    if (a > b && !(border[a] && border[b])) continue;
+    const float l = (pos[a] - pos[b]).squaredNorm();
+    if (dead[side / 3] || !(l < limit) || (a > b && !twinless(a, b))) continue;
+    bucketOf[side] =
+        static_cast<unsigned char>(std::min(BUCKETS - 1, unsigned(float(BUCKETS) * l / limit)));
+    ++start[bucketOf[side] + 1];
   }
   for (unsigned int b = 0; b < BUCKETS; ++b) start[b + 1] += start[b];
   std::vector<unsigned int> order(start[BUCKETS]);
-  for (unsigned int e = 0; e < edges.size(); ++e)
-    if (bucketOf[e] < BUCKETS) order[start[bucketOf[e]]++] = e;
+  for (unsigned int side = 0; side < tri.size(); ++side)
+    if (bucketOf[side] < BUCKETS) order[start[bucketOf[side]]++] = side;
   const unsigned int nv = unsigned(pos.size());
   mergedInto.resize(nv);
   chainTail.resize(nv);
@@ -517,8 +541,8 @@ unsigned int surfaceTracker::state::collapseShortEdges(float shortest, float rea
     return v;
   };
   unsigned int done = 0;
-  for (unsigned int e : order) {
-    const unsigned int a = root(edges[e].a), b = root(edges[e].b);
+  for (unsigned int side : order) {
+    const unsigned int a = root(tri[side]), b = root(tri[side - side % 3 + NEXT[side % 3]]);
     if (a == b || !((pos[a] - pos[b]).squaredNorm() < limit)) continue;
     const bool lockA = fixed[a] || feature[a] || (border[a] && !border[b]);
     const bool lockB = fixed[b] || feature[b] || (border[b] && !border[a]);
@@ -927,14 +951,22 @@ void surfaceTracker::state::relaxAndProject(move how, bool project) {
 
 void surfaceTracker::state::round(const roundPlan& r) {
   std::fill(fresh.begin(), fresh.end(), 0);
-  for (unsigned int pass = 0; pass < MAX_SPLIT_PASSES && splitLongEdges(r.split); ++pass)
-    buildTopology();
+  // Another pass of splits, which reads the edges, follows only where a side is still
+  // long; the collapses read just the faces around each vertex.
+  bool edgesCurrent = true;
+  for (unsigned int pass = 0; pass < MAX_SPLIT_PASSES; ++pass) {
+    if (!edgesCurrent) buildTopology();
+    edgesCurrent = true;
+    if (!splitLongEdges(r.split)) break;
+    edgesCurrent = false;
+    if (!anySideLonger(r.split)) break;
+  }
+  if (!edgesCurrent) buildVertexFaces();
   // Collapses read the positions: the midpoints go onto the input first.
   if (r.projectSplits) relaxAndProject(move::FRESH);
-  if (collapseShortEdges(r.collapse, r.reach)) {
-    compactVertices();
-    buildTopology();
-  }
+  const bool collapsed = collapseShortEdges(r.collapse, r.reach) > 0;
+  if (collapsed) compactVertices();
+  if (collapsed || !edgesCurrent) buildTopology();
   bool flipped = false;
   for (unsigned int pass = 0; pass < r.flipPasses && flipEdges(false, pass > 0); ++pass)
     flipped = true;
@@ -969,7 +1001,7 @@ void surfaceTracker::improve(SYSTEM::callBack* cb) {
     std::fill(t.fresh.begin(), t.fresh.end(), 0);
     if (t.flipEdges(true)) t.buildTopology();
     if (t.splitLongEdges(hi)) {
-      t.buildTopology();
+      t.buildVertexFaces();
       t.relaxAndProject(state::move::FRESH);
     }
     t.collapseShortEdges(lo, hi);  // the result reads only the faces: no rebuild
