@@ -187,10 +187,11 @@ struct surfaceTracker::state {
   bool borderNeighbours(unsigned int v, unsigned int& ahead, unsigned int& behind) const;
   // The corners after and before v in each face around it, as positions in ring (two a
   // face, in the order of the face list): the moves of a vertex read them many times.
-  std::vector<p3> ring, ringArea;  // ringArea: twice the area vector of each face
+  std::vector<p3> ring;
+  std::vector<p3> ringArea;  // scratch of a relaxation: twice the area vector of each face
   unsigned int gatherRing(unsigned int v) {
     const unsigned int first = vfStart[v], count = vfStart[v + 1] - first;
-    if (ring.size() < 2 * size_t(count)) ring.resize(2 * size_t(count)), ringArea.resize(count);
+    if (ring.size() < 2 * size_t(count)) ring.resize(2 * size_t(count));
     for (unsigned int i = 0; i < count; ++i)
       ring[2 * i] = pos[vfNext[first + i]], ring[2 * i + 1] = pos[vfPrev[first + i]];
     return count;
@@ -623,7 +624,8 @@ unsigned int surfaceTracker::state::flipEdges(bool forLength, bool nearLastOnly)
   nearLastOnly = nearLastOnly && flippedLast.size() == pos.size();
   unsigned int done = 0;
   std::vector<unsigned int> flips;
-  auto target = [&](unsigned int v) { return border[v] ? 4 : 6; };
+  // Valence above the ideal, 6 (4 on a border).
+  auto excess = [&](unsigned int v) { return int(valence[v]) - (border[v] ? 4 : 6); };
   auto tryFlip = [&](unsigned int e) {
     const edgeRec& r = edges[e];
     if (r.faces != 2 || featureEdge[e]) return;
@@ -633,17 +635,13 @@ unsigned int surfaceTracker::state::flipEdges(bool forLength, bool nearLastOnly)
     if (taken[a] || taken[b] || taken[c] || taken[d]) return;
     if (nearLastOnly && !(flippedLast[a] || flippedLast[b] || flippedLast[c] || flippedLast[d]))
       return;
-    auto dev = [&](unsigned int v, int change) {
-      const int x = int(valence[v]) + change - target(v);
-      return x * x;
-    };
     if (forLength) {
       const float now = (pos[a] - pos[b]).squaredNorm(), then = (pos[c] - pos[d]).squaredNorm();
       if (now <= limit || then >= now || then > limit) return;
     } else {
-      const int before = dev(a, 0) + dev(b, 0) + dev(c, 0) + dev(d, 0);
-      const int after = dev(a, -1) + dev(b, -1) + dev(c, 1) + dev(d, 1);
-      if (after >= before) return;
+      // The flip takes one from a and b and gives one to c and d: the sum of the squared
+      // excesses changes by 4 - 2 (xa + xb) + 2 (xc + xd).
+      if (excess(a) + excess(b) - excess(c) - excess(d) <= 2) return;
     }
     edgeRec oriented = r;
     oriented.a = a, oriented.b = b;
@@ -898,16 +896,18 @@ void surfaceTracker::state::relaxAndProject(move how, bool project) {
     if (fixed[v] || feature[v] || vfStart[v] == vfStart[v + 1]) continue;
     if (border[v] && !(slideBorders && how == move::CENTROID)) continue;
     if (how == move::FRESH && !fresh[v]) continue;
-    const unsigned int count = gatherRing(v);
+    const unsigned int first = vfStart[v], count = vfStart[v + 1] - first;
+    if (ringArea.size() < count) ringArea.resize(count);
     p3 centre, normal;
     float area = 0.f, across = 0.f;  // across: the longest squared side facing v
     for (unsigned int i = 0; i < count; ++i) {
-      const p3 n = ringArea[i] = areaVector(pos[v], ring[2 * i], ring[2 * i + 1]);
+      const p3 &a = pos[vfNext[first + i]], &b = pos[vfPrev[first + i]];
+      const p3 n = ringArea[i] = areaVector(pos[v], a, b);
       const float w = length(n);
       normal += n;
-      centre += (ring[2 * i] + ring[2 * i + 1]) * w;  // v's own third added at the end
+      centre += (a + b) * w;  // v's own third added at the end
       area += w;
-      across = std::max(across, (ring[2 * i] - ring[2 * i + 1]).squaredNorm());
+      across = std::max(across, (a - b).squaredNorm());
     }
     if (!(area > 0.f)) continue;
     normal = unit(normal);
@@ -918,8 +918,9 @@ void surfaceTracker::state::relaxAndProject(move how, bool project) {
     for (unsigned int i = 0; i < count; ++i) flattest = std::min(flattest, ringArea[i] * normal);
     const float margin = flattest - 2.f * std::max(0.f, params.minTriangleArea);
     auto folds = [&](const p3& q) {
-      return !(margin > 0.f && (q - pos[v]).squaredNorm() * across < margin * margin) &&
-             ringFolds(q, count, normal);
+      if (margin > 0.f && (q - pos[v]).squaredNorm() * across < margin * margin) return false;
+      gatherRing(v);
+      return ringFolds(q, count, normal);
     };
     p3 shift;
     if (how == move::CENTROID && border[v]) {
