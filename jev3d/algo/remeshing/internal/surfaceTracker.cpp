@@ -154,9 +154,15 @@ struct surfaceTracker::state {
   // Whether a side of a face is longer than longest and not between two fixed vertices.
   bool anySideLonger(float longest) const {
     const float limit = longest * longest;
-    for (unsigned int side = 0; side < tri.size(); ++side) {
-      const unsigned int a = tri[side], b = tri[side - side % 3 + NEXT[side % 3]];
-      if ((pos[a] - pos[b]).squaredNorm() > limit && !(fixed[a] && fixed[b])) return true;
+    for (size_t f = 0; f < tri.size(); f += 3) {
+      const p3 &a = pos[tri[f]], &b = pos[tri[f + 1]], &c = pos[tri[f + 2]];
+      if (!((a - b).squaredNorm() > limit || (b - c).squaredNorm() > limit ||
+            (c - a).squaredNorm() > limit))
+        continue;
+      for (unsigned int k = 0; k < 3; ++k) {
+        const unsigned int u = tri[f + k], w = tri[f + NEXT[k]];
+        if ((pos[u] - pos[w]).squaredNorm() > limit && !(fixed[u] && fixed[w])) return true;
+      }
     }
     return false;
   }
