@@ -524,14 +524,17 @@ unsigned int surfaceTracker::state::collapseShortEdges(float shortest, float rea
   };
   std::vector<unsigned char> bucketOf(tri.size(), BUCKETS);
   std::vector<unsigned int> start(BUCKETS + 1, 0);
-  for (unsigned int side = 0; side < tri.size(); ++side) {
-    const unsigned int a = tri[side], b = tri[side - side % 3 + NEXT[side % 3]];
-    if (a > b && !(border[a] && border[b])) continue;
-    const float l = (pos[a] - pos[b]).squaredNorm();
-    if (dead[side / 3] || !(l < limit) || (a > b && !twinless(a, b))) continue;
-    bucketOf[side] =
-        static_cast<unsigned char>(std::min(BUCKETS - 1, unsigned(float(BUCKETS) * l / limit)));
-    ++start[bucketOf[side] + 1];
+  for (unsigned int f = 0; f < fn(); ++f) {
+    if (dead[f]) continue;
+    for (unsigned int k = 0; k < 3; ++k) {
+      const unsigned int a = V(f, k), b = V(f, NEXT[k]);
+      if (a > b && !(border[a] && border[b])) continue;
+      const float l = (pos[a] - pos[b]).squaredNorm();
+      if (!(l < limit) || (a > b && !twinless(a, b))) continue;
+      const unsigned int bucket = std::min(BUCKETS - 1, unsigned(float(BUCKETS) * l / limit));
+      bucketOf[3 * f + k] = static_cast<unsigned char>(bucket);
+      ++start[bucket + 1];
+    }
   }
   for (unsigned int b = 0; b < BUCKETS; ++b) start[b + 1] += start[b];
   std::vector<unsigned int> order(start[BUCKETS]);
@@ -549,7 +552,8 @@ unsigned int surfaceTracker::state::collapseShortEdges(float shortest, float rea
   };
   unsigned int done = 0;
   for (unsigned int side : order) {
-    const unsigned int a = root(tri[side]), b = root(tri[side - side % 3 + NEXT[side % 3]]);
+    const unsigned int f = side / 3, k = side - 3 * f;
+    const unsigned int a = root(V(f, k)), b = root(V(f, NEXT[k]));
     if (a == b || !((pos[a] - pos[b]).squaredNorm() < limit)) continue;
     const bool lockA = fixed[a] || feature[a] || (border[a] && !border[b]);
     const bool lockB = fixed[b] || feature[b] || (border[b] && !border[a]);
