@@ -174,6 +174,8 @@ void workMesh::fromEditMesh(const editMesh& source, bool keepSelection) {
 }
 
 void workMesh::toMesh(meshInterface& target) const {
+  if (auto* edit = dynamic_cast<editMeshInterface*>(&target))
+    return toEditMeshStores(edit->getMesh());
   target.clear();
   std::vector<unsigned int> map(vn(), NONE);
   unsigned int live = 0;
@@ -194,16 +196,52 @@ void workMesh::toMesh(meshInterface& target) const {
   }
   target.faceReserve(fn());
   for (unsigned int f = 0; f < fn(); ++f) {
-    if (isFaceDeleted(f)) continue;
-    unsigned int ids[3];
-    bool valid = true;
-    for (unsigned int i = 0; i < 3 && valid; ++i) {
-      const unsigned int v = V(f, i);
-      valid = v < vn() && map[v] != NONE;
-      if (valid) ids[i] = map[v];
-    }
-    if (valid) target.addFace(ids, 3);
+    if (!faceOnLiveVertices(f, map)) continue;
+    const unsigned int ids[3] = {map[V(f, 0)], map[V(f, 1)], map[V(f, 2)]};
+    target.addFace(ids, 3);
   }
+}
+
+bool workMesh::faceOnLiveVertices(unsigned int f, const std::vector<unsigned int>& map) const {
+  if (isFaceDeleted(f)) return false;
+  for (unsigned int i = 0; i < 3; ++i)
+    if (V(f, i) >= vn() || map[V(f, i)] == NONE) return false;
+  return true;
+}
+
+void workMesh::toEditMeshStores(editMesh& target) const {
+  // What toMesh leaves through the interface, written straight into the records: a
+  // cleared mesh, default records filled in order, flags sized to the elements.
+  target.clear(false);
+  std::vector<unsigned int> map(vn(), NONE);
+  unsigned int live = 0;
+  for (unsigned int v = 0; v < vn(); ++v)
+    if (!isVertDeleted(v)) map[v] = live++;
+  std::vector<editMesh::vert>& vs = target.vertStore();
+  vs.resize(live);
+  for (unsigned int v = 0; v < vn(); ++v) {
+    const unsigned int to = map[v];
+    if (to == NONE) continue;
+    vs[to].pos = pos[v];
+    if (hasNormals()) vs[to].normal = nor[v];
+    if (hasColors()) target.vCol(to) = col[v];
+  }
+  if (hasColors()) target.setHasVC(true);
+  unsigned int faces = 0;
+  for (unsigned int f = 0; f < fn(); ++f) faces += faceOnLiveVertices(f, map);
+  std::vector<editMesh::face>& fs = target.faceStore();
+  std::vector<editMesh::faceWEdgeRecord>& fv = target.fvRecords();
+  fs.resize(faces);
+  fv.resize(size_t(3) * faces);
+  unsigned int next = 0;
+  for (unsigned int f = 0; f < fn(); ++f) {
+    if (!faceOnLiveVertices(f, map)) continue;
+    fs[next].fvBase = 3 * next;
+    fs[next].fvNum = 3;
+    for (unsigned int i = 0; i < 3; ++i) fv[3 * next + i] = {next, map[V(f, i)], 0, 0, 0};
+    ++next;
+  }
+  target.checkMeshState();
 }
 
 void workMesh::toEditMesh(editMesh& target) const {

@@ -83,6 +83,8 @@ class workMesh {
   // on the vertices of border edges. Other bits are kept.
   void updateBorderFlags();
   bool isTopologyValid() const { return topologyValid; }
+  // For callers that rewrite tri in place: the adjacency is stale from now on.
+  void invalidateTopology() { topologyValid = false; }
 
   // The face across edge i of f (corners i and i + 1) and that edge's index in it; NONE
   // on a border. Three or more faces on an edge form a ring through all of them.
@@ -128,6 +130,11 @@ class workMesh {
   void toEditMesh(editMesh& target) const;
 
  private:
+  // toMesh into an editable mesh, without a call per element.
+  void toEditMeshStores(editMesh& target) const;
+  // Whether live face f has all three corners on vertices that map to the target.
+  bool faceOnLiveVertices(unsigned int f, const std::vector<unsigned int>& map) const;
+
   std::vector<unsigned int> ff;
   std::vector<unsigned int> vfStart, vfWedge;
   bool topologyValid = false;

@@ -46,7 +46,7 @@ void writeOut(workMesh& w, meshInterface& target) {
 // the topology is left stale.
 template <class Split, class PointOf>
 bool refineRound(workMesh& w, Split split, PointOf pointOf) {
-  w.updateTopology();
+  if (!w.isTopologyValid()) w.updateTopology();
   const unsigned int nf = w.fn();
   std::vector<unsigned int> sideMid(size_t(nf) * 3, NONE);
   bool any = false;
@@ -72,16 +72,17 @@ bool refineRound(workMesh& w, Split split, PointOf pointOf) {
   for (unsigned int f = 0; f < nf; ++f) dead[f] = w.isFaceDeleted(f);
   std::vector<unsigned int> cut, from;
   INTERNAL::cutTriangles(w.tri, sideMid, w.pos, cut, &from, &dead);
-  const std::vector<unsigned char> oldFlags = w.fFlag;
-  const std::vector<unsigned int> oldSource = w.sourceFace;
-  w.tri.swap(cut);
-  w.fFlag.resize(from.size());
-  w.sourceFace.resize(from.size());
-  w.fNor.assign(from.size(), p3());
+  std::vector<unsigned char> flags(from.size());
+  std::vector<unsigned int> source(from.size());
   for (size_t t = 0; t < from.size(); ++t) {
-    w.fFlag[t] = oldFlags[from[t]] & workMesh::SELECTED;
-    w.sourceFace[t] = oldSource[from[t]];
+    flags[t] = w.fFlag[from[t]] & workMesh::SELECTED;
+    source[t] = w.sourceFace[from[t]];
   }
+  w.tri.swap(cut);
+  w.fFlag.swap(flags);
+  w.sourceFace.swap(source);
+  w.fNor.assign(from.size(), p3());
+  w.invalidateTopology();
   return true;
 }
 

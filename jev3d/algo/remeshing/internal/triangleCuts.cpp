@@ -12,6 +12,14 @@ void cutTriangles(const std::vector<unsigned int>& triangles,
                   std::vector<unsigned int>* source, const std::vector<unsigned char>* skip) {
   constexpr unsigned int NONE = 0xFFFFFFFFu;
   const size_t count = triangles.size() / 3;
+  // Each point on a side adds one piece: reserve for them all at once.
+  size_t pieces = 0;
+  for (size_t t = 0; t < count; ++t)
+    if (!(skip && (*skip)[t]))
+      pieces += 1 + (sideMid[3 * t] != NONE) + (sideMid[3 * t + 1] != NONE) +
+                (sideMid[3 * t + 2] != NONE);
+  out.reserve(out.size() + 3 * pieces);
+  if (source) source->reserve(source->size() + pieces);
   for (size_t t = 0; t < count; ++t) {
     if (skip && (*skip)[t]) continue;
     auto add = [&](unsigned int a, unsigned int b, unsigned int c) {
