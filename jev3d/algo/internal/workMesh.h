@@ -50,7 +50,8 @@ class workMesh {
   std::vector<MATH::point3<float>> nor;
   std::vector<CORE::color> col;
   std::vector<unsigned char> vFlag;
-  // Per face: three corners, a normal, a flag byte, and the source face it came from.
+  // Per face: three corners, a flag byte, and the source face it came from; a normal once
+  // computeFaceNormals ran (fNor is empty before).
   std::vector<unsigned int> tri;
   std::vector<MATH::point3<float>> fNor;
   std::vector<unsigned char> fFlag;
@@ -71,6 +72,8 @@ class workMesh {
   void deleteVertex(unsigned int v) { vFlag[v] |= DELETED; }
 
   void clear();
+  // Room for n vertices in all, with their normals and colours where held.
+  void reserveVertices(unsigned int n);
   // New elements have clear flags; a new face names NONE as its source.
   unsigned int addVertex(const MATH::point3<float>& p);
   unsigned int addFace(unsigned int a, unsigned int b, unsigned int c);
@@ -113,7 +116,7 @@ class workMesh {
   void computeVertexNormals();
 
   // Drops deleted faces, and deleted or unreferenced vertices when dropVertices, keeping
-  // order; adjacency goes stale.
+  // order; a face on a dropped or missing vertex goes with it. Adjacency goes stale.
   void compact(bool dropVertices);
 
   // From any mesh: every vertex (deleted ones flagged), normals and colours where the

@@ -35,8 +35,8 @@ void workingCopy(const meshInterface& source, workMesh& w, bool normals) {
   w.computeVertexNormals();
 }
 
-void writeOut(workMesh& w, meshInterface& target) {
-  w.compact(true);
+// Rounds neither delete faces nor leave a vertex unused, so the copy needs no compaction.
+void writeOut(const workMesh& w, meshInterface& target) {
   w.toMesh(target);
   target.computeVertexFaceNormalizedNormals();
 }
@@ -81,7 +81,7 @@ bool refineRound(workMesh& w, Split split, PointOf pointOf) {
   w.tri.swap(cut);
   w.fFlag.swap(flags);
   w.sourceFace.swap(source);
-  w.fNor.assign(from.size(), p3());
+  w.fNor.clear();
   w.invalidateTopology();
   return true;
 }
@@ -188,6 +188,7 @@ bool computeSubdivLoop(const meshInterface* source, meshInterface* target) {
   // New positions of the old vertices, from their neighbours around the face lists.
   std::vector<p3> moved(w.pos);
   std::vector<unsigned int> ring;
+  std::vector<unsigned int> inRingOf(nv, NONE);  // the vertex whose ring took each last
   std::vector<unsigned char> nonManifold(nv, 0);
   for (unsigned int f = 0; f < w.fn(); ++f)
     for (unsigned int k = 0; k < 3; ++k)
@@ -202,7 +203,7 @@ bool computeSubdivLoop(const meshInterface* source, meshInterface* target) {
       const unsigned int f = w.vfFace(v, i), c = w.vfCorner(v, i);
       const unsigned int next = w.V(f, (c + 1) % 3), prev = w.V(f, (c + 2) % 3);
       for (unsigned int x : {next, prev})
-        if (std::find(ring.begin(), ring.end(), x) == ring.end()) ring.push_back(x);
+        if (inRingOf[x] != v) inRingOf[x] = v, ring.push_back(x);
       if (w.isBorder(f, c)) borderSum += w.pos[next], ++borderCount;
       if (w.isBorder(f, (c + 2) % 3)) borderSum += w.pos[prev], ++borderCount;
     }
@@ -217,7 +218,9 @@ bool computeSubdivLoop(const meshInterface* source, meshInterface* target) {
     for (unsigned int u : ring) sum += w.pos[u];
     moved[v] = w.pos[v] * (1.f - beta * float(n)) + sum * beta;
   }
-  // Every side splits at its Loop edge point (the midpoint on a border).
+  // Every side splits at its Loop edge point (the midpoint on a border): a new vertex
+  // for each edge, as many as a closed mesh has one and a half per face.
+  w.reserveVertices(nv + w.fn() + w.fn() / 2 + 64);
   auto edgePoint = [&](unsigned int f, unsigned int k) {
     const unsigned int c = w.V(f, (k + 2) % 3), d = farCorner(w, f, k);
     if (d == NONE) return midpoint(w, f, k);

@@ -158,3 +158,38 @@ TEST(SubdivisionOutput, TheBunnySubdividesBitForBit) {
                {16566892497237693513u, 6463368036952535510u, 7711251655910992816u,
                 9165622224961091021u, 516075373485839818u});
 }
+
+TEST(SubdivisionOutput, FacesOnADeletedVertexAreLeftOutAsIfDeleted) {
+  // Before its edges are built, deleting a vertex leaves its faces live: every step
+  // must then drop them, exactly as if they had been deleted too.
+  auto build = [](editMesh& m) {
+    testMeshes::makeGrid(m, 5, 4, false);
+    bend(m);
+    m.checkMeshState();
+  };
+  const unsigned inner = 2 * 6 + 2;  // vertex (2, 2), on six triangles
+  editMesh dangling, clean;
+  build(dangling);
+  dangling.deleteVertex(inner);
+  build(clean);
+  unsigned onInner = 0;
+  for (unsigned f = 0; f < clean.fn(); ++f)
+    for (unsigned i = 0; i < 3; ++i)
+      if (clean.fV(f, i) == inner) clean.deleteFace(f), ++onInner;
+  EXPECT_EQ(onInner, 6u);
+  clean.deleteVertex(inner);
+  ASSERT_TRUE(dangling.isVertDeleted(inner));
+  ASSERT_FALSE(dangling.isFaceDeleted(0));
+  for (editMesh* m : {&dangling, &clean}) testMeshes::finishMesh(*m);
+  editMeshInterface danglingIn(dangling), cleanIn(clean);
+  editMesh outA, outB;
+  editMeshInterface toA(outA), toB(outB);
+  const stepHashes a = runSteps(danglingIn, toA, 0.4f), b = runSteps(cleanIn, toB, 0.4f);
+  expectHashes(a, b);
+  // The last step (no face selected, so nothing split) gives a sound mesh: the grid's
+  // rim of 18 edges and the six round the vertex.
+  testMeshes::finishMesh(outA);
+  EXPECT_MESH_VALID(outA);
+  EXPECT_EQ(testMeshes::borderEdges(outA), 18u + 6u);
+  EXPECT_EQ(outA.vn(), 6u * 5u - 1u);
+}
