@@ -70,13 +70,18 @@ bool refineRound(workMesh& w, Split split, PointOf pointOf) {
   if (!any) return false;
   std::vector<unsigned char> dead(nf);
   for (unsigned int f = 0; f < nf; ++f) dead[f] = w.isFaceDeleted(f);
-  std::vector<unsigned int> cut, from;
-  INTERNAL::cutTriangles(w.tri, sideMid, w.pos, cut, &from, &dead);
-  std::vector<unsigned char> flags(from.size());
-  std::vector<unsigned int> source(from.size());
-  for (size_t t = 0; t < from.size(); ++t) {
-    flags[t] = w.fFlag[from[t]] & workMesh::SELECTED;
-    source[t] = w.sourceFace[from[t]];
+  std::vector<unsigned int> cut;
+  INTERNAL::cutTriangles(w.tri, sideMid, w.pos, cut, nullptr, &dead);
+  // A face's pieces follow one another, one more than its cut sides.
+  std::vector<unsigned char> flags;
+  std::vector<unsigned int> source;
+  flags.reserve(cut.size() / 3), source.reserve(cut.size() / 3);
+  for (unsigned int f = 0; f < nf; ++f) {
+    if (dead[f]) continue;
+    const unsigned int pieces =
+        1 + (sideMid[3 * f] != NONE) + (sideMid[3 * f + 1] != NONE) + (sideMid[3 * f + 2] != NONE);
+    flags.insert(flags.end(), pieces, w.fFlag[f] & workMesh::SELECTED);
+    source.insert(source.end(), pieces, w.sourceFace[f]);
   }
   w.tri.swap(cut);
   w.fFlag.swap(flags);
@@ -184,6 +189,7 @@ bool computeSubdivLoop(const meshInterface* source, meshInterface* target) {
   if (!usable(source, target)) return false;
   workMesh w;
   workingCopy(*source, w, false);
+  w.nor.clear();  // the target's normals are computed afresh, so the source's stay behind
   const unsigned int nv = w.vn();
   // New positions of the old vertices, from their neighbours around the face lists.
   std::vector<p3> moved(w.pos);
