@@ -126,7 +126,10 @@ class workMesh {
   void fromMesh(const meshInterface& source, bool keepSelection = false);
   void fromEditMesh(const editMesh& source, bool keepSelection = false);
   // Replaces the target's content with the live vertices (renumbered in order, normals
-  // and colours where this mesh has them) and the live triangles on live vertices.
+  // and colours where this mesh has them) and the live triangles on live vertices. An
+  // editable target (editMeshInterface or a class derived from it) has its records
+  // written directly, with the result its building calls would give, but not through
+  // them; an editable source is likewise read directly by fromMesh.
   void toMesh(meshInterface& target) const;
   // The same into an editMesh, then edges, VE and unit face normals rebuilt, and unit
   // vertex normals unless this mesh carries its own.
