@@ -262,12 +262,11 @@ void workMesh::toEditMeshStores(editMesh& target) const {
     if (hasColors()) target.vCol(to) = col[v];
   }
   if (hasColors()) target.setHasVC(true);
-  unsigned int faces = 0;
-  for (unsigned int f = 0; f < fn(); ++f) faces += faceOnLiveVertices(f, map);
+  // Sized for every face and cut back to those written.
   std::vector<editMesh::face>& fs = target.faceStore();
   std::vector<editMesh::faceWEdgeRecord>& fv = target.fvRecords();
-  fs.resize(faces);
-  fv.resize(size_t(3) * faces);
+  fs.resize(fn());
+  fv.resize(size_t(3) * fn());
   unsigned int next = 0;
   for (unsigned int f = 0; f < fn(); ++f) {
     if (!faceOnLiveVertices(f, map)) continue;
@@ -276,6 +275,8 @@ void workMesh::toEditMeshStores(editMesh& target) const {
     for (unsigned int i = 0; i < 3; ++i) fv[3 * next + i] = {next, map[V(f, i)], 0, 0, 0};
     ++next;
   }
+  fs.resize(next);
+  fv.resize(size_t(3) * next);
   target.checkMeshState();
 }
 
