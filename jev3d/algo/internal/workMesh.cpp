@@ -209,75 +209,74 @@ void workMesh::fromEditMesh(const editMesh& source, bool keepSelection) {
 }
 
 void workMesh::toMesh(meshInterface& target) const {
-  if (auto* edit = dynamic_cast<editMeshInterface*>(&target))
-    return toEditMeshStores(edit->getMesh());
+  toMeshWith(target, fn(), [this](auto emit) {
+    for (unsigned int f = 0; f < fn(); ++f)
+      if (!isFaceDeleted(f)) emit(V(f, 0), V(f, 1), V(f, 2));
+  });
+}
+
+workMesh::meshWriter::meshWriter(const workMesh& w, meshInterface& to, size_t maxFaces)
+    : target(to), map(w.vn(), NONE) {
+  unsigned int live = 0;
+  for (unsigned int v = 0; v < w.vn(); ++v)
+    if (!w.isVertDeleted(v)) map[v] = live++;
+  if (auto* view = dynamic_cast<editMeshInterface*>(&target)) {
+    // What the building calls leave, written straight into the records: a cleared mesh,
+    // default records filled in order, flags sized to the elements at the end.
+    edit = &view->getMesh();
+    edit->clear(false);
+    std::vector<editMesh::vert>& vs = edit->vertStore();
+    vs.resize(live);
+    for (unsigned int v = 0; v < w.vn(); ++v) {
+      const unsigned int to = map[v];
+      if (to == NONE) continue;
+      vs[to].pos = w.pos[v];
+      if (w.hasNormals()) vs[to].normal = w.nor[v];
+      if (w.hasColors()) edit->vCol(to) = w.col[v];
+    }
+    if (w.hasColors()) edit->setHasVC(true);
+    // Sized for every face that may come and cut back to those written.
+    edit->faceStore().resize(maxFaces);
+    edit->fvRecords().resize(3 * maxFaces);
+    return;
+  }
   target.clear();
-  std::vector<unsigned int> map(vn(), NONE);
-  unsigned int live = 0;
-  for (unsigned int v = 0; v < vn(); ++v)
-    if (!isVertDeleted(v)) map[v] = live++;
   target.vertexReserve(live);
-  for (unsigned int v = 0; v < vn(); ++v)
-    if (!isVertDeleted(v)) target.addVertex(pos[v]);
-  if (hasNormals()) {
+  for (unsigned int v = 0; v < w.vn(); ++v)
+    if (!w.isVertDeleted(v)) target.addVertex(w.pos[v]);
+  if (w.hasNormals()) {
     target.vertexNormalResize(live);
-    for (unsigned int v = 0; v < vn(); ++v)
-      if (map[v] != NONE) target.vNor(map[v]) = nor[v];
+    for (unsigned int v = 0; v < w.vn(); ++v)
+      if (map[v] != NONE) target.vNor(map[v]) = w.nor[v];
   }
-  if (hasColors()) {
+  if (w.hasColors()) {
     target.vertexColorResize(live);
-    for (unsigned int v = 0; v < vn(); ++v)
-      if (map[v] != NONE) target.vCol(map[v]) = col[v];
+    for (unsigned int v = 0; v < w.vn(); ++v)
+      if (map[v] != NONE) target.vCol(map[v]) = w.col[v];
   }
-  target.faceReserve(fn());
-  for (unsigned int f = 0; f < fn(); ++f) {
-    if (!faceOnLiveVertices(f, map)) continue;
-    const unsigned int ids[3] = {map[V(f, 0)], map[V(f, 1)], map[V(f, 2)]};
+  target.faceReserve(unsigned(maxFaces));
+}
+
+void workMesh::meshWriter::add(unsigned int a, unsigned int b, unsigned int c) {
+  const unsigned int ids[3] = {id(a), id(b), id(c)};
+  if (ids[0] == NONE || ids[1] == NONE || ids[2] == NONE) return;
+  if (!edit) {
     target.addFace(ids, 3);
+    return;
   }
+  editMesh::face& r = edit->faceStore()[faces];
+  r.fvBase = 3 * faces;
+  r.fvNum = 3;
+  editMesh::faceWEdgeRecord* corners = &edit->fvRecords()[3 * faces];
+  for (unsigned int i = 0; i < 3; ++i) corners[i] = {faces, ids[i], 0, 0, 0};
+  ++faces;
 }
 
-bool workMesh::faceOnLiveVertices(unsigned int f, const std::vector<unsigned int>& map) const {
-  if (isFaceDeleted(f)) return false;
-  for (unsigned int i = 0; i < 3; ++i)
-    if (V(f, i) >= vn() || map[V(f, i)] == NONE) return false;
-  return true;
-}
-
-void workMesh::toEditMeshStores(editMesh& target) const {
-  // What toMesh leaves through the interface, written straight into the records: a
-  // cleared mesh, default records filled in order, flags sized to the elements.
-  target.clear(false);
-  std::vector<unsigned int> map(vn(), NONE);
-  unsigned int live = 0;
-  for (unsigned int v = 0; v < vn(); ++v)
-    if (!isVertDeleted(v)) map[v] = live++;
-  std::vector<editMesh::vert>& vs = target.vertStore();
-  vs.resize(live);
-  for (unsigned int v = 0; v < vn(); ++v) {
-    const unsigned int to = map[v];
-    if (to == NONE) continue;
-    vs[to].pos = pos[v];
-    if (hasNormals()) vs[to].normal = nor[v];
-    if (hasColors()) target.vCol(to) = col[v];
-  }
-  if (hasColors()) target.setHasVC(true);
-  // Sized for every face and cut back to those written.
-  std::vector<editMesh::face>& fs = target.faceStore();
-  std::vector<editMesh::faceWEdgeRecord>& fv = target.fvRecords();
-  fs.resize(fn());
-  fv.resize(size_t(3) * fn());
-  unsigned int next = 0;
-  for (unsigned int f = 0; f < fn(); ++f) {
-    if (!faceOnLiveVertices(f, map)) continue;
-    fs[next].fvBase = 3 * next;
-    fs[next].fvNum = 3;
-    for (unsigned int i = 0; i < 3; ++i) fv[3 * next + i] = {next, map[V(f, i)], 0, 0, 0};
-    ++next;
-  }
-  fs.resize(next);
-  fv.resize(size_t(3) * next);
-  target.checkMeshState();
+void workMesh::meshWriter::finish() {
+  if (!edit) return;
+  edit->faceStore().resize(faces);
+  edit->fvRecords().resize(3 * size_t(faces));
+  edit->checkMeshState();
 }
 
 void workMesh::toEditMesh(editMesh& target) const {

@@ -4,6 +4,7 @@
 // across each edge, vertex-face lists in compressed rows and a flag byte per element.
 // Not installed.
 
+#include <cstddef>
 #include <vector>
 
 #include "jev3d/math/point3.h"
@@ -131,15 +132,35 @@ class workMesh {
   // written directly, with the result its building calls would give, but not through
   // them; an editable source is likewise read directly by fromMesh.
   void toMesh(meshInterface& target) const;
+  // toMesh with other triangles: pieces(emit) calls emit(a, b, c) for each triangle to
+  // write, on this mesh's vertex ids, at most maxFaces of them. Those on a deleted or
+  // missing vertex are left out.
+  template <class Pieces>
+  void toMeshWith(meshInterface& target, size_t maxFaces, Pieces pieces) const {
+    meshWriter out(*this, target, maxFaces);
+    pieces([&out](unsigned int a, unsigned int b, unsigned int c) { out.add(a, b, c); });
+    out.finish();
+  }
   // The same into an editMesh, then edges, VE and unit face normals rebuilt, and unit
   // vertex normals unless this mesh carries its own.
   void toEditMesh(editMesh& target) const;
 
  private:
-  // toMesh into an editable mesh, without a call per element.
-  void toEditMeshStores(editMesh& target) const;
-  // Whether live face f has all three corners on vertices that map to the target.
-  bool faceOnLiveVertices(unsigned int f, const std::vector<unsigned int>& map) const;
+  // The target of toMeshWith: the live vertices are written on construction, then the
+  // triangles one by one, renumbered.
+  class meshWriter {
+   public:
+    meshWriter(const workMesh& w, meshInterface& target, size_t maxFaces);
+    void add(unsigned int a, unsigned int b, unsigned int c);
+    void finish();
+
+   private:
+    unsigned int id(unsigned int v) const { return v < map.size() ? map[v] : NONE; }
+    meshInterface& target;
+    editMesh* edit = nullptr;  // an editable target, written through its records
+    std::vector<unsigned int> map;
+    unsigned int faces = 0;
+  };
 
   std::vector<unsigned int> ff;
   std::vector<unsigned int> vfStart, vfWedge;

@@ -41,14 +41,15 @@ void writeOut(const workMesh& w, meshInterface& target) {
   target.computeVertexFaceNormalizedNormals();
 }
 
-// One round: each side chosen by `split` gets the vertex pointOf(f, k) shared with every
-// face across it, and the faces are cut. Face selection and source faces carry over;
-// the topology is left stale.
+// Each side chosen by `split` gets the vertex pointOf(f, k), shared with every face
+// across it: sideMid[3f + k], NONE for a side left whole. Returns whether any side got
+// one.
 template <class Split, class PointOf>
-bool refineRound(workMesh& w, Split split, PointOf pointOf) {
+bool placeSidePoints(workMesh& w, Split split, PointOf pointOf,
+                     std::vector<unsigned int>& sideMid) {
   if (!w.isTopologyValid()) w.updateTopology();
   const unsigned int nf = w.fn();
-  std::vector<unsigned int> sideMid(size_t(nf) * 3, NONE);
+  sideMid.assign(size_t(nf) * 3, NONE);
   bool any = false;
   for (unsigned int f = 0; f < nf; ++f) {
     if (w.isFaceDeleted(f)) continue;
@@ -67,7 +68,16 @@ bool refineRound(workMesh& w, Split split, PointOf pointOf) {
       any = true;
     }
   }
-  if (!any) return false;
+  return any;
+}
+
+// One round: the sides chosen by `split` get their points and the faces are cut there.
+// Face selection and source faces carry over; the topology is left stale.
+template <class Split, class PointOf>
+bool refineRound(workMesh& w, Split split, PointOf pointOf) {
+  std::vector<unsigned int> sideMid;
+  if (!placeSidePoints(w, split, pointOf, sideMid)) return false;
+  const unsigned int nf = w.fn();
   std::vector<unsigned char> dead(nf);
   for (unsigned int f = 0; f < nf; ++f) dead[f] = w.isFaceDeleted(f);
   std::vector<unsigned int> cut;
@@ -232,10 +242,19 @@ bool computeSubdivLoop(const meshInterface* source, meshInterface* target) {
     if (d == NONE) return midpoint(w, f, k);
     return (w.P(f, k) + w.P(f, (k + 1) % 3)) * 0.375f + (w.pos[c] + w.pos[d]) * 0.125f;
   };
-  refineRound(
-      w, [](unsigned int, unsigned int) { return true; }, edgePoint);
+  std::vector<unsigned int> sideMid;
+  placeSidePoints(
+      w, [](unsigned int, unsigned int) { return true; }, edgePoint, sideMid);
   for (unsigned int v = 0; v < nv; ++v) w.pos[v] = moved[v];
-  writeOut(w, *target);
+  // Every side has its point, so every face is quartered: the pieces go straight to the
+  // target, without a cut copy of the working mesh.
+  w.toMeshWith(*target, size_t(4) * w.fn(), [&](auto emit) {
+    for (unsigned int f = 0; f < w.fn(); ++f) {
+      const unsigned int v[3] = {w.V(f, 0), w.V(f, 1), w.V(f, 2)};
+      INTERNAL::quarterTriangle(v, &sideMid[3 * f], emit);
+    }
+  });
+  target->computeVertexFaceNormalizedNormals();
   return true;
 }
 

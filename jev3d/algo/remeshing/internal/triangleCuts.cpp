@@ -32,7 +32,7 @@ void cutTriangles(const std::vector<unsigned int>& triangles,
     if (cuts == 0) {
       add(v[0], v[1], v[2]);
     } else if (cuts == 3) {
-      add(v[0], m[0], m[2]), add(m[0], v[1], m[1]), add(m[2], m[1], v[2]), add(m[0], m[1], m[2]);
+      quarterTriangle(v, m, add);
     } else if (cuts == 1) {
       const unsigned int k = m[0] != NONE ? 0 : (m[1] != NONE ? 1 : 2);
       add(v[k], m[k], v[(k + 2) % 3]);
