@@ -215,8 +215,8 @@ void workMesh::toMesh(meshInterface& target) const {
   });
 }
 
-workMesh::meshWriter::meshWriter(const workMesh& w, meshInterface& to, size_t maxFaces)
-    : target(to), map(w.vn(), NONE) {
+workMesh::meshWriter::meshWriter(const workMesh& w, meshInterface& to, size_t most)
+    : target(to), map(w.vn(), NONE), maxFaces(most) {
   unsigned int live = 0;
   for (unsigned int v = 0; v < w.vn(); ++v)
     if (!w.isVertDeleted(v)) map[v] = live++;
@@ -260,8 +260,10 @@ workMesh::meshWriter::meshWriter(const workMesh& w, meshInterface& to, size_t ma
 void workMesh::meshWriter::add(unsigned int a, unsigned int b, unsigned int c) {
   const unsigned int ids[3] = {id(a), id(b), id(c)};
   if (ids[0] == NONE || ids[1] == NONE || ids[2] == NONE) return;
+  if (faces == maxFaces) return;  // an editable target has no record past them
   if (!edit) {
     target.addFace(ids, 3);
+    ++faces;
     return;
   }
   editMesh::face& r = edit->faceStore()[faces];

@@ -159,7 +159,8 @@ class workMesh {
     meshInterface& target;
     editMesh* edit = nullptr;  // an editable target, written through its records
     std::vector<unsigned int> map;
-    unsigned int faces = 0;
+    size_t maxFaces;
+    unsigned int faces = 0;  // written so far
   };
 
   std::vector<unsigned int> ff;
