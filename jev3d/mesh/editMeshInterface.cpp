@@ -35,16 +35,21 @@ void editMeshInterface::computeVertexFaceNormalizedNormals() {
   // Unnormalised face normals weigh each face by its area at the vertices; the corners
   // are read directly, so stale edges do not matter.
   mesh.computeFaceNormals();
-  for (unsigned int v = 0; v < mesh.vn(); ++v) mesh.vNor(v).setZero();
-  for (unsigned int f = 0; f < mesh.fn(); ++f) {
-    if (mesh.isFaceDeleted(f)) continue;
-    for (unsigned int i = 0; i < mesh.fVNum(f); ++i) {
-      const unsigned int v = mesh.fV(f, i);
-      if (v < mesh.vn()) mesh.vNor(v) += mesh.fNor(f);
+  const unsigned int nv = mesh.vn(), nf = mesh.fn();
+  for (unsigned int v = 0; v < nv; ++v) mesh.vNor(v).setZero();
+  // A face's normal is normalised once its corners have taken it, in the same pass.
+  for (unsigned int f = 0; f < nf; ++f) {
+    MATH::point3<float>& n = mesh.fNor(f);
+    if (!mesh.isFaceDeleted(f)) {
+      const unsigned int corners = mesh.fVNum(f);
+      for (unsigned int i = 0; i < corners; ++i) {
+        const unsigned int v = mesh.fV(f, i);
+        if (v < nv) mesh.vNor(v) += n;
+      }
     }
+    n.normalize();
   }
-  for (unsigned int v = 0; v < mesh.vn(); ++v) mesh.vNor(v).normalize();
-  for (unsigned int f = 0; f < mesh.fn(); ++f) mesh.fNor(f).normalize();
+  for (unsigned int v = 0; v < nv; ++v) mesh.vNor(v).normalize();
 }
 
 void editMeshInterface::invalidateVertexColor() {

@@ -9,7 +9,9 @@ namespace MESH {
 // An editMesh seen through meshInterface. It holds a reference: the mesh must outlive
 // the adapter. Normals and colours always exist on an editMesh; hasVN is true once it has
 // a vertex, hasVC follows editMesh::hasVC. Faces added through the adapter leave edges
-// and VE stale: the caller rebuilds them (computeEVEF, computeVE) when done.
+// and VE stale: the caller rebuilds them (computeEVEF, computeVE) when done. The element
+// accessors are final, so that code holding this type reads the mesh without a call
+// through the table.
 class editMeshInterface : public meshInterface {
  public:
   explicit editMeshInterface(editMesh& m) : mesh(m) {}
@@ -17,27 +19,27 @@ class editMeshInterface : public meshInterface {
   editMesh& getMesh() { return mesh; }
   const editMesh& getMesh() const { return mesh; }
 
-  unsigned int vn() const override { return mesh.vn(); }
-  unsigned int fn() const override { return mesh.fn(); }
-  unsigned int f2vNum(unsigned int f) const override { return mesh.fVNum(f); }
-  unsigned int fV(unsigned int f, unsigned int i) const override { return mesh.fV(f, i); }
-  MATH::point3<float>& vPos(unsigned int v) override { return mesh.vPos(v); }
-  const MATH::point3<float>& vPos(unsigned int v) const override { return mesh.vPos(v); }
-  MATH::point3<float>& vNor(unsigned int v) override { return mesh.vNor(v); }
-  const MATH::point3<float>& vNor(unsigned int v) const override { return mesh.vNor(v); }
-  CORE::color& vCol(unsigned int v) override { return mesh.vCol(v); }
-  const CORE::color& vCol(unsigned int v) const override { return mesh.vCol(v); }
+  unsigned int vn() const final { return mesh.vn(); }
+  unsigned int fn() const final { return mesh.fn(); }
+  unsigned int f2vNum(unsigned int f) const final { return mesh.fVNum(f); }
+  unsigned int fV(unsigned int f, unsigned int i) const final { return mesh.fV(f, i); }
+  MATH::point3<float>& vPos(unsigned int v) final { return mesh.vPos(v); }
+  const MATH::point3<float>& vPos(unsigned int v) const final { return mesh.vPos(v); }
+  MATH::point3<float>& vNor(unsigned int v) final { return mesh.vNor(v); }
+  const MATH::point3<float>& vNor(unsigned int v) const final { return mesh.vNor(v); }
+  CORE::color& vCol(unsigned int v) final { return mesh.vCol(v); }
+  const CORE::color& vCol(unsigned int v) const final { return mesh.vCol(v); }
   MATH::point3<float>& fNor(unsigned int f) override { return mesh.fNor(f); }
   const MATH::point3<float>& fNor(unsigned int f) const override { return mesh.fNor(f); }
 
-  bool hasVN() const override { return mesh.vn() > 0; }
-  bool hasVC() const override { return mesh.hasVC(); }
+  bool hasVN() const final { return mesh.vn() > 0; }
+  bool hasVC() const final { return mesh.hasVC(); }
   bool hasFN() const override { return mesh.fn() > 0; }
-  bool hasFaceFlags() const override { return mesh.faceFlags().size() == mesh.fn(); }
+  bool hasFaceFlags() const final { return mesh.faceFlags().size() == mesh.fn(); }
   void computeFaceFlags() override { mesh.computeFaceFlags(); }
-  bool isFaceDeleted(unsigned int f) const override { return mesh.isFaceDeleted(f); }
-  bool isFaceSelected(unsigned int f) const override { return mesh.isFaceSelected(f); }
-  bool isVertDeleted(unsigned int v) const override { return mesh.isVertDeleted(v); }
+  bool isFaceDeleted(unsigned int f) const final { return mesh.isFaceDeleted(f); }
+  bool isFaceSelected(unsigned int f) const final { return mesh.isFaceSelected(f); }
+  bool isVertDeleted(unsigned int v) const final { return mesh.isVertDeleted(v); }
   bool isFaceIndexValid() const override { return mesh.getFABBTree() != nullptr; }
   void computeFaceIndex(unsigned int leafSize) override { mesh.computeFABBTree(leafSize); }
   const MATH::triangleTree* getFaceIndex() const override;

@@ -1,5 +1,7 @@
 #include "jev3d/algo/internal/workMesh.h"
 
+#include <algorithm>
+
 #include "jev3d/algo/internal/triangleAdjacency.h"
 #include "jev3d/mesh/editMesh.h"
 #include "jev3d/mesh/editMeshInterface.h"
@@ -17,6 +19,12 @@ void workMesh::clear() {
   topologyValid = false;
 }
 
+void workMesh::reserveVertices(unsigned int n) {
+  pos.reserve(n), vFlag.reserve(n);
+  if (!nor.empty()) nor.reserve(n);
+  if (!col.empty()) col.reserve(n);
+}
+
 unsigned int workMesh::addVertex(const point3<float>& p) {
   pos.push_back(p);
   vFlag.push_back(0);
@@ -27,7 +35,7 @@ unsigned int workMesh::addVertex(const point3<float>& p) {
 
 unsigned int workMesh::addFace(unsigned int a, unsigned int b, unsigned int c) {
   tri.insert(tri.end(), {a, b, c});
-  fNor.emplace_back();
+  if (!fNor.empty()) fNor.emplace_back();
   fFlag.push_back(0);
   sourceFace.push_back(NONE);
   topologyValid = false;
@@ -104,9 +112,12 @@ void workMesh::compact(bool dropVertices) {
   std::vector<unsigned int> map(vn(), NONE);
   if (dropVertices) {
     std::vector<unsigned char> used(vn(), 0);
-    for (unsigned int f = 0; f < fn(); ++f)
-      if (!isFaceDeleted(f))
-        for (unsigned int i = 0; i < 3; ++i) used[V(f, i)] = 1;
+    for (unsigned int f = 0; f < fn(); ++f) {
+      if (isFaceDeleted(f)) continue;
+      bool live = true;
+      for (unsigned int i = 0; i < 3 && live; ++i) live = V(f, i) < vn() && !isVertDeleted(V(f, i));
+      if (live) used[V(f, 0)] = used[V(f, 1)] = used[V(f, 2)] = 1;
+    }
     unsigned int next = 0;
     for (unsigned int v = 0; v < vn(); ++v) {
       if (!used[v] || isVertDeleted(v)) continue;
@@ -122,37 +133,52 @@ void workMesh::compact(bool dropVertices) {
   } else {
     for (unsigned int v = 0; v < vn(); ++v) map[v] = v;
   }
+  // A face on a dropped vertex goes too: its corner would have no id left.
   unsigned int next = 0;
   for (unsigned int f = 0; f < fn(); ++f) {
     if (isFaceDeleted(f)) continue;
-    for (unsigned int i = 0; i < 3; ++i) tri[3 * next + i] = map[V(f, i)];
-    fNor[next] = fNor[f], fFlag[next] = fFlag[f], sourceFace[next] = sourceFace[f];
+    unsigned int ids[3];
+    for (unsigned int i = 0; i < 3; ++i) ids[i] = V(f, i) < map.size() ? map[V(f, i)] : NONE;
+    if (ids[0] == NONE || ids[1] == NONE || ids[2] == NONE) continue;
+    for (unsigned int i = 0; i < 3; ++i) tri[3 * next + i] = ids[i];
+    if (!fNor.empty()) fNor[next] = fNor[f];
+    fFlag[next] = fFlag[f], sourceFace[next] = sourceFace[f];
     ++next;
   }
-  tri.resize(size_t(3) * next), fNor.resize(next), fFlag.resize(next), sourceFace.resize(next);
+  tri.resize(size_t(3) * next), fFlag.resize(next), sourceFace.resize(next);
+  if (!fNor.empty()) fNor.resize(next);
   ff.clear(), vfStart.clear(), vfWedge.clear();
   topologyValid = false;
 }
 
-void workMesh::fromMesh(const meshInterface& source, bool keepSelection) {
-  clear();
+namespace {
+
+// fromMesh for one kind of source: through the interface, or through the editable
+// mesh's adapter, whose accessors inline.
+template <class Source>
+void readMesh(workMesh& w, const Source& source, bool keepSelection) {
+  w.clear();
   const unsigned int nv = source.vn();
-  pos.resize(nv);
-  vFlag.assign(nv, 0);
+  w.pos.resize(nv);
+  w.vFlag.assign(nv, 0);
   for (unsigned int v = 0; v < nv; ++v) {
-    pos[v] = source.vPos(v);
-    if (source.isVertDeleted(v)) vFlag[v] = DELETED;
+    w.pos[v] = source.vPos(v);
+    if (source.isVertDeleted(v)) w.vFlag[v] = workMesh::DELETED;
   }
   if (source.hasVN()) {
-    nor.resize(nv);
-    for (unsigned int v = 0; v < nv; ++v) nor[v] = source.vNor(v);
+    w.nor.resize(nv);
+    for (unsigned int v = 0; v < nv; ++v) w.nor[v] = source.vNor(v);
   }
   if (source.hasVC()) {
-    col.resize(nv);
-    for (unsigned int v = 0; v < nv; ++v) col[v] = source.vCol(v);
+    w.col.resize(nv);
+    for (unsigned int v = 0; v < nv; ++v) w.col[v] = source.vCol(v);
   }
   const bool readFlags = source.hasFaceFlags();
-  for (unsigned int f = 0; f < source.fn(); ++f) {
+  const unsigned int nf = source.fn();
+  size_t triangles = 0;
+  for (unsigned int f = 0; f < nf; ++f) triangles += std::max(source.f2vNum(f), 2u) - 2;
+  w.tri.reserve(3 * triangles), w.fFlag.reserve(triangles), w.sourceFace.reserve(triangles);
+  for (unsigned int f = 0; f < nf; ++f) {
     if (readFlags && source.isFaceDeleted(f)) continue;
     const unsigned int n = source.f2vNum(f);
     bool valid = n >= 3;
@@ -160,11 +186,20 @@ void workMesh::fromMesh(const meshInterface& source, bool keepSelection) {
     if (!valid) continue;  // a corner past the vertices would be read out of bounds
     const bool selected = keepSelection && readFlags && source.isFaceSelected(f);
     for (unsigned int t = 0; t + 2 < n; ++t) {
-      const unsigned int id = addFace(source.fV(f, 0), source.fV(f, t + 1), source.fV(f, t + 2));
-      sourceFace[id] = f;
-      if (selected) fFlag[id] |= SELECTED;
+      const unsigned int id = w.addFace(source.fV(f, 0), source.fV(f, t + 1), source.fV(f, t + 2));
+      w.sourceFace[id] = f;
+      if (selected) w.fFlag[id] |= workMesh::SELECTED;
     }
   }
+}
+
+}  // namespace
+
+void workMesh::fromMesh(const meshInterface& source, bool keepSelection) {
+  if (auto* edit = dynamic_cast<const editMeshInterface*>(&source))
+    readMesh(*this, *edit, keepSelection);
+  else
+    readMesh(*this, source, keepSelection);
 }
 
 void workMesh::fromEditMesh(const editMesh& source, bool keepSelection) {
@@ -174,36 +209,76 @@ void workMesh::fromEditMesh(const editMesh& source, bool keepSelection) {
 }
 
 void workMesh::toMesh(meshInterface& target) const {
-  target.clear();
-  std::vector<unsigned int> map(vn(), NONE);
+  toMeshWith(target, fn(), [this](auto emit) {
+    for (unsigned int f = 0; f < fn(); ++f)
+      if (!isFaceDeleted(f)) emit(V(f, 0), V(f, 1), V(f, 2));
+  });
+}
+
+workMesh::meshWriter::meshWriter(const workMesh& w, meshInterface& to, size_t most)
+    : target(to), map(w.vn(), NONE), maxFaces(most) {
   unsigned int live = 0;
-  for (unsigned int v = 0; v < vn(); ++v)
-    if (!isVertDeleted(v)) map[v] = live++;
-  target.vertexReserve(live);
-  for (unsigned int v = 0; v < vn(); ++v)
-    if (!isVertDeleted(v)) target.addVertex(pos[v]);
-  if (hasNormals()) {
-    target.vertexNormalResize(live);
-    for (unsigned int v = 0; v < vn(); ++v)
-      if (map[v] != NONE) target.vNor(map[v]) = nor[v];
-  }
-  if (hasColors()) {
-    target.vertexColorResize(live);
-    for (unsigned int v = 0; v < vn(); ++v)
-      if (map[v] != NONE) target.vCol(map[v]) = col[v];
-  }
-  target.faceReserve(fn());
-  for (unsigned int f = 0; f < fn(); ++f) {
-    if (isFaceDeleted(f)) continue;
-    unsigned int ids[3];
-    bool valid = true;
-    for (unsigned int i = 0; i < 3 && valid; ++i) {
-      const unsigned int v = V(f, i);
-      valid = v < vn() && map[v] != NONE;
-      if (valid) ids[i] = map[v];
+  for (unsigned int v = 0; v < w.vn(); ++v)
+    if (!w.isVertDeleted(v)) map[v] = live++;
+  if (auto* view = dynamic_cast<editMeshInterface*>(&target)) {
+    // What the building calls leave, written straight into the records: a cleared mesh,
+    // default records filled in order, flags sized to the elements at the end.
+    edit = &view->getMesh();
+    edit->clear(false);
+    std::vector<editMesh::vert>& vs = edit->vertStore();
+    vs.resize(live);
+    for (unsigned int v = 0; v < w.vn(); ++v) {
+      const unsigned int to = map[v];
+      if (to == NONE) continue;
+      vs[to].pos = w.pos[v];
+      if (w.hasNormals()) vs[to].normal = w.nor[v];
+      if (w.hasColors()) edit->vCol(to) = w.col[v];
     }
-    if (valid) target.addFace(ids, 3);
+    if (w.hasColors()) edit->setHasVC(true);
+    // Sized for every face that may come and cut back to those written.
+    edit->faceStore().resize(maxFaces);
+    edit->fvRecords().resize(3 * maxFaces);
+    return;
   }
+  target.clear();
+  target.vertexReserve(live);
+  for (unsigned int v = 0; v < w.vn(); ++v)
+    if (!w.isVertDeleted(v)) target.addVertex(w.pos[v]);
+  if (w.hasNormals()) {
+    target.vertexNormalResize(live);
+    for (unsigned int v = 0; v < w.vn(); ++v)
+      if (map[v] != NONE) target.vNor(map[v]) = w.nor[v];
+  }
+  if (w.hasColors()) {
+    target.vertexColorResize(live);
+    for (unsigned int v = 0; v < w.vn(); ++v)
+      if (map[v] != NONE) target.vCol(map[v]) = w.col[v];
+  }
+  target.faceReserve(unsigned(maxFaces));
+}
+
+void workMesh::meshWriter::add(unsigned int a, unsigned int b, unsigned int c) {
+  const unsigned int ids[3] = {id(a), id(b), id(c)};
+  if (ids[0] == NONE || ids[1] == NONE || ids[2] == NONE) return;
+  if (faces == maxFaces) return;  // an editable target has no record past them
+  if (!edit) {
+    target.addFace(ids, 3);
+    ++faces;
+    return;
+  }
+  editMesh::face& r = edit->faceStore()[faces];
+  r.fvBase = 3 * faces;
+  r.fvNum = 3;
+  editMesh::faceWEdgeRecord* corners = &edit->fvRecords()[3 * faces];
+  for (unsigned int i = 0; i < 3; ++i) corners[i] = {faces, ids[i], 0, 0, 0};
+  ++faces;
+}
+
+void workMesh::meshWriter::finish() {
+  if (!edit) return;
+  edit->faceStore().resize(faces);
+  edit->fvRecords().resize(3 * size_t(faces));
+  edit->checkMeshState();
 }
 
 void workMesh::toEditMesh(editMesh& target) const {

@@ -4,6 +4,7 @@
 // across each edge, vertex-face lists in compressed rows and a flag byte per element.
 // Not installed.
 
+#include <cstddef>
 #include <vector>
 
 #include "jev3d/math/point3.h"
@@ -50,7 +51,8 @@ class workMesh {
   std::vector<MATH::point3<float>> nor;
   std::vector<CORE::color> col;
   std::vector<unsigned char> vFlag;
-  // Per face: three corners, a normal, a flag byte, and the source face it came from.
+  // Per face: three corners, a flag byte, and the source face it came from; a normal once
+  // computeFaceNormals ran (fNor is empty before).
   std::vector<unsigned int> tri;
   std::vector<MATH::point3<float>> fNor;
   std::vector<unsigned char> fFlag;
@@ -71,6 +73,8 @@ class workMesh {
   void deleteVertex(unsigned int v) { vFlag[v] |= DELETED; }
 
   void clear();
+  // Room for n vertices in all, with their normals and colours where held.
+  void reserveVertices(unsigned int n);
   // New elements have clear flags; a new face names NONE as its source.
   unsigned int addVertex(const MATH::point3<float>& p);
   unsigned int addFace(unsigned int a, unsigned int b, unsigned int c);
@@ -83,6 +87,8 @@ class workMesh {
   // on the vertices of border edges. Other bits are kept.
   void updateBorderFlags();
   bool isTopologyValid() const { return topologyValid; }
+  // For callers that rewrite tri in place: the adjacency is stale from now on.
+  void invalidateTopology() { topologyValid = false; }
 
   // The face across edge i of f (corners i and i + 1) and that edge's index in it; NONE
   // on a border. Three or more faces on an edge form a ring through all of them.
@@ -111,7 +117,7 @@ class workMesh {
   void computeVertexNormals();
 
   // Drops deleted faces, and deleted or unreferenced vertices when dropVertices, keeping
-  // order; adjacency goes stale.
+  // order; a face on a dropped or missing vertex goes with it. Adjacency goes stale.
   void compact(bool dropVertices);
 
   // From any mesh: every vertex (deleted ones flagged), normals and colours where the
@@ -121,13 +127,42 @@ class workMesh {
   void fromMesh(const meshInterface& source, bool keepSelection = false);
   void fromEditMesh(const editMesh& source, bool keepSelection = false);
   // Replaces the target's content with the live vertices (renumbered in order, normals
-  // and colours where this mesh has them) and the live triangles on live vertices.
+  // and colours where this mesh has them) and the live triangles on live vertices. An
+  // editable target (editMeshInterface or a class derived from it) has its records
+  // written directly, with the result its building calls would give, but not through
+  // them; an editable source is likewise read directly by fromMesh.
   void toMesh(meshInterface& target) const;
+  // toMesh with other triangles: pieces(emit) calls emit(a, b, c) for each triangle to
+  // write, on this mesh's vertex ids, at most maxFaces of them. Those on a deleted or
+  // missing vertex are left out.
+  template <class Pieces>
+  void toMeshWith(meshInterface& target, size_t maxFaces, Pieces pieces) const {
+    meshWriter out(*this, target, maxFaces);
+    pieces([&out](unsigned int a, unsigned int b, unsigned int c) { out.add(a, b, c); });
+    out.finish();
+  }
   // The same into an editMesh, then edges, VE and unit face normals rebuilt, and unit
   // vertex normals unless this mesh carries its own.
   void toEditMesh(editMesh& target) const;
 
  private:
+  // The target of toMeshWith: the live vertices are written on construction, then the
+  // triangles one by one, renumbered.
+  class meshWriter {
+   public:
+    meshWriter(const workMesh& w, meshInterface& target, size_t maxFaces);
+    void add(unsigned int a, unsigned int b, unsigned int c);
+    void finish();
+
+   private:
+    unsigned int id(unsigned int v) const { return v < map.size() ? map[v] : NONE; }
+    meshInterface& target;
+    editMesh* edit = nullptr;  // an editable target, written through its records
+    std::vector<unsigned int> map;
+    size_t maxFaces;
+    unsigned int faces = 0;  // written so far
+  };
+
   std::vector<unsigned int> ff;
   std::vector<unsigned int> vfStart, vfWedge;
   bool topologyValid = false;

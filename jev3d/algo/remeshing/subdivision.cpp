@@ -35,20 +35,21 @@ void workingCopy(const meshInterface& source, workMesh& w, bool normals) {
   w.computeVertexNormals();
 }
 
-void writeOut(workMesh& w, meshInterface& target) {
-  w.compact(true);
+// Rounds neither delete faces nor leave a vertex unused, so the copy needs no compaction.
+void writeOut(const workMesh& w, meshInterface& target) {
   w.toMesh(target);
   target.computeVertexFaceNormalizedNormals();
 }
 
-// One round: each side chosen by `split` gets the vertex pointOf(f, k) shared with every
-// face across it, and the faces are cut. Face selection and source faces carry over;
-// the topology is left stale.
+// Each side chosen by `split` gets the vertex pointOf(f, k), shared with every face
+// across it: sideMid[3f + k], NONE for a side left whole. Returns whether any side got
+// one.
 template <class Split, class PointOf>
-bool refineRound(workMesh& w, Split split, PointOf pointOf) {
-  w.updateTopology();
+bool placeSidePoints(workMesh& w, Split split, PointOf pointOf,
+                     std::vector<unsigned int>& sideMid) {
+  if (!w.isTopologyValid()) w.updateTopology();
   const unsigned int nf = w.fn();
-  std::vector<unsigned int> sideMid(size_t(nf) * 3, NONE);
+  sideMid.assign(size_t(nf) * 3, NONE);
   bool any = false;
   for (unsigned int f = 0; f < nf; ++f) {
     if (w.isFaceDeleted(f)) continue;
@@ -67,21 +68,36 @@ bool refineRound(workMesh& w, Split split, PointOf pointOf) {
       any = true;
     }
   }
-  if (!any) return false;
+  return any;
+}
+
+// One round: the sides chosen by `split` get their points and the faces are cut there.
+// Face selection and source faces carry over; the topology is left stale.
+template <class Split, class PointOf>
+bool refineRound(workMesh& w, Split split, PointOf pointOf) {
+  std::vector<unsigned int> sideMid;
+  if (!placeSidePoints(w, split, pointOf, sideMid)) return false;
+  const unsigned int nf = w.fn();
   std::vector<unsigned char> dead(nf);
   for (unsigned int f = 0; f < nf; ++f) dead[f] = w.isFaceDeleted(f);
-  std::vector<unsigned int> cut, from;
-  INTERNAL::cutTriangles(w.tri, sideMid, w.pos, cut, &from, &dead);
-  const std::vector<unsigned char> oldFlags = w.fFlag;
-  const std::vector<unsigned int> oldSource = w.sourceFace;
-  w.tri.swap(cut);
-  w.fFlag.resize(from.size());
-  w.sourceFace.resize(from.size());
-  w.fNor.assign(from.size(), p3());
-  for (size_t t = 0; t < from.size(); ++t) {
-    w.fFlag[t] = oldFlags[from[t]] & workMesh::SELECTED;
-    w.sourceFace[t] = oldSource[from[t]];
+  std::vector<unsigned int> cut;
+  INTERNAL::cutTriangles(w.tri, sideMid, w.pos, cut, nullptr, &dead);
+  // A face's pieces follow one another, one more than its cut sides.
+  std::vector<unsigned char> flags;
+  std::vector<unsigned int> source;
+  flags.reserve(cut.size() / 3), source.reserve(cut.size() / 3);
+  for (unsigned int f = 0; f < nf; ++f) {
+    if (dead[f]) continue;
+    const unsigned int pieces =
+        1 + (sideMid[3 * f] != NONE) + (sideMid[3 * f + 1] != NONE) + (sideMid[3 * f + 2] != NONE);
+    flags.insert(flags.end(), pieces, w.fFlag[f] & workMesh::SELECTED);
+    source.insert(source.end(), pieces, w.sourceFace[f]);
   }
+  w.tri.swap(cut);
+  w.fFlag.swap(flags);
+  w.sourceFace.swap(source);
+  w.fNor.clear();
+  w.invalidateTopology();
   return true;
 }
 
@@ -183,10 +199,12 @@ bool computeSubdivLoop(const meshInterface* source, meshInterface* target) {
   if (!usable(source, target)) return false;
   workMesh w;
   workingCopy(*source, w, false);
+  w.nor.clear();  // the target's normals are computed afresh, so the source's stay behind
   const unsigned int nv = w.vn();
   // New positions of the old vertices, from their neighbours around the face lists.
   std::vector<p3> moved(w.pos);
   std::vector<unsigned int> ring;
+  std::vector<unsigned int> inRingOf(nv, NONE);  // the vertex whose ring took each last
   std::vector<unsigned char> nonManifold(nv, 0);
   for (unsigned int f = 0; f < w.fn(); ++f)
     for (unsigned int k = 0; k < 3; ++k)
@@ -201,7 +219,7 @@ bool computeSubdivLoop(const meshInterface* source, meshInterface* target) {
       const unsigned int f = w.vfFace(v, i), c = w.vfCorner(v, i);
       const unsigned int next = w.V(f, (c + 1) % 3), prev = w.V(f, (c + 2) % 3);
       for (unsigned int x : {next, prev})
-        if (std::find(ring.begin(), ring.end(), x) == ring.end()) ring.push_back(x);
+        if (inRingOf[x] != v) inRingOf[x] = v, ring.push_back(x);
       if (w.isBorder(f, c)) borderSum += w.pos[next], ++borderCount;
       if (w.isBorder(f, (c + 2) % 3)) borderSum += w.pos[prev], ++borderCount;
     }
@@ -216,16 +234,27 @@ bool computeSubdivLoop(const meshInterface* source, meshInterface* target) {
     for (unsigned int u : ring) sum += w.pos[u];
     moved[v] = w.pos[v] * (1.f - beta * float(n)) + sum * beta;
   }
-  // Every side splits at its Loop edge point (the midpoint on a border).
+  // Every side splits at its Loop edge point (the midpoint on a border): a new vertex
+  // for each edge, as many as a closed mesh has one and a half per face.
+  w.reserveVertices(nv + w.fn() + w.fn() / 2 + 64);
   auto edgePoint = [&](unsigned int f, unsigned int k) {
     const unsigned int c = w.V(f, (k + 2) % 3), d = farCorner(w, f, k);
     if (d == NONE) return midpoint(w, f, k);
     return (w.P(f, k) + w.P(f, (k + 1) % 3)) * 0.375f + (w.pos[c] + w.pos[d]) * 0.125f;
   };
-  refineRound(
-      w, [](unsigned int, unsigned int) { return true; }, edgePoint);
+  std::vector<unsigned int> sideMid;
+  placeSidePoints(
+      w, [](unsigned int, unsigned int) { return true; }, edgePoint, sideMid);
   for (unsigned int v = 0; v < nv; ++v) w.pos[v] = moved[v];
-  writeOut(w, *target);
+  // Every side has its point, so every face is quartered: the pieces go straight to the
+  // target, without a cut copy of the working mesh.
+  w.toMeshWith(*target, size_t(4) * w.fn(), [&](auto emit) {
+    for (unsigned int f = 0; f < w.fn(); ++f) {
+      const unsigned int v[3] = {w.V(f, 0), w.V(f, 1), w.V(f, 2)};
+      INTERNAL::quarterTriangle(v, &sideMid[3 * f], emit);
+    }
+  });
+  target->computeVertexFaceNormalizedNormals();
   return true;
 }
 

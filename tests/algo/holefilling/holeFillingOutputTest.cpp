@@ -22,30 +22,13 @@
 using namespace JEV::MESH;
 using namespace JEV::MESH::ALGO;
 using pinnedOutput::byteHash;
+using pinnedOutput::meshHash;
 using pinnedOutput::sphereBand;
 using POSTPROCESSING::triMesh;
 using POSTPROCESSING::triSurface;
 using testMeshes::p3;
 
 namespace {
-
-// Everything a fill writes to its target, in order.
-uint64_t meshHash(const meshInterface& m) {
-  byteHash h;
-  h.add(m.vn());
-  h.add(m.fn());
-  h.add(unsigned(m.hasVN()) | unsigned(m.hasVC()) << 1);
-  for (unsigned v = 0; v < m.vn(); ++v) {
-    h.add(&m.vPos(v), sizeof(p3));
-    if (m.hasVN()) h.add(&m.vNor(v), sizeof(p3));
-    if (m.hasVC()) h.add(&m.vCol(v), sizeof(JEV::CORE::color));
-  }
-  for (unsigned f = 0; f < m.fn(); ++f) {
-    h.add(m.f2vNum(f));
-    for (unsigned i = 0; i < m.f2vNum(f); ++i) h.add(m.fV(f, i));
-  }
-  return h.h;
-}
 
 using loopList = std::vector<std::vector<unsigned>>;
 

@@ -1,5 +1,5 @@
-// What the tests that pin the fill's output bit for bit share: a byte checksum and the
-// sphere band whose rims are the holes.
+// What the tests that pin an algorithm's output bit for bit share: a byte checksum, the
+// checksum of a whole mesh, and the sphere band whose rims are the fill's holes.
 #pragma once
 
 #include <cmath>
@@ -7,6 +7,7 @@
 #include <cstdint>
 
 #include "jev3d/algo/postprocessing/triMesh.h"
+#include "jev3d/mesh/meshInterface.h"
 
 namespace pinnedOutput {
 
@@ -19,6 +20,25 @@ struct byteHash {
   }
   void add(unsigned int v) { add(&v, sizeof v); }
 };
+
+// Everything an algorithm writes to its target, in order: counts, every vertex's
+// position, normal and colour where held, and every face's corners.
+inline uint64_t meshHash(const JEV::MESH::meshInterface& m) {
+  byteHash h;
+  h.add(m.vn());
+  h.add(m.fn());
+  h.add(unsigned(m.hasVN()) | unsigned(m.hasVC()) << 1);
+  for (unsigned v = 0; v < m.vn(); ++v) {
+    h.add(&m.vPos(v), sizeof(JEV::MATH::point3<float>));
+    if (m.hasVN()) h.add(&m.vNor(v), sizeof(JEV::MATH::point3<float>));
+    if (m.hasVC()) h.add(&m.vCol(v), sizeof(JEV::CORE::color));
+  }
+  for (unsigned f = 0; f < m.fn(); ++f) {
+    h.add(m.f2vNum(f));
+    for (unsigned i = 0; i < m.f2vNum(f); ++i) h.add(m.fV(f, i));
+  }
+  return h.h;
+}
 
 // The band of a unit sphere from 30 to 30 + 180 / spanDivisor degrees off the north pole,
 // segments around and rows high: two round loops of segments rim vertices each.

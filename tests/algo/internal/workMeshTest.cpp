@@ -8,8 +8,10 @@
 #include <set>
 
 #include "jev3d/algo/internal/workMesh.h"
+#include "jev3d/algo/postprocessing/triMesh.h"
 #include "jev3d/io/ply/ioPly.h"
 #include "jev3d/mesh/editMesh.h"
+#include "jev3d/mesh/editMeshInterface.h"
 #include "support/dataFiles.h"
 #include "support/meshes.h"
 
@@ -202,4 +204,38 @@ TEST(workMeshScans, AdjacencyMatchesTheEditMeshOnEveryScan) {
     ++files;
   }
   EXPECT_GE(files, 10u);
+}
+
+TEST(workMeshConversion, HandedTrianglesReachBothKindsOfTargetAlike) {
+  // Four vertices, the third deleted; of the triangles handed over, one on the deleted
+  // vertex, one past the vertices and those past maxFaces stay out.
+  workMesh w;
+  for (unsigned k = 0; k < 4; ++k) w.addVertex(p3(float(k), float(k * k % 3), 0.f));
+  w.deleteVertex(2);
+  auto pieces = [](auto emit) {
+    emit(0u, 1u, 3u);
+    emit(0u, 2u, 3u);
+    emit(1u, 3u, 9u);
+    emit(3u, 1u, 0u);
+    emit(1u, 0u, 3u);  // the third whole one, past maxFaces = 2
+  };
+  editMesh edited;
+  JEV::MESH::editMeshInterface editedView(edited);
+  w.toMeshWith(editedView, 2, pieces);
+  JEV::MESH::POSTPROCESSING::triMesh scan;
+  w.toMeshWith(scan, 2, pieces);
+  EXPECT_EQ(edited.vn(), 3u);
+  ASSERT_EQ(edited.fn(), 2u);
+  EXPECT_EQ(edited.vPos(2), p3(3.f, 0.f, 0.f));  // vertex 3 renumbered past the gap
+  const unsigned expected[2][3] = {{0, 1, 2}, {2, 1, 0}};
+  for (unsigned f = 0; f < 2; ++f)
+    for (unsigned i = 0; i < 3; ++i) EXPECT_EQ(edited.fV(f, i), expected[f][i]);
+  // The editable mesh's records are what its building calls would have left.
+  finishMesh(edited);
+  EXPECT_MESH_VALID(edited);
+  EXPECT_EQ(liveEdges(edited), 3u);
+  ASSERT_EQ(scan.vn(), 3u);
+  ASSERT_EQ(scan.fn(), 2u);
+  for (unsigned f = 0; f < 2; ++f)
+    for (unsigned i = 0; i < 3; ++i) EXPECT_EQ(scan.fV(f, i), expected[f][i]);
 }

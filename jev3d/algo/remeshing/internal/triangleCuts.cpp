@@ -12,6 +12,14 @@ void cutTriangles(const std::vector<unsigned int>& triangles,
                   std::vector<unsigned int>* source, const std::vector<unsigned char>* skip) {
   constexpr unsigned int NONE = 0xFFFFFFFFu;
   const size_t count = triangles.size() / 3;
+  // Each point on a side adds one piece: reserve for them all at once.
+  size_t pieces = 0;
+  for (size_t t = 0; t < count; ++t)
+    if (!(skip && (*skip)[t]))
+      pieces += 1 + (sideMid[3 * t] != NONE) + (sideMid[3 * t + 1] != NONE) +
+                (sideMid[3 * t + 2] != NONE);
+  out.reserve(out.size() + 3 * pieces);
+  if (source) source->reserve(source->size() + pieces);
   for (size_t t = 0; t < count; ++t) {
     if (skip && (*skip)[t]) continue;
     auto add = [&](unsigned int a, unsigned int b, unsigned int c) {
@@ -24,7 +32,7 @@ void cutTriangles(const std::vector<unsigned int>& triangles,
     if (cuts == 0) {
       add(v[0], v[1], v[2]);
     } else if (cuts == 3) {
-      add(v[0], m[0], m[2]), add(m[0], v[1], m[1]), add(m[2], m[1], v[2]), add(m[0], m[1], m[2]);
+      quarterTriangle(v, m, add);
     } else if (cuts == 1) {
       const unsigned int k = m[0] != NONE ? 0 : (m[1] != NONE ? 1 : 2);
       add(v[k], m[k], v[(k + 2) % 3]);
