@@ -189,7 +189,8 @@ struct surfaceTracker::state {
   bool projectOntoInput(unsigned int v, const p3& target, p3& onSurface);
   // Looks at the vertices set in pending, and leaves set those whose ring moved.
   unsigned int bandSweep(float lo, float hi, std::vector<unsigned char>& pending);
-  void relaxAndProject(move how, bool project = true);
+  // Vertices before from are left alone (the splits append theirs).
+  void relaxAndProject(move how, bool project = true, unsigned int from = 0);
   bool borderNeighbours(unsigned int v, unsigned int& ahead, unsigned int& behind) const;
   // The corners after and before v in each face around it, as positions in ring (two a
   // face, in the order of the face list): the moves of a vertex read them many times.
@@ -901,8 +902,8 @@ bool surfaceTracker::state::borderNeighbours(unsigned int v, unsigned int& ahead
 // towards the middle of its border neighbours), then onto the closest point of the input
 // unless project is off; FRESH only projects the midpoints of this round's splits. A
 // move that would turn a face over is taken back.
-void surfaceTracker::state::relaxAndProject(move how, bool project) {
-  for (unsigned int v = 0; v < pos.size(); ++v) {
+void surfaceTracker::state::relaxAndProject(move how, bool project, unsigned int from) {
+  for (unsigned int v = from; v < pos.size(); ++v) {
     if (fixed[v] || feature[v] || vfStart[v] == vfStart[v + 1]) continue;
     if (border[v] && !(slideBorders && how == move::CENTROID)) continue;
     if (how == move::FRESH && !fresh[v]) continue;
@@ -962,6 +963,7 @@ void surfaceTracker::state::relaxAndProject(move how, bool project) {
 
 void surfaceTracker::state::round(const roundPlan& r) {
   std::fill(fresh.begin(), fresh.end(), 0);
+  const unsigned int made = unsigned(pos.size());
   // Another pass of splits, which reads the edges, follows only where a side is still
   // long; the collapses read just the faces around each vertex.
   bool edgesCurrent = true;
@@ -974,7 +976,7 @@ void surfaceTracker::state::round(const roundPlan& r) {
   }
   if (!edgesCurrent) buildVertexFaces();
   // Collapses read the positions: the midpoints go onto the input first.
-  if (r.projectSplits) relaxAndProject(move::FRESH);
+  if (r.projectSplits) relaxAndProject(move::FRESH, true, made);
   const bool collapsed = collapseShortEdges(r.collapse, r.reach) > 0;
   if (collapsed) compactVertices();
   if (collapsed || !edgesCurrent) buildTopology();
@@ -1011,9 +1013,10 @@ void surfaceTracker::improve(SYSTEM::callBack* cb) {
     // fits, split the rest, and collapse what that makes short without a long edge.
     std::fill(t.fresh.begin(), t.fresh.end(), 0);
     if (t.flipEdges(true)) t.buildTopology();
+    const unsigned int made = unsigned(t.pos.size());
     if (t.splitLongEdges(hi)) {
       t.buildVertexFaces();
-      t.relaxAndProject(state::move::FRESH);
+      t.relaxAndProject(state::move::FRESH, true, made);
     }
     t.collapseShortEdges(lo, hi);  // the result reads only the faces: no rebuild
     if (cb) cb->setValue(100.0f);
