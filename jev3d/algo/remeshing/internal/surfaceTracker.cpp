@@ -441,8 +441,9 @@ bool surfaceTracker::state::collapseAllowed(unsigned int keep, unsigned int gone
   };
   for (unsigned int end : {keep, gone}) {
     if (!stirred[end]) {
+      // Each neighbour is the next corner of a face, but for the last along a border.
       for (unsigned int i = vfStart[end]; i < vfStart[end + 1]; ++i)
-        if (tooLong(vfNext[i]) || tooLong(vfPrev[i])) return false;
+        if (tooLong(vfNext[i]) || (border[end] && tooLong(vfPrev[i]))) return false;
       continue;
     }
     if (!forFacesOf(end, [&](unsigned int f) {
@@ -826,12 +827,12 @@ unsigned int surfaceTracker::state::bandSweep(float lo, float hi,
     if (!pending[v] || fixed[v] || border[v] || feature[v] || vfStart[v] == vfStart[v + 1])
       continue;
     const unsigned int count = gatherRing(v);
-    // Each edge is seen from both of its faces; counts and sums are doubled alike.
+    // Around an inner vertex each neighbour is the next corner of one face.
     auto score = [&](const p3& p, float& energy) {
       unsigned int out = 0;
       energy = 0.f;
-      for (unsigned int i = 0; i < 2 * count; ++i) {
-        const float l2 = (p - ring[i]).squaredNorm();
+      for (unsigned int i = 0; i < count; ++i) {
+        const float l2 = (p - ring[2 * i]).squaredNorm();
         if (l2 >= lo2 && l2 <= hi2) continue;
         const float l = std::sqrt(l2);
         const float x = l < lo ? lo - l : l - hi;
@@ -846,15 +847,13 @@ unsigned int surfaceTracker::state::bandSweep(float lo, float hi,
     p3 pull, normal;
     for (unsigned int i = 0; i < count; ++i) {
       normal += areaVector(pos[v], ring[2 * i], ring[2 * i + 1]);
-      for (unsigned int j = 2 * i; j < 2 * i + 2; ++j) {
-        const p3 e = pos[v] - ring[j];
-        const float l = length(e);
-        const float d = std::min(hi, std::max(lo, l));
-        if (l > 0.f && d != l) pull += e * ((d - l) / l);
-      }
+      const p3 e = pos[v] - ring[2 * i];
+      const float l = length(e);
+      const float d = std::min(hi, std::max(lo, l));
+      if (l > 0.f && d != l) pull += e * ((d - l) / l);
     }
     normal = unit(normal);
-    pull = (pull - normal * (normal * pull)) * 0.5f;
+    pull = pull - normal * (normal * pull);
     const p3 old = pos[v];
     for (float step : {1.f, 0.5f, 0.25f}) {
       float e1;
