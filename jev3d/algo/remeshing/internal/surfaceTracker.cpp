@@ -48,16 +48,19 @@ constexpr float LOCAL_REACH_SHARE = 1.f / 16.f;
 
 // Length in float: the hot loops take it for every face around every vertex, where
 // point3::norm's double square root costs. Lengths past float's range take that one.
+// The double forms stay out of line: inlined, they spoil the code of the loops around.
+[[gnu::noinline]] float wideLength(const p3& v) { return v.norm(); }
+[[gnu::noinline]] p3 wideUnit(const p3& v) { return v.getNormalized(); }
+
 float length(const p3& v) {
   const float s = v.squaredNorm();
-  return s <= std::numeric_limits<float>::max() ? std::sqrt(s) : v.norm();
+  return s <= std::numeric_limits<float>::max() ? std::sqrt(s) : wideLength(v);
 }
 
 // Unit vector in float, for the same reason; the null vector stays null.
 p3 unit(const p3& v) {
   const float s = v.squaredNorm();
-  return s > 0.f && s <= std::numeric_limits<float>::max() ? v * (1.f / std::sqrt(s))
-                                                           : v.getNormalized();
+  return s > 0.f && s <= std::numeric_limits<float>::max() ? v * (1.f / std::sqrt(s)) : wideUnit(v);
 }
 
 // Twice the area vector of a triangle.
@@ -192,6 +195,9 @@ struct surfaceTracker::state {
   // Vertices before from are left alone (the splits append theirs).
   void relaxAndProject(move how, bool project = true, unsigned int from = 0);
   bool borderNeighbours(unsigned int v, unsigned int& ahead, unsigned int& behind) const;
+  // The move of border vertex v along its border; false where it stays (a corner, or
+  // where borders meet).
+  bool borderSlide(unsigned int v, p3& shift) const;
   // The corners after and before v in each face around it, as positions in ring (two a
   // face, in the order of the face list): the moves of a vertex read them many times.
   std::vector<p3> ring;
@@ -211,6 +217,9 @@ struct surfaceTracker::state {
     }
     return false;
   }
+
+  // ringFolds for v moved to p, its ring read afresh.
+  bool foldsAt(unsigned int v, const p3& p, const p3& normal);
 
   // Border vertices move too (along their border) in the relaxations of this round.
   bool slideBorders = false;
@@ -879,6 +888,22 @@ unsigned int surfaceTracker::state::bandSweep(float lo, float hi,
 // The two neighbours of border vertex v along its border: the side leaving v in a face
 // that no face enters v by, and the side entering v that none leaves by. False unless
 // there is exactly one of each (a vertex where borders meet stays put).
+bool surfaceTracker::state::foldsAt(unsigned int v, const p3& p, const p3& normal) {
+  return ringFolds(p, gatherRing(v), normal);
+}
+
+bool surfaceTracker::state::borderSlide(unsigned int v, p3& shift) const {
+  // Along the border, towards the middle of its two border neighbours.
+  unsigned int ahead = NONE, behind = NONE;
+  if (!borderNeighbours(v, ahead, behind)) return false;
+  // A corner of the border stays: sliding would cut it off.
+  const p3 in = (pos[v] - pos[behind]).getNormalized(), out = (pos[ahead] - pos[v]).getNormalized();
+  if (in * out < BORDER_CORNER_COS) return false;
+  const p3 along = (pos[ahead] - pos[behind]).getNormalized();
+  shift = along * (0.5f * ((pos[ahead] - pos[v]).norm() - (pos[behind] - pos[v]).norm()));
+  return true;
+}
+
 bool surfaceTracker::state::borderNeighbours(unsigned int v, unsigned int& ahead,
                                              unsigned int& behind) const {
   unsigned int found = 0;
@@ -908,11 +933,13 @@ void surfaceTracker::state::relaxAndProject(move how, bool project, unsigned int
     if (how == move::FRESH && !fresh[v]) continue;
     const unsigned int first = vfStart[v], count = vfStart[v + 1] - first;
     if (ringArea.size() < count) ringArea.resize(count);
+    const p3 p = pos[v];  // held apart: the stores to ringArea might otherwise alias it
     p3 centre, normal;
     float area = 0.f, across = 0.f;  // across: the longest squared side facing v
     for (unsigned int i = 0; i < count; ++i) {
       const p3 &a = pos[vfNext[first + i]], &b = pos[vfPrev[first + i]];
-      const p3 n = ringArea[i] = areaVector(pos[v], a, b);
+      const p3 n = areaVector(p, a, b);
+      ringArea[i] = n;
       const float w = length(n);
       normal += n;
       centre += (a + b) * w;  // v's own third added at the end
@@ -928,25 +955,16 @@ void surfaceTracker::state::relaxAndProject(move how, bool project, unsigned int
     for (unsigned int i = 0; i < count; ++i) flattest = std::min(flattest, ringArea[i] * normal);
     const float margin = flattest - 2.f * std::max(0.f, params.minTriangleArea);
     auto folds = [&](const p3& q) {
-      if (margin > 0.f && (q - pos[v]).squaredNorm() * across < margin * margin) return false;
-      gatherRing(v);
-      return ringFolds(q, count, normal);
+      if (margin > 0.f && (q - p).squaredNorm() * across < margin * margin) return false;
+      return foldsAt(v, q, normal);
     };
     p3 shift;
     if (how == move::CENTROID && border[v]) {
-      // Along the border, towards the middle of its two border neighbours.
-      unsigned int ahead = NONE, behind = NONE;
-      if (!borderNeighbours(v, ahead, behind)) continue;
-      // A corner of the border stays: sliding would cut it off.
-      const p3 in = (pos[v] - pos[behind]).getNormalized(),
-               out = (pos[ahead] - pos[v]).getNormalized();
-      if (in * out < BORDER_CORNER_COS) continue;
-      const p3 along = (pos[ahead] - pos[behind]).getNormalized();
-      shift = along * (0.5f * ((pos[ahead] - pos[v]).norm() - (pos[behind] - pos[v]).norm()));
+      if (!borderSlide(v, shift)) continue;
     } else if (how == move::CENTROID) {
-      shift = centre * (1.f / (3.f * area)) - pos[v] * (2.f / 3.f);
+      shift = centre * (1.f / (3.f * area)) - p * (2.f / 3.f);
     }
-    const p3 target = pos[v] + shift - normal * (normal * shift);
+    const p3 target = p + shift - normal * (normal * shift);
     p3 onSurface;
     const bool projected = project && projectOntoInput(v, target, onSurface);
     if (!folds(projected ? onSurface : target)) {
