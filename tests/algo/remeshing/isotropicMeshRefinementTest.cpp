@@ -13,6 +13,7 @@
 #include "jev3d/algo/postprocessing/triMesh.h"
 #include "jev3d/algo/remeshing/internal/triangleSoup.h"
 #include "jev3d/algo/remeshing/isotropicMeshRefinement.h"
+#include "jev3d/algo/remeshing/subdivision.h"
 #include "jev3d/io/ply/ioPly.h"
 #include "jev3d/mesh/editMeshInterface.h"
 #include "remeshingChecks.h"
@@ -274,6 +275,50 @@ TEST(isotropicMeshRefinement, paramsFormEvensOutAtTheMeanLength) {
   EXPECT_GE(shareWithin(out, 0.7 * mean, 1.3 * mean), 0.85);
   EXPECT_LT(lengthSpread(out), 0.5 * lengthSpread(in));
   EXPECT_LT(distance(in, out).maximum, 0.02);
+}
+
+// A box of 1 x 1 x 3 cut into triangles, its long edges cut the coarsest: the remesher
+// splits those, so points appear on the box's edges during the rounds.
+editMesh stretchedBox() {
+  editMesh cube, cut;
+  testMeshes::makeCube(cube);
+  testMeshes::finishMesh(cube);
+  JEV::MESH::editMeshInterface from(cube), to(cut);
+  EXPECT_TRUE(computeMidpoint(&from, &to, 0.2f, 8, false, false));
+  for (unsigned v = 0; v < cut.vn(); ++v) cut.vPos(v).z *= 3.f;
+  testMeshes::finishMesh(cut);
+  return cut;
+}
+
+TEST(isotropicMeshRefinement, sharpEdgesStayWhereAsked) {
+  const editMesh in = stretchedBox();
+  attributeList none, noneOut;
+  auto remeshed = [&](unsigned keepSharp) {
+    isotropicMeshParams params;
+    params.secondSwitch = keepSharp;
+    editMesh out;
+    EXPECT_GT(computeIsotropicMeshRefinement(in, {}, none, allFaces(in), out, noneOut, params,
+                                             nullptr, quiet),
+              0u);
+    return out;
+  };
+  const editMesh kept = remeshed(1), rounded = remeshed(0);
+  ASSERT_MESH_VALID(kept);
+  // The long edges were split, and their new points stayed on them.
+  auto onLongEdges = [](const editMesh& m) {
+    unsigned n = 0;
+    for (unsigned v = 0; v < m.vn(); ++v) {
+      const p3& p = m.vPos(v);
+      n += (p.x == 0.f || p.x == 1.f) && (p.y == 0.f || p.y == 1.f);
+    }
+    return n;
+  };
+  EXPECT_GT(onLongEdges(kept), onLongEdges(in));
+  // Every point of the box's edges and corners is still on the result, to rounding; left
+  // free, the relaxation and the collapses cut them.
+  EXPECT_LT(distance(in, kept).maximum, 1e-4);
+  EXPECT_GT(distance(in, rounded).maximum, 1e-2);
+  EXPECT_NEAR(testMeshes::signedVolume(kept), 3.0, 1e-3);
 }
 
 TEST(isotropicMeshRefinement, refusalsAreLoggedAndBadCallsGiveNothing) {

@@ -32,8 +32,9 @@ struct trackerParams {
 // collapses short ones, flips edges towards valence 6 (4 on a border), relaxes the
 // vertices in their tangent planes and projects them back onto the input surface. The
 // surface is a triangle list; splits and flips run in independent sets, collapses in
-// one pass that chains the faces of merged vertices, with the adjacency rebuilt in
-// between. Vertices with an infinite mass never move nor go away; neither do the ends of
+// one pass that chains the faces of merged vertices. The faces around each vertex are
+// rebuilt after splits and flips, the edges once a round, after the collapses (flips keep
+// them current). Vertices with an infinite mass never move nor go away; neither do the ends of
 // non-manifold edges. A narrow band of lengths (the shortest at least 0.75 of the
 // longest) gets rounds of its own after these: finer splits and collapses even out the
 // number of vertices, border vertices slide along their border, and a last sweep moves
