@@ -302,12 +302,19 @@ void surfaceTracker::state::buildVertexFaces() {
   vfNext.resize(vfStart[nv]);
   vfPrev.resize(vfStart[nv]);
   fill.assign(vfStart.begin(), vfStart.end() - 1);
-  for (unsigned int f = 0; f < nf; ++f)
-    if (!dead[f])
+  // Through plain pointers: a store of a corner, a byte, might alias any vector's insides,
+  // which the compiler would then read again at every corner.
+  const unsigned int* corners = tri.data();
+  const unsigned char* gone = dead.data();
+  unsigned int *at = fill.data(), *list = vfList.data(), *next = vfNext.data(),
+               *prev = vfPrev.data();
+  unsigned char* corner = vfCorner.data();
+  for (unsigned int f = 0; f < nf; ++f, corners += 3)
+    if (!gone[f])
       for (unsigned int k = 0; k < 3; ++k) {
-        const unsigned int at = fill[V(f, k)]++;
-        vfList[at] = f, vfCorner[at] = static_cast<unsigned char>(k);
-        vfNext[at] = V(f, NEXT[k]), vfPrev[at] = V(f, PREV[k]);
+        const unsigned int i = at[corners[k]]++;
+        list[i] = f, corner[i] = static_cast<unsigned char>(k);
+        next[i] = corners[NEXT[k]], prev[i] = corners[PREV[k]];
       }
 }
 
@@ -324,31 +331,36 @@ void surfaceTracker::state::buildTopology() {
   // matched through sideOwner[w] (v + 1 while v's sides are read) and sideEdge[w].
   sideOwner.assign(nv, 0);
   sideEdge.resize(nv);
+  // Through plain pointers, as in buildVertexFaces: the byte fields of the edge records
+  // might alias any vector's insides.
+  const unsigned int *corners = tri.data(), *start = vfStart.data(), *list = vfList.data(),
+                     *after = vfNext.data(), *before = vfPrev.data();
+  const unsigned char* corner = vfCorner.data();
+  unsigned int *owner = sideOwner.data(), *sideId = sideEdge.data(), *edgeOf = faceEdge.data();
   for (unsigned int v = 0; v < nv; ++v) {
     // Side k of face f joins v to w.
     auto side = [&](unsigned int f, unsigned int k, unsigned int w) {
-      if (sideOwner[w] != v + 1) {
+      if (owner[w] != v + 1) {
         edgeRec e;
-        e.a = V(f, k), e.b = V(f, NEXT[k]);
+        e.a = corners[3 * f + k], e.b = corners[3 * f + NEXT[k]];
         e.f[0] = f, e.k[0] = static_cast<unsigned char>(k);
         e.f[1] = NONE, e.k[1] = 0;
         e.faces = 1;
-        sideOwner[w] = v + 1, sideEdge[w] = unsigned(edges.size());
-        faceEdge[3 * f + k] = unsigned(edges.size());
+        owner[w] = v + 1, sideId[w] = unsigned(edges.size());
+        edgeOf[3 * f + k] = unsigned(edges.size());
         edges.push_back(e);
         return;
       }
-      edgeRec& e = edges[sideEdge[w]];
-      faceEdge[3 * f + k] = sideEdge[w];
+      edgeRec& e = edges[sideId[w]];
+      edgeOf[3 * f + k] = sideId[w];
       if (e.faces == 1) e.f[1] = f, e.k[1] = static_cast<unsigned char>(k);
       if (e.faces < 3) ++e.faces;
     };
-    for (unsigned int i = vfStart[v]; i < vfStart[v + 1]; ++i) {
-      const unsigned int f = vfList[i], c = vfCorner[i];
+    for (unsigned int i = start[v]; i < start[v + 1]; ++i) {
+      const unsigned int f = list[i], c = corner[i];
       // The side leaving v (corner c) and the side entering it (corner c + 2).
-      const unsigned int next = vfNext[i], prev = vfPrev[i];
-      if (next > v) side(f, c, next);
-      if (prev > v) side(f, PREV[c], prev);
+      if (after[i] > v) side(f, c, after[i]);
+      if (before[i] > v) side(f, PREV[c], before[i]);
     }
   }
   for (const edgeRec& e : edges) {
