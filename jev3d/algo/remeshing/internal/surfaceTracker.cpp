@@ -225,12 +225,12 @@ struct surfaceTracker::state {
   bool slideBorders = false;
   // One round: split above split, put the midpoints on the input (projectSplits),
   // collapse below collapse without an edge above reach, flip towards valence 6, relax
-  // (only the last relaxation projects: the ones before move in tangent planes, which
-  // the input hardly leaves over so short a move).
+  // (only the last relaxation projects, and only with projectRelaxed: the others move in
+  // tangent planes, which the input hardly leaves over so short a move).
   struct roundPlan {
     float split, collapse, reach;
     unsigned int flipPasses, relaxations;
-    bool projectSplits;
+    bool projectSplits, projectRelaxed;
   };
   void round(const roundPlan& r);
 };
@@ -1014,7 +1014,7 @@ void surfaceTracker::state::round(const roundPlan& r) {
     flipped = true;
   if (flipped) buildVertexFaces();
   for (unsigned int i = 0; i < r.relaxations; ++i)
-    relaxAndProject(move::CENTROID, i + 1 == r.relaxations);
+    relaxAndProject(move::CENTROID, r.projectRelaxed && i + 1 == r.relaxations);
 }
 
 void surfaceTracker::improve(SYSTEM::callBack* cb) {
@@ -1037,7 +1037,7 @@ void surfaceTracker::improve(SYSTEM::callBack* cb) {
     // A collapse may make edges a little above the band: the rounds then settle near its
     // middle, not at its short end, and the last stage trims what is left above.
     for (unsigned int r = 0; r < rounds; ++r, progress())
-      t.round({hi, lo, WIDE_COLLAPSE_REACH * hi, FLIP_PASSES, 1, false});
+      t.round({hi, lo, WIDE_COLLAPSE_REACH * hi, FLIP_PASSES, 1, false, true});
     // Relaxation leaves some edges a little long: flip them away where a shorter diagonal
     // fits, split the rest, and collapse what that makes short without a long edge.
     std::fill(t.fresh.begin(), t.fresh.end(), 0);
@@ -1054,13 +1054,15 @@ void surfaceTracker::improve(SYSTEM::callBack* cb) {
   // Coarse rounds bring the density near that of edges of 0.9·hi, then finer ones even it
   // out: a split only above 1.05·hi and a collapse below 0.78·hi that may reach 1.2·hi
   // leave the vertex count where relaxed edges land in [0.8, 1]·hi, and more flips keep
-  // the valences near 6 (a vertex of valence 5 or 7 bends the lengths around it). A sweep
-  // of single vertices finishes.
+  // the valences near 6 (a vertex of valence 5 or 7 bends the lengths around it). Their
+  // moves are short: every other one, the last among them, ends on the input (the
+  // midpoints of splits always go onto it). A sweep of single vertices finishes.
   for (unsigned int r = 0; r < rounds; ++r, progress())
-    t.round({1.2f * hi, 0.72f * hi, 1.2f * hi, FLIP_PASSES, 1, false});
+    t.round({1.2f * hi, 0.72f * hi, 1.2f * hi, FLIP_PASSES, 1, false, true});
   t.slideBorders = true;
   for (unsigned int r = 0; r < EQUALISE_ROUNDS; ++r, progress())
-    t.round({1.05f * hi, 0.78f * hi, 1.2f * hi, EQUALISE_FLIP_PASSES, EQUALISE_RELAXATIONS, true});
+    t.round({1.05f * hi, 0.78f * hi, 1.2f * hi, EQUALISE_FLIP_PASSES, EQUALISE_RELAXATIONS, true,
+             (EQUALISE_ROUNDS - 1 - r) % 2 == 0});
   // Inside the band by a hair, so that the rounding of the projection keeps them in.
   const float sweepLo = std::max(lo, 0.8f * hi) * 1.0125f, sweepHi = 0.99f * hi;
   std::vector<unsigned char> pending(t.pos.size(), 1);
