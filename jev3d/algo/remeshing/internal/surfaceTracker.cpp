@@ -38,17 +38,17 @@ constexpr unsigned int SWEEP_ROUNDS = 3;
 constexpr float FEATURE_COS = 0.5f;         // normals more than 60 degrees apart
 constexpr float BORDER_CORNER_COS = 0.94f;  // a border turning by more than 20 degrees
 // A projection walks at most this many triangles over the input, and takes the local
-// minimum it finds only within this share of the squared longest edge; past either the
-// tree decides.
+// minimum it finds only within this share of the squared longest edge; past either a
+// search of the whole input decides, this many times, and then the tree.
 constexpr unsigned int MAX_WALK_STEPS = 8;
+constexpr float LOCAL_REACH_SHARE = 1.f / 16.f;
 constexpr unsigned int WHOLE_INPUT_SCANS = 8;
 // A barycentric weight at most this is nought: the closest point lies on the side across.
 constexpr float SIDE_WEIGHT = 1e-6f;
-constexpr float LOCAL_REACH_SHARE = 1.f / 16.f;
 
 // Length in float: the hot loops take it for every face around every vertex, where
-// point3::norm's double square root costs. Lengths past float's range take that one.
-// The double forms stay out of line: inlined, they spoil the code of the loops around.
+// point3::norm's double square root costs. Lengths past float's range take that one,
+// out of line: the loops keep only the float path.
 [[gnu::noinline]] float wideLength(const p3& v) { return v.norm(); }
 [[gnu::noinline]] p3 wideUnit(const p3& v) { return v.getNormalized(); }
 
@@ -743,11 +743,12 @@ std::vector<unsigned char> surfaceTracker::state::edgesNearLastFlips() {
 // has no triangle at all.
 bool surfaceTracker::state::projectOntoInput(unsigned int v, const p3& target, p3& onSurface) {
   // The surface is near the last triangle projected onto: walk from it over the input,
-  // each step to the nearest triangle around the corners that hold the current closest
-  // point, while that comes nearer. A point inside a triangle, or one on its edges that
-  // no triangle around them beats, is a local minimum and is taken as it is (a nearer
-  // point elsewhere would need the surface to fold back within that distance). A walk
-  // that runs long or ends far from the surface asks the tree instead, its search bounded
+  // each step across the side that holds the current closest point, or else to the
+  // nearest triangle around the corners that hold it, while that comes nearer. A point
+  // inside a triangle, or one on its edges that no triangle around them beats, is a local
+  // minimum and is taken as it is (a nearer point elsewhere would need the surface to
+  // fold back within that distance). A walk that runs long or ends far from the surface
+  // asks the whole input instead, or, past the first few, the tree, its search bounded
   // by the nearest found (widened a little for the rounding of the tree's own
   // arithmetic); failing that, by the longest edge allowed.
   float reach = params.maxEdgeLength * params.maxEdgeLength;
