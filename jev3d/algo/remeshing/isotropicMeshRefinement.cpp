@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <iostream>
 #include <limits>
 
 #include "jev3d/algo/remeshing/internal/surfaceTracker.h"
@@ -21,6 +22,9 @@ namespace {
 using p3 = MATH::point3<float>;
 constexpr unsigned int NONE = 0xFFFFFFFFu;
 constexpr unsigned int ROUNDS = 3;
+// Most triangles a remeshing may make (a few gigabytes of working memory): a length far
+// below the surface's size is refused rather than left to run out of memory.
+constexpr double MAX_TRIANGLES = double(1u << 25);
 
 // The listed live faces as triangles over region vertices, with the map from region
 // vertex to mesh vertex, and which region vertices the rest of the mesh also uses.
@@ -69,6 +73,20 @@ region cutRegion(const editMesh& mesh, const std::vector<unsigned int>& faces,
     if (v < local.size() && local[v] != NONE)
       r.masses[local[v]] = std::numeric_limits<float>::infinity();
   return r;
+}
+
+// Area of the region's triangles, in double.
+double area(const region& r) {
+  double sum = 0.0;
+  for (size_t k = 0; k + 2 < r.triangles.size(); k += 3) {
+    const p3 &a = r.positions[r.triangles[k]], &b = r.positions[r.triangles[k + 1]],
+             &c = r.positions[r.triangles[k + 2]];
+    const MATH::point3<double> u(b.x - a.x, b.y - a.y, b.z - a.z),
+        v(c.x - a.x, c.y - a.y, c.z - a.z);
+    const double a2 = MATH::point3<double>::cross(u, v).norm();
+    if (std::isfinite(a2)) sum += 0.5 * a2;  // a corner that is not a number counts nothing
+  }
+  return sum;
 }
 
 double meanEdgeLength(const region& r) {
@@ -135,6 +153,17 @@ unsigned int remesh(const editMesh& mesh, const std::vector<unsigned int>& keptV
     if (cb) cb->setValue(100.0f);
     return 0;
   }
+  // Triangles of the longest edges allowed, equilateral, cover about 0.43·L² each.
+  const double triangles = area(r) / (0.43 * double(tp.maxEdgeLength) * tp.maxEdgeLength);
+  if (triangles > MAX_TRIANGLES) {
+    std::cerr << "isotropic remeshing: edges of " << tp.maxEdgeLength << " would make about "
+              << triangles << " triangles, more than " << MAX_TRIANGLES << "; nothing is made\n";
+    result.clear(false);
+    if (cb) cb->setValue(100.0f);
+    return 0;
+  }
+  // Room for twice what the length asks and the input besides; past it no split starts.
+  tp.maxTriangles = 2.0 * triangles + double(r.triangles.size() / 3) + 1024.0;
   tp.minTriangleArea = float(1e-7 * unit * unit);
   tp.iterations = ROUNDS;
   tp.log = log;

@@ -321,6 +321,33 @@ TEST(isotropicMeshRefinement, sharpEdgesStayWhereAsked) {
   EXPECT_NEAR(testMeshes::signedVolume(kept), 3.0, 1e-3);
 }
 
+TEST(isotropicMeshRefinement, slicesBesideAnEdgeThatNeverSplitsStayBounded) {
+  // Three overlapping triangles in one plane on one edge: the edge is non-manifold and
+  // never splits, and splits beside it cut slivers that are always long again.
+  editMesh in;
+  const std::vector<p3> positions = {
+      {0.f, 0.f, 0.f}, {1.f, 0.f, 0.f}, {0.5f, 0.5f, 0.f}, {0.5f, -0.5f, 0.f}, {0.3f, 0.2f, 0.f}};
+  INTERNAL::fromTriangleSoup(in, positions, {0, 1, 2, 1, 0, 3, 0, 1, 4});
+  editMesh out;
+  attributeList none, noneOut;
+  const unsigned made =
+      computeIsotropicMeshRefinement(in, none, allFaces(in), out, noneOut, 0.01f, nullptr, quiet);
+  // Their area, 0.6, holds about 14,000 triangles of sides 0.01.
+  EXPECT_GT(made, 5000u);
+  EXPECT_LT(made, 50000u);
+}
+
+TEST(isotropicMeshRefinement, lengthsFarBelowTheSurfaceAreRefused) {
+  editMesh in = sphere();
+  editMesh out;
+  testMeshes::makeCube(out);
+  attributeList none, noneOut;
+  EXPECT_EQ(
+      computeIsotropicMeshRefinement(in, none, allFaces(in), out, noneOut, 1e-5f, nullptr, quiet),
+      0u);
+  EXPECT_EQ(out.fn(), 0u);
+}
+
 TEST(isotropicMeshRefinement, refusalsAreLoggedAndBadCallsGiveNothing) {
   editMesh in = bumpyGrid();
   editMesh out;

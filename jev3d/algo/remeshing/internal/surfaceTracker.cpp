@@ -153,6 +153,11 @@ struct surfaceTracker::state {
   p3 faceNormal(unsigned int f) const {
     return areaVector(pos[V(f, 0)], pos[V(f, 1)], pos[V(f, 2)]);
   }
+  // Whether squared length l2 is above limit and can be split: a length that is not a
+  // number, or that overflows, would give halves of the same kind, split after split.
+  static bool splittable(float l2, float limit) {
+    return l2 > limit && l2 <= std::numeric_limits<float>::max();
+  }
   bool splitLongEdges(float longest);
   // Whether a side of a face is longer than longest and not between two fixed vertices.
   bool anySideLonger(float longest) const {
@@ -164,7 +169,8 @@ struct surfaceTracker::state {
         continue;
       for (unsigned int k = 0; k < 3; ++k) {
         const unsigned int u = tri[f + k], w = tri[f + NEXT[k]];
-        if ((pos[u] - pos[w]).squaredNorm() > limit && !(fixed[u] && fixed[w])) return true;
+        if (splittable((pos[u] - pos[w]).squaredNorm(), limit) && !(fixed[u] && fixed[w]))
+          return true;
       }
     }
     return false;
@@ -427,7 +433,7 @@ bool surfaceTracker::state::splitLongEdges(float longest) {
   bool any = false;
   for (unsigned int e = 0; e < edges.size(); ++e) {
     const edgeRec& r = edges[e];
-    if (r.faces > 2 || (pos[r.a] - pos[r.b]).squaredNorm() <= limit) continue;
+    if (r.faces > 2 || !splittable((pos[r.a] - pos[r.b]).squaredNorm(), limit)) continue;
     if (r.faces == 1 && fixed[r.a] && fixed[r.b]) continue;
     mid[e] = unsigned(pos.size());
     pos.push_back((pos[r.a] + pos[r.b]) * 0.5f);
@@ -997,7 +1003,7 @@ void surfaceTracker::state::round(const roundPlan& r) {
   // Another pass of splits, which reads the edges, follows only where a side is still
   // long; the collapses read just the faces around each vertex.
   bool edgesCurrent = true;
-  for (unsigned int pass = 0; pass < MAX_SPLIT_PASSES; ++pass) {
+  for (unsigned int pass = 0; pass < MAX_SPLIT_PASSES && fn() < params.maxTriangles; ++pass) {
     if (!edgesCurrent) buildTopology();
     edgesCurrent = true;
     if (!splitLongEdges(r.split)) break;
@@ -1044,7 +1050,7 @@ void surfaceTracker::improve(SYSTEM::callBack* cb) {
     std::fill(t.fresh.begin(), t.fresh.end(), 0);
     if (t.flipEdges(true)) t.buildTopology();
     const unsigned int made = unsigned(t.pos.size());
-    if (t.splitLongEdges(hi)) {
+    if (t.fn() < t.params.maxTriangles && t.splitLongEdges(hi)) {
       t.buildVertexFaces();
       t.relaxAndProject(state::move::FRESH, true, made);
     }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <iosfwd>
+#include <limits>
 #include <memory>
 #include <vector>
 
@@ -25,7 +26,10 @@ struct trackerParams {
   bool keepBorder = false;        // open borders stay as they are
   bool keepFeatures = false;      // edges with a dihedral angle above 60 degrees stay
   unsigned int iterations = 3;    // rounds before those of a narrow band
-  std::ostream* log = nullptr;    // every refused operation and why, one line each
+  // No split pass starts on a surface of this many triangles: splits beside an edge that
+  // never splits (a non-manifold one) would otherwise cut slivers without end.
+  double maxTriangles = std::numeric_limits<double>::infinity();
+  std::ostream* log = nullptr;  // every refused operation and why, one line each
 };
 
 // An explicit surface tracker for isotropic remeshing: each round splits long edges,
